@@ -1,0 +1,13 @@
+include(CMakePackageConfigHelpers)
+
+set(KIV_CMAKE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/KivToolsRePack)
+install(TARGETS KivToolsRePack KivToolsRePackStatic EXPORT KivToolsRePackTargets)
+install(DIRECTORY include/kivtools DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(EXPORT KivToolsRePackTargets NAMESPACE KivToolsRePack:: DESTINATION ${KIV_CMAKE_DIR})
+configure_package_config_file(cmake/KivToolsRePackConfig.cmake.in KivToolsRePackConfig.cmake
+  INSTALL_DESTINATION ${KIV_CMAKE_DIR})
+write_basic_package_version_file(KivToolsRePackConfigVersion.cmake COMPATIBILITY SameMinorVersion)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/KivToolsRePackConfig.cmake
+  ${CMAKE_CURRENT_BINARY_DIR}/KivToolsRePackConfigVersion.cmake DESTINATION ${KIV_CMAKE_DIR})
+configure_file(cmake/kivtoolsrepack.pc.in kivtoolsrepack.pc @ONLY)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/kivtoolsrepack.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

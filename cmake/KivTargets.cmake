@@ -1,0 +1,53 @@
+# What every target of this build shares.
+function(kiv_setup_target target)
+  target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wshadow $<$<COMPILE_LANGUAGE:CXX>:-Wconversion>)
+  # g++ 12 reports overlapping copies inside std::string's own operator+ where there are none.
+  target_compile_options(${target} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>)
+  if(KIV_WARNINGS_AS_ERRORS)
+    target_compile_options(${target} PRIVATE -Werror)
+  endif()
+  if(WIN32)
+    target_compile_definitions(${target} PRIVATE UNICODE _UNICODE STRICT NOMINMAX WIN32_LEAN_AND_MEAN _WIN32_WINNT=0x0601)
+    if(CMAKE_SIZEOF_VOID_P EQUAL 4)
+      # SSE2 gives doubles the same results as on 64-bit; hosts of other compilers call with a 4-byte aligned stack.
+      target_compile_options(${target} PRIVATE -msse2 -mfpmath=sse -mstackrealign)
+    endif()
+    # Programs and the library need nothing beside them but the system's own libraries.
+    target_link_options(${target} PRIVATE -static -static-libgcc -static-libstdc++)
+  endif()
+endfunction()
+
+# The two forms of the library, from the same sources.
+function(kiv_add_library target kind)
+  add_library(${target} ${kind} ${KIV_SOURCES})
+  add_library(KivToolsRePack::${target} ALIAS ${target})
+  kiv_setup_target(${target})
+  target_include_directories(${target} PUBLIC
+    $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+  target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR})
+  target_compile_features(${target} PUBLIC cxx_std_20)
+  target_compile_definitions(${target} PRIVATE KIV_VERSION="${PROJECT_VERSION}")
+  target_link_libraries(${target} PRIVATE ${KIV_SYSTEM_LIBRARIES})
+  set_target_properties(${target} PROPERTIES OUTPUT_NAME KivToolsRePack)
+  if(kind STREQUAL "SHARED")
+    target_compile_definitions(${target} PRIVATE KIV_BUILDING)
+    target_sources(${target} PRIVATE ${KIV_SHARED_ONLY_SOURCES})
+    if(WIN32)
+      set_target_properties(${target} PROPERTIES PREFIX "")
+    endif()
+    # What the static parts of the compiler's run-time library bring along is not published.
+    target_link_options(${target} PRIVATE -Wl,--exclude-libs,ALL)
+    set_target_properties(${target} PROPERTIES
+      VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR} RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/lib)
+  else()
+    target_compile_definitions(${target} PUBLIC KIV_STATIC)
+  endif()
+endfunction()
+
+# A program of this build that stands on the static library and may see its inner headers.
+function(kiv_add_program target)
+  add_executable(${target} ${ARGN})
+  kiv_setup_target(${target})
+  target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR})
+  set_target_properties(${target} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
+endfunction()

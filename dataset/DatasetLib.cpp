@@ -1,0 +1,46 @@
+#include "kivtools/DatasetLib.h"
+
+#include <algorithm>
+
+#include "tools/Units.h"
+
+namespace kiv {
+namespace {
+
+/// The library's own engine. It is registered so that hosts find its place; it has no formats yet.
+class OwnEngine final : public DatasetEngine {
+ public:
+  [[nodiscard]] TextView Name() const noexcept override { return "DatasetLib"; }
+  [[nodiscard]] StringList Formats() const override { return {}; }
+};
+
+std::vector<const DatasetEngine*>& Engines() {
+  static std::vector<const DatasetEngine*> engines;
+  return engines;
+}
+
+auto FindByName(TextView name) {
+  return std::ranges::find(Engines(), name, &DatasetEngine::Name);
+}
+
+}  // namespace
+
+void RegisterDatasetEngine(const DatasetEngine& engine) {
+  if (const auto found = FindByName(engine.Name()); found != Engines().end()) {
+    *found = &engine;
+  } else {
+    Engines().push_back(&engine);
+  }
+}
+
+const DatasetEngine* FindDatasetEngine(TextView name) noexcept {
+  const auto found = FindByName(name);
+  return found == Engines().end() ? nullptr : *found;
+}
+
+void units::DatasetLib::StartUp() {
+  static const OwnEngine engine;
+  RegisterDatasetEngine(engine);
+}
+
+}  // namespace kiv

@@ -1,0 +1,7 @@
+/// @file
+/// The unit WinUtil, all families.
+#pragma once
+
+#include "kivtools/WinUtil/DateText.h"
+#include "kivtools/WinUtil/Floppy.h"
+#include "kivtools/WinUtil/Paths.h"

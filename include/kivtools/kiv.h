@@ -1,0 +1,11 @@
+/**
+ * @file
+ * The C interface: plain C11 functions over the library's operations, for hosts of any compiler or language. Its rules
+ * stand in c/Base.h; each family has its header.
+ */
+#ifndef KIVTOOLS_KIV_H
+#define KIVTOOLS_KIV_H
+
+#include "kivtools/c/Base.h"
+
+#endif

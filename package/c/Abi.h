@@ -1,0 +1,87 @@
+#pragma once
+
+#include <algorithm>
+#include <concepts>
+#include <cstring>
+#include <exception>
+#include <utility>
+
+#include "kivtools/Types.h"
+#include "kivtools/c/Base.h"
+
+/// What every function of the C interface does around its operation.
+namespace kiv::c {
+
+/// An argument that the C interface itself refuses: a null pointer, an unknown enumeration value.
+class ArgumentError : public Error {
+ public:
+  using Error::Error;
+};
+
+/// Turns the exception in flight into this thread's last error; returns the negated code. Only within a catch block.
+std::int32_t ReportCurrentException() noexcept;
+
+/// The Text argument `name` of `operation`. Throws ArgumentError for a null pointer with a length.
+inline TextView TextArgument(const char* text, std::size_t length, const char* name) {
+  if (text == nullptr && length != 0) {
+    throw ArgumentError(Text(name) + ": pointer nul");
+  }
+  return length == KIV_ZERO_ENDED ? TextView(text) : TextView(text, text == nullptr ? 0 : length);
+}
+
+/// The object behind a pointer argument. Throws ArgumentError for null.
+template <class Value>
+Value& PointerArgument(Value* value, const char* name) {
+  if (value == nullptr) {
+    throw ArgumentError(Text(name) + ": pointer nul");
+  }
+  return *value;
+}
+
+/// Copies `text` into the caller's buffer as far as it fits, zero-terminated; returns its whole length.
+inline KivLength CopyOut(TextView text, char* buffer, std::size_t capacity) noexcept {
+  if (capacity > 0) {
+    const std::size_t copied = text.size() < capacity ? text.size() : capacity - 1;
+    if (copied > 0) {
+      std::memcpy(buffer, text.data(), copied);
+    }
+    buffer[copied] = '\0';
+  }
+  return static_cast<KivLength>(text.size());
+}
+
+/// Runs an operation that gives Text (or TextView) and copies it out.
+template <class Operation>
+KivLength GiveText(char* buffer, std::size_t capacity, Operation&& operation) noexcept {
+  try {
+    if (capacity > 0) {
+      PointerArgument(buffer, "buffer");
+    }
+    return CopyOut(std::forward<Operation>(operation)(), buffer, capacity);
+  } catch (...) {
+    return ReportCurrentException();
+  }
+}
+
+/// Runs an operation that gives yes or no.
+template <class Operation>
+KivAnswer GiveAnswer(Operation&& operation) noexcept {
+  try {
+    return std::forward<Operation>(operation)() ? 1 : 0;
+  } catch (...) {
+    return ReportCurrentException();
+  }
+}
+
+/// Runs an operation that gives nothing, or stores its results itself as its last step.
+template <class Operation>
+KivStatus Run(Operation&& operation) noexcept {
+  try {
+    std::forward<Operation>(operation)();
+    return KIV_OK;
+  } catch (...) {
+    return ReportCurrentException();
+  }
+}
+
+}  // namespace kiv::c

@@ -1,0 +1,99 @@
+#include "kivtools/c/Base.h"
+
+#include <array>
+#include <new>
+
+#include "kivtools/Package.h"
+#include "package/c/Abi.h"
+
+namespace kiv::c {
+namespace {
+
+/// This thread's last failure. A fixed array, so that a failure for want of memory can be reported too.
+struct LastError {
+  std::int32_t code = KIV_OK;
+  std::size_t length = 0;
+  std::array<char, 1024> message{};
+};
+
+thread_local LastError last_error;
+
+std::int32_t Report(std::int32_t code, const char* message) noexcept {
+  last_error.code = code;
+  last_error.length = std::min(std::strlen(message), last_error.message.size() - 1);
+  std::memcpy(last_error.message.data(), message, last_error.length);
+  last_error.message[last_error.length] = '\0';
+  return -code;
+}
+
+}  // namespace
+
+std::int32_t ReportCurrentException() noexcept {
+  try {
+    throw;
+  } catch (const ArgumentError& error) {
+    return Report(KIV_ERROR_ARGUMENT, error.what());
+  } catch (const ConversionError& error) {
+    return Report(KIV_ERROR_CONVERSION, error.what());
+  } catch (const DateEncodingError& error) {
+    return Report(KIV_ERROR_DATE, error.what());
+  } catch (const DivisionByZero& error) {
+    return Report(KIV_ERROR_DIVISION, error.what());
+  } catch (const InvalidCast& error) {
+    return Report(KIV_ERROR_CAST, error.what());
+  } catch (const ListIndexError& error) {
+    return Report(KIV_ERROR_LIST_INDEX, error.what());
+  } catch (const AssertionFailure& error) {
+    return Report(KIV_ERROR_ASSERTION, error.what());
+  } catch (const OsError& error) {
+    return Report(KIV_ERROR_SYSTEM, error.what());
+  } catch (const std::bad_alloc&) {
+    return Report(KIV_ERROR_OUT_OF_MEMORY, "memorie insuficienta");
+  } catch (const std::length_error&) {
+    return Report(KIV_ERROR_OUT_OF_MEMORY, "rezultat prea lung");
+  } catch (const std::exception& error) {
+    return Report(KIV_ERROR_GENERAL, error.what());
+  } catch (...) {
+    return Report(KIV_ERROR_GENERAL, "eroare necunoscuta");
+  }
+}
+
+}  // namespace kiv::c
+
+using namespace kiv::c;
+
+extern "C" {
+
+int32_t KivLastError(void) {
+  return last_error.code;
+}
+
+KivLength KivLastErrorMessage(char* buffer, size_t capacity) {
+  // Not through GiveText: asking for the message must not replace it.
+  return CopyOut({last_error.message.data(), last_error.length}, buffer, buffer == nullptr ? 0 : capacity);
+}
+
+KivStatus KivInitialize(void) {
+  return Run([] { kiv::Initialize(); });
+}
+
+KivStatus KivFinalize(void) {
+  return Run([] { kiv::Finalize(); });
+}
+
+KivLength KivVersion(char* buffer, size_t capacity) {
+  return GiveText(buffer, capacity, [] { return kiv::TextView(KIV_VERSION); });
+}
+
+KivLength KivTextToUtf8(const char* text, size_t length, int32_t commaBelow, char* buffer, size_t capacity) {
+  return GiveText(buffer, capacity, [=] {
+    return kiv::ToUtf8(TextArgument(text, length, "KivTextToUtf8: text"),
+                       commaBelow != 0 ? kiv::DiacriticForm::CommaBelow : kiv::DiacriticForm::Cedilla);
+  });
+}
+
+KivLength KivUtf8ToText(const char* utf8, size_t length, char* buffer, size_t capacity) {
+  return GiveText(buffer, capacity, [=] { return kiv::FromUtf8(TextArgument(utf8, length, "KivUtf8ToText: utf8")); });
+}
+
+}  // extern "C"

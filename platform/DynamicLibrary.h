@@ -1,0 +1,23 @@
+#pragma once
+
+#include <filesystem>
+
+namespace kiv::platform {
+
+/// A shared library loaded at run time; unloaded with this object.
+class DynamicLibrary {
+ public:
+  /// Loads the library. Throws OsError, naming the path, where the system cannot.
+  explicit DynamicLibrary(const std::filesystem::path& path);
+  ~DynamicLibrary();
+  DynamicLibrary(const DynamicLibrary&) = delete;
+  DynamicLibrary& operator=(const DynamicLibrary&) = delete;
+
+  /// The address that the library exports under `name`, null if it exports none.
+  [[nodiscard]] void* Symbol(const char* name) const noexcept;
+
+ private:
+  void* handle_;
+};
+
+}  // namespace kiv::platform

@@ -1,0 +1,35 @@
+#include "platform/SystemError.h"
+
+#include <windows.h>
+
+#include <array>
+
+namespace kiv::platform {
+namespace {
+
+/// The system's text in the user's language, as Windows-1250; "?" stands for letters that the code page lacks.
+Text SystemText(DWORD code) {
+  std::array<wchar_t, 512> wide{};
+  DWORD length = FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, code, 0,
+                                wide.data(), static_cast<DWORD>(wide.size()), nullptr);
+  while (length > 0 && (wide[length - 1] == L'\r' || wide[length - 1] == L'\n' || wide[length - 1] == L' ')) {
+    --length;
+  }
+  Text text;
+  for (DWORD i = 0; i < length; ++i) {
+    text.push_back(static_cast<char>(windows1250::FromUnicode(wide[i]).value_or('?')));
+  }
+  return text.empty() ? "eroarea " + std::to_string(code) : text;
+}
+
+}  // namespace
+
+OsError SystemError(TextView context, std::int32_t code) {
+  return {code, Text(context) + ": " + SystemText(static_cast<DWORD>(code))};
+}
+
+OsError LastSystemError(TextView context) {
+  return SystemError(context, static_cast<std::int32_t>(GetLastError()));
+}
+
+}  // namespace kiv::platform

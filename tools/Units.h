@@ -1,0 +1,43 @@
+#pragma once
+
+/// The library's own units as the package table starts them and shuts them down.
+namespace kiv::units {
+
+/// A unit that only counts.
+struct WithoutBodies {
+  static void StartUp() {}
+  static void ShutDown() {}
+};
+
+/// Registers the in-memory dataset engine.
+struct DatasetLib {
+  static void StartUp();
+  static void ShutDown() {}
+};
+
+/// The special folders are the system's own; nothing has to be started for them.
+struct Shfolder : WithoutBodies {};
+
+/// Fills the version-resource key names; releases them.
+struct CEVersionInfo {
+  static void StartUp();
+  static void ShutDown();
+};
+
+/// Reads the temporary folder and fills the month tables; releases them.
+struct WinUtil {
+  static void StartUp();
+  static void ShutDown();
+};
+
+struct LargeFontScaler : WithoutBodies {};
+struct BmpRoutines : WithoutBodies {};
+
+struct WideTools : WithoutBodies {};
+
+struct UTreeAVL2 : WithoutBodies {};
+struct UDepanarePointer : WithoutBodies {};
+
+struct UPanelElastic : WithoutBodies {};
+
+}  // namespace kiv::units

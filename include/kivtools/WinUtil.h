@@ -4,4 +4,7 @@
 
 #include "kivtools/WinUtil/DateText.h"
 #include "kivtools/WinUtil/Floppy.h"
+#include "kivtools/WinUtil/Money.h"
+#include "kivtools/WinUtil/NumbersInWords.h"
 #include "kivtools/WinUtil/Paths.h"
+#include "kivtools/WinUtil/TextShaping.h"

@@ -7,5 +7,9 @@
 #define KIVTOOLS_KIV_H
 
 #include "kivtools/c/Base.h"
+#include "kivtools/c/DateText.h"
+#include "kivtools/c/Money.h"
+#include "kivtools/c/NumbersInWords.h"
+#include "kivtools/c/TextShaping.h"
 
 #endif

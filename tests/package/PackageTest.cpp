@@ -1,9 +1,8 @@
-#include "kivtools/Package.h"
-
 #include <gtest/gtest.h>
 
 #include "kivtools/CEVersionInfo.h"
 #include "kivtools/DatasetLib.h"
+#include "kivtools/Package.h"
 #include "kivtools/WinUtil.h"
 #include "package/OnceOnly.h"
 

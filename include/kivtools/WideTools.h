@@ -1,0 +1,5 @@
+/// @file
+/// The unit WideTools.
+#pragma once
+
+#include "kivtools/WideTools/ScaledNumbers.h"

@@ -39,14 +39,4 @@ void AppendPadded(Text& text, Integer value, std::size_t width) {
   text.append(digits.data(), length);
 }
 
-/// The most characters that WriteGroupedBefore writes: 20 digits and six dots.
-inline constexpr std::size_t kMostGroupedCharacters = 26;
-
-/// Writes `value` with "." between groups of three digits so that it ends before `end`; returns its first character.
-/// Example: 1234567 gives "1.234.567".
-char* WriteGroupedBefore(char* end, std::uint64_t value) noexcept;
-
-/// Writes the last four digits of `value`, zeros in front, before `end`. Example: 56 gives "0056".
-void WriteFourDigitsBefore(char* end, std::uint32_t value) noexcept;
-
 }  // namespace kiv

@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "core/GroupedDigits.h"
 #include "core/Numbers.h"
 
 namespace kiv {
@@ -14,7 +15,7 @@ Text Plain(std::uint64_t value) {
 }
 
 Text Grouped(std::uint64_t value) {
-  std::array<char, kMostGroupedCharacters> buffer;
+  std::array<char, kGroupedRoom> buffer;
   char* const end = buffer.data() + buffer.size();
   return {WriteGroupedBefore(end, value), end};
 }

@@ -9,8 +9,6 @@
 namespace kiv {
 namespace {
 
-enum class Gender : std::uint8_t { Masculine, Feminine };
-
 /// The words of a number below 1000. All have the same size, so that appending one is a copy of fixed length.
 struct Words {
   std::array<char, 31> text{};
@@ -53,28 +51,47 @@ constexpr void AppendBelowHundred(Words& words, std::size_t value, const std::ar
   }
 }
 
-constexpr std::array<Words, 1000> AllBelowThousand(const std::array<TextView, 10>& digits) {
+/// The words of 1 to 999; nothing for 0, so that a missing group appends nothing.
+constexpr std::array<Words, 1000> AllGroups(const std::array<TextView, 10>& digits) {
   std::array<Words, 1000> all{};
-  for (std::size_t value = 0; value < all.size(); ++value) {
+  for (std::size_t value = 1; value < all.size(); ++value) {
     all[value].Append(kHundreds[value / 100]);
-    if (value < 100 || value % 100 != 0) {
+    if (value % 100 != 0) {
       AppendBelowHundred(all[value], value % 100, digits);
     }
   }
   return all;
 }
 
-constexpr std::array<Words, 1000> kMasculine = AllBelowThousand(kMasculineDigits);
-constexpr std::array<Words, 1000> kFeminine = AllBelowThousand(kFeminineDigits);
-
-[[noreturn]] void Refuse(std::int64_t value, TextView reason) {
-  Text message = "Numarul ";
-  AppendDecimal(message, value);
-  throw Error(message.append(reason));
+constexpr std::array<Words, 1000> AllThousands() {
+  std::array<Words, 1000> all = AllGroups(kFeminineDigits);
+  all[1] = {};
+  all[1].Append("UNAMIE");
+  for (std::size_t value = 2; value < all.size(); ++value) {
+    all[value].Append("MII");
+  }
+  return all;
 }
 
-[[noreturn]] void RefuseHundreds(std::int64_t value) {
-  Refuse(value, " nu se afla in intervalul 0..999");
+/// The three groups of a number, each ready with the word that follows it, "MILIOANE" apart.
+constexpr std::array<Words, 1000> kMillions = AllGroups(kFeminineDigits);
+constexpr std::array<Words, 1000> kThousands = AllThousands();
+constexpr std::array<Words, 1000> kUnits = AllGroups(kMasculineDigits);
+
+[[noreturn]] void RefuseHundreds(std::int64_t group) {
+  Text message = "Numarul ";
+  AppendDecimal(message, group);
+  throw Error(message + " nu se afla in intervalul 0..999");
+}
+
+/// The first group, from the left, that is not in 0..999: the millions of a billion and more, or the first part of a
+/// negative number that is not zero.
+std::int32_t FirstBadGroup(std::int32_t value) {
+  if (const std::int32_t millions = value / 1'000'000; millions != 0) {
+    return millions;
+  }
+  const std::int32_t thousands = value / 1000;
+  return thousands != 0 ? thousands : value;
 }
 
 /// The words of one result, gathered where there is room for the longest one, so that the Text is allocated once, at
@@ -86,50 +103,14 @@ class Writer {
     end_ += word.size();
   }
 
-  void AppendHundreds(std::int32_t value, Gender gender) {
-    // The unsigned comparison refuses negative values too.
-    if (static_cast<std::uint32_t>(value) > 999) {
-      RefuseHundreds(value);
-    }
-    const auto index = static_cast<std::size_t>(value);
-    const Words& words = gender == Gender::Masculine ? kMasculine[index] : kFeminine[index];
-    std::memcpy(end_, words.text.data(), words.text.size());
-    end_ += words.length;
-  }
-
-  void AppendThousands(std::int32_t value) {
-    const std::int32_t thousands = value / 1000;
-    const std::int32_t rest = value % 1000;
-    if (thousands > 999) {
-      Refuse(value, " nu este in intervalul 0..999999");
-    }
-    if (thousands == 0) {
-      AppendHundreds(rest, Gender::Masculine);
-      return;
-    }
-    if (thousands == 1) {
-      Append("UNAMIE");
+  /// The words of any 32-bit number; throws for the part of it that no group holds.
+  void AppendNumber(std::int32_t value) {
+    if (static_cast<std::uint32_t>(value) - 1 < 999'999'999) {
+      AppendPositive(static_cast<std::uint32_t>(value));
+    } else if (value == 0) {
+      Append("ZERO");
     } else {
-      AppendHundreds(thousands, Gender::Feminine);
-      Append("MII");
-    }
-    if (rest != 0) {
-      AppendHundreds(rest, Gender::Masculine);
-    }
-  }
-
-  void AppendMillions(std::int32_t value) {
-    const std::int32_t millions = value / 1'000'000;
-    const std::int32_t rest = value % 1'000'000;
-    if (millions == 0) {
-      AppendThousands(rest);
-      return;
-    }
-    // A billion and more is refused here, by its count of millions.
-    AppendHundreds(millions, Gender::Feminine);
-    Append("MILIOANE");
-    if (rest != 0) {
-      AppendThousands(rest);
+      RefuseHundreds(FirstBadGroup(value));
     }
   }
 
@@ -138,15 +119,33 @@ class Writer {
     if (lei < std::numeric_limits<std::int32_t>::min() || lei > std::numeric_limits<std::int32_t>::max()) {
       RefuseHundreds(lei / 1'000'000);
     }
-    AppendMillions(static_cast<std::int32_t>(lei));
+    AppendNumber(static_cast<std::int32_t>(lei));
   }
 
-  [[nodiscard]] Text Result() const { return Text(buffer_.data(), static_cast<std::size_t>(end_ - buffer_.data())); }
+  Text Result() {
+    text_.resize(static_cast<std::size_t>(end_ - text_.data()));
+    return std::move(text_);
+  }
 
  private:
+  /// 1 to 999999999. No branch depends on the number: a missing group copies nothing of use.
+  void AppendPositive(std::uint32_t value) {
+    const std::uint32_t millions = value / 1'000'000;
+    AppendGroup(kMillions[millions]);
+    std::memcpy(end_, "MILIOANE", 8);
+    end_ += millions != 0 ? 8 : 0;
+    AppendGroup(kThousands[value / 1000 % 1000]);
+    AppendGroup(kUnits[value % 1000]);
+  }
+
+  void AppendGroup(const Words& words) {
+    std::memcpy(end_, words.text.data(), words.text.size());
+    end_ += words.length;
+  }
+
   // Four groups (millions, thousands, units, bani) of 31 bytes and the words between them.
-  std::array<char, 192> buffer_;
-  char* end_ = buffer_.data();
+  Text text_ = Text(128, char());
+  char* end_ = text_.data();
 };
 
 struct Split {
@@ -162,7 +161,7 @@ Split SplitAmount(Currency amount) {
 
 Text InLitere(std::int64_t value) {
   Writer writer;
-  writer.AppendMillions(static_cast<std::int32_t>(static_cast<std::uint32_t>(value)));
+  writer.AppendNumber(static_cast<std::int32_t>(static_cast<std::uint32_t>(value)));
   return writer.Result();
 }
 
@@ -173,7 +172,7 @@ Text InLitere(Currency amount) {
   writer.Append(" LEI");
   if (bani != 0) {
     writer.Append(" SI ");
-    writer.AppendMillions(bani);
+    writer.AppendNumber(bani);
     writer.Append(" BANI");
   }
   return writer.Result();

@@ -34,6 +34,10 @@ function(kiv_add_library target kind)
     target_sources(${target} PRIVATE ${KIV_SHARED_ONLY_SOURCES})
     if(WIN32)
       set_target_properties(${target} PROPERTIES PREFIX "")
+      # Windows looks for a program's libraries beside the program.
+      add_custom_command(TARGET ${target} POST_BUILD
+        COMMAND ${CMAKE_COMMAND} -E make_directory ${CMAKE_BINARY_DIR}/bin
+        COMMAND ${CMAKE_COMMAND} -E copy_if_different $<TARGET_FILE:${target}> ${CMAKE_BINARY_DIR}/bin)
     endif()
     # What the static parts of the compiler's run-time library bring along is not published.
     target_link_options(${target} PRIVATE -Wl,--exclude-libs,ALL)

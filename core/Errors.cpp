@@ -1,11 +1,22 @@
 #include "kivtools/Errors.h"
 
+#include <algorithm>
+
 namespace kiv {
+namespace {
+
+/// A zero byte of a quoted input would end what() there and hide the reason behind it; it stands as a blank.
+std::string WithoutZeros(std::string message) {
+  std::ranges::replace(message, '\0', ' ');
+  return message;
+}
+
+}  // namespace
 
 // The destructors stand here, not in the header, so that each class has one vtable and one type identity in the whole
 // process: a host can catch what the shared library throws.
 
-Error::Error(const std::string& message) : std::runtime_error(message) {}
+Error::Error(const std::string& message) : std::runtime_error(WithoutZeros(message)) {}
 Error::~Error() = default;
 
 ConversionError::~ConversionError() = default;

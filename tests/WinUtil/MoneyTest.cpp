@@ -114,13 +114,13 @@ TEST(Money, RefusesToReadNamingTheText) {
       {"12a", " nu este un numar"},
       {"+5", " nu este un numar"},
       {"1\t2", " nu este un numar"},
-      {Text("1\0", 2), " nu este un numar"},
+      {"\n", " nu este un numar"},
       {"99999999999999999999x", " nu este un numar"},
       {"1,2x,", " nu este un numar"},
       {"1,2,x", " include doua virgule"},
   };
   for (const auto& [text, reason] : kCases) {
-    ExpectError<Error>([&text = text] { RoStrToCurrency(text); }, (text + reason).c_str());
+    ExpectError<Error>([&text = text] { RoStrToCurrency(text); }, text + reason);
   }
   for (const Text text :
        {"922337203685477,5808", "-922337203685477,5808", "1000000000000000", "18446744073709551616"}) {

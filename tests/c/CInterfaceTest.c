@@ -1,0 +1,108 @@
+/* The C interface as a C program sees it: a C11 compiler, the buffer rules, the error report. */
+#include <stdio.h>
+#include <string.h>
+
+#include "kivtools/kiv.h"
+
+static int failures = 0;
+
+#define EXPECT(condition)                                                   \
+  do {                                                                      \
+    if (!(condition)) {                                                     \
+      printf("%s:%d: does not hold: %s\n", __FILE__, __LINE__, #condition); \
+      ++failures;                                                           \
+    }                                                                       \
+  } while (0)
+
+static char buffer[200];
+
+/* The text just written, with the length that the call returned. */
+static int Gave(KivLength length, const char* expected) {
+  const int equal = length == (KivLength)strlen(expected) && strcmp(buffer, expected) == 0;
+  if (!equal) {
+    printf("gave \"%s\" (%ld) instead of \"%s\"\n", buffer, (long)length, expected);
+  }
+  return equal;
+}
+
+static int LastMessageIs(const char* expected) {
+  char message[200];
+  KivLastErrorMessage(message, sizeof message);
+  return strcmp(message, expected) == 0;
+}
+
+static void TestBufferRules(void) {
+  char small[4] = "zzz";
+  EXPECT(KivInLitere(21, small, sizeof small) == 13);
+  EXPECT(strcmp(small, "DOU") == 0);
+  EXPECT(KivInLitere(21, NULL, 0) == 13);
+  EXPECT(KivInLitere(21, small, 0) == 13 && strcmp(small, "DOU") == 0);
+  EXPECT(KivInLitere(21, NULL, 5) == -KIV_ERROR_ARGUMENT);
+  EXPECT(KivLastError() == KIV_ERROR_ARGUMENT && LastMessageIs("buffer: pointer nul"));
+  EXPECT(KivPadLeft("a\0b", 3, 4, '-', buffer, sizeof buffer) == 4 && memcmp(buffer, "-a\0b", 5) == 0);
+  EXPECT(KivPadLeft(NULL, 0, 2, '-', buffer, sizeof buffer) == 2 && strcmp(buffer, "--") == 0);
+  EXPECT(KivPadLeft(NULL, KIV_ZERO_ENDED, 2, '-', buffer, sizeof buffer) == -KIV_ERROR_ARGUMENT);
+}
+
+static void TestErrorReport(void) {
+  int64_t amount = 77;
+  double days = 77;
+  strcpy(buffer, "kept");
+  EXPECT(KivInLitere(-5, buffer, sizeof buffer) == -KIV_ERROR_GENERAL && strcmp(buffer, "kept") == 0);
+  EXPECT(LastMessageIs("Numarul -5 nu se afla in intervalul 0..999"));
+  EXPECT(KivRoStrToCurrency("12a", KIV_ZERO_ENDED, &amount) == -KIV_ERROR_GENERAL && amount == 77);
+  EXPECT(KivRoStrToCurrency("1000000000000000", KIV_ZERO_ENDED, &amount) == -KIV_ERROR_CONVERSION && amount == 77);
+  EXPECT(KivRoStrToCurrency("1", 1, NULL) == -KIV_ERROR_ARGUMENT);
+  EXPECT(KivRoCodeToDate("31.02.2024", KIV_ZERO_ENDED, &days) == -KIV_ERROR_DATE && days == 77);
+  EXPECT(KivUtf8ToText("\xff", 1, buffer, sizeof buffer) == -KIV_ERROR_CONVERSION);
+  EXPECT(KivDateToRoText_WithCode(1, 0, 0, 4, 0, buffer, sizeof buffer) == -KIV_ERROR_ARGUMENT);
+  EXPECT(KivTextDeLatimeFixa("a", 1, 0, NULL, 0, buffer, sizeof buffer) == -KIV_ERROR_GENERAL);
+  EXPECT(KivInLitere(5, buffer, sizeof buffer) == 5 && KivLastError() == KIV_ERROR_GENERAL);
+}
+
+static void TestOperations(void) {
+  const KivGuid left = {1, 2, 3, {4, 5, 6, 7, 8, 9, 10, 11}};
+  KivGuid right = left;
+  KivDateParts parts;
+  int64_t amount = 0;
+  double days = 0;
+
+  EXPECT(Gave(KivInLitereCurrency(12345600, buffer, sizeof buffer),
+              "UNAMIEDOUASUTETREIZECISIPATRU LEI SI CINCIZECISISASE BANI"));
+  EXPECT(Gave(KivInLitereMF(10500, buffer, sizeof buffer), "UNLEU,05BANI"));
+  EXPECT(Gave(KivCurrencyToRoStr(12345678900, 2, buffer, sizeof buffer), "1.234.567, 89"));
+  EXPECT(Gave(KivCurrencyToRoStrFaraSpatiu(12345678900, 2, buffer, sizeof buffer), "1.234.567,89"));
+  EXPECT(Gave(KivCurrencyToRoStrRON(150000000, 0, buffer, sizeof buffer), "1, 50"));
+  EXPECT(Gave(KivScrieFoarteFrumos(123456, 22, buffer, sizeof buffer), "1.234,56"));
+  EXPECT(KivRoStrToCurrency("-1 234,5", KIV_ZERO_ENDED, &amount) == KIV_OK && amount == -12345000);
+
+  EXPECT(KivEncodeDate(2024, 3, 5, 14, 7, 9, 0, &days) == KIV_OK);
+  EXPECT(KivDecodeDate(days, &parts) == KIV_OK && parts.month == 3 && parts.second == 9 && parts.dayOfWeek == 3);
+  EXPECT(Gave(KivDateToRoText(days, buffer, sizeof buffer), "5 martie 2024"));
+  EXPECT(Gave(KivDateToRoTextScurtCuAnPlusOra(days, buffer, sizeof buffer), "05/03/24 14:07:09"));
+  EXPECT(Gave(KivNumeZiDinSaptamana(days, buffer, sizeof buffer), "Marti"));
+  EXPECT(KivRoCodeToDate("05.03.2024", KIV_ZERO_ENDED, &days) == KIV_OK && days == 45356);
+
+  EXPECT(Gave(KivTextIntreGhilimele('\'', "l'an", KIV_ZERO_ENDED, buffer, sizeof buffer), "'l''an'"));
+  EXPECT(Gave(KivTextDeLatimeFixa("abcdef", 6, 3, NULL, 0, buffer, sizeof buffer), "abf"));
+  EXPECT(Gave(KivPunePuncteInSimbol("1234", 4, 3, buffer, sizeof buffer), "123.4"));
+  EXPECT(Gave(KivScrieFrumosNrTelefon("0722 123456", KIV_ZERO_ENDED, buffer, sizeof buffer), "0722.123.456"));
+  EXPECT(KivRespectaMasca("12-AB", 5, "##-??", 5) == 1 && KivRespectaMasca("1x", 2, "##", 2) == 0);
+  EXPECT(KivGuidEgal(&left, &right) == 1);
+  right.data4[7] = 0;
+  EXPECT(KivGuidEgal(&left, &right) == 0);
+
+  EXPECT(Gave(KivTextToUtf8("\xAA", 1, 1, buffer, sizeof buffer), "\xC8\x98"));
+  EXPECT(Gave(KivUtf8ToText("\xC8\x98", 2, buffer, sizeof buffer), "\xAA"));
+}
+
+int main(void) {
+  EXPECT(KivLastError() == KIV_OK);
+  EXPECT(KivInitialize() == KIV_OK);
+  TestBufferRules();
+  TestErrorReport();
+  TestOperations();
+  EXPECT(KivFinalize() == KIV_OK);
+  printf("%d failures\n", failures);
+  return failures != 0;
+}

@@ -36,7 +36,12 @@ struct BmpRoutines : WithoutBodies {};
 struct WideTools : WithoutBodies {};
 
 struct UTreeAVL2 : WithoutBodies {};
-struct UDepanarePointer : WithoutBodies {};
+
+/// Creates the lifetime tracker's registry and lock list; frees them.
+struct UDepanarePointer {
+  static void StartUp();
+  static void ShutDown();
+};
 
 struct UPanelElastic : WithoutBodies {};
 

@@ -1,0 +1,429 @@
+#include "kivtools/UTreeAVL2.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <cstring>
+#include <limits>
+#include <new>
+
+#include "tools/AvlAllocation.h"
+
+namespace kiv {
+
+std::int32_t AvlMemory = 0;
+
+void* (*avl::allocate_zeroed)(std::size_t count, std::size_t bytes) = &std::calloc;
+
+namespace {
+
+/// Where addresses have 32 bits a link is the node's address; elsewhere it is the node's number, resolved through the
+/// block directory. 0 is nil in both cases: number 0 is the header node, which no link names.
+constexpr bool kLinksAreAddresses = sizeof(void*) == sizeof(std::uint32_t);
+constexpr std::uint32_t kNil = 0;
+
+/// Numbers are given in runs of 4096, one directory entry each; a block begins with a new run. The largest small block
+/// is one run, a large one 25, so that finding a node costs one shift whatever the buffer mode.
+constexpr std::uint32_t kRunBits = 12;
+constexpr std::uint32_t kRun = 1U << kRunBits;
+
+constexpr std::int32_t kFirstCapacity = 64;
+constexpr std::int32_t kLargeCapacity = 100'000;
+
+/// The fields of a node by their offsets; nodes are packed, so every access goes through memcpy.
+constexpr std::size_t kLinks = 0;  // left, then right
+constexpr std::size_t kKey = 8;
+constexpr std::size_t kBalance = 12;
+constexpr std::size_t kPayload = 13;
+
+/// The fields of a block's head; the nodes follow it. The next block is named by its first node's link.
+constexpr std::size_t kNextFree = 0;
+constexpr std::size_t kFreeCount = 4;
+constexpr std::size_t kBlockNumber = 8;
+constexpr std::size_t kNextBlock = 12;
+constexpr std::size_t kBlockHead = 16;
+
+/// A side of a node is the balance of a node that is higher on that side.
+constexpr std::int8_t kLeft = -1;
+constexpr std::int8_t kRight = 1;
+
+/// No tree of 2^31 nodes is higher than 44; the header comes on top.
+constexpr std::size_t kMaxPath = 48;
+
+template <class Value>
+Value Load(const std::byte* at) noexcept {
+  Value value;
+  std::memcpy(&value, at, sizeof value);
+  return value;
+}
+
+template <class Value>
+void Store(std::byte* at, Value value) noexcept {
+  std::memcpy(at, &value, sizeof value);
+}
+
+std::int32_t Key(const std::byte* node) noexcept {
+  return Load<std::int32_t>(node + kKey);
+}
+
+std::int8_t Balance(const std::byte* node) noexcept {
+  return Load<std::int8_t>(node + kBalance);
+}
+
+void SetBalance(std::byte* node, std::int8_t balance) noexcept {
+  Store(node + kBalance, balance);
+}
+
+std::size_t LinkOffset(std::int8_t side) noexcept {
+  return side == kLeft ? kLinks : kLinks + sizeof(std::uint32_t);
+}
+
+std::uint32_t Child(const std::byte* node, std::int8_t side) noexcept {
+  return Load<std::uint32_t>(node + LinkOffset(side));
+}
+
+void SetChild(std::byte* node, std::int8_t side, std::uint32_t link) noexcept {
+  Store(node + LinkOffset(side), link);
+}
+
+constexpr std::int8_t Opposite(std::int8_t side) noexcept {
+  return side == kLeft ? kRight : kLeft;
+}
+
+/// The side of `node` on which `key` belongs; the header, which has no key of its own, has everything on its right.
+std::int8_t SideOf(const std::byte* node, std::int32_t key) noexcept {
+  return Key(node) > key ? kLeft : kRight;
+}
+
+std::int32_t SmallCapacityAfter(std::int32_t blockNumber) noexcept {
+  constexpr struct {
+    std::int32_t lastNumber;
+    std::int32_t capacity;
+  } kSteps[] = {{2, 64}, {4, 128}, {6, 256}, {10, 512}, {20, 1024}, {40, 2048}};
+  const auto* const step =
+      std::ranges::find_if(kSteps, [blockNumber](const auto& row) { return blockNumber <= row.lastNumber; });
+  return step == std::end(kSteps) ? 4096 : step->capacity;
+}
+
+constexpr std::uint32_t RunsOf(std::int32_t capacity) noexcept {
+  return (static_cast<std::uint32_t>(capacity) + kRun - 1) / kRun;
+}
+
+void AddToAvlMemory(std::uint32_t bytes) noexcept {
+  AvlMemory = static_cast<std::int32_t>(static_cast<std::uint32_t>(AvlMemory) + bytes);
+}
+
+}  // namespace
+
+/// The nodes from the header down to the one below which the search ended.
+class TKivAVLIndex::Path {
+ public:
+  explicit Path(std::byte* header) noexcept { nodes_[0] = header; }
+  void Push(std::byte* node) noexcept { nodes_[++last_] = node; }
+  std::byte* Pop() noexcept { return nodes_[last_--]; }
+  [[nodiscard]] std::size_t Last() const noexcept { return last_; }
+  std::byte* operator[](std::size_t level) const noexcept { return nodes_[level]; }
+
+ private:
+  std::array<std::byte*, kMaxPath> nodes_;
+  std::size_t last_ = 0;
+};
+
+TKivAVLIndex::TKivAVLIndex(std::int32_t payloadSize, bool largeBuffers)
+    : largeBuffers_(largeBuffers), stride_(0), payloadSize_(payloadSize) {
+  constexpr auto kHead = static_cast<std::int32_t>(kPayload);
+  if (payloadSize < 0 || payloadSize > std::numeric_limits<std::int32_t>::max() - kHead) {
+    throw Error("TKivAVLIndex: PayloadSize " + std::to_string(payloadSize) + " nu este permis");
+  }
+  stride_ = payloadSize + kHead;
+  FirstBuffer();
+  header_ = Resolve(NewNode());
+}
+
+TKivAVLIndex::~TKivAVLIndex() {
+  for (std::byte* block = firstBlock_; block != nullptr;) {
+    const auto next = Load<std::uint32_t>(block + kNextBlock);
+    std::byte* const nextBlock = next == kNil ? nullptr : Resolve(next) - kBlockHead;
+    std::free(block);
+    if (largeBuffers_) {
+      AddToAvlMemory(0U - BlockBytes(kLargeCapacity));  // the first block too, though it is smaller and was not added
+    }
+    block = nextBlock;
+  }
+}
+
+void TKivAVLIndex::Release::operator()(void* memory) const noexcept {
+  std::free(memory);
+}
+
+std::byte* TKivAVLIndex::Resolve(std::uint32_t link) const noexcept {
+  if constexpr (kLinksAreAddresses) {
+    return reinterpret_cast<std::byte*>(std::uintptr_t{link});
+  } else {
+    return reinterpret_cast<std::byte*>(directory_[link >> kRunBits] +
+                                        std::uintptr_t{link} * static_cast<std::uint32_t>(stride_));
+  }
+}
+
+void* TKivAVLIndex::Find(std::int32_t key, bool insert) {
+  std::byte* const node = InternalFind(key, insert);
+  return node == nullptr ? nullptr : node + kPayload;
+}
+
+std::byte* TKivAVLIndex::InternalFind(std::int32_t key, bool insert) {
+  Path path(header_);
+  std::uint32_t link = Child(header_, kRight);
+  if (link == kNil && !insert) {
+    return nullptr;
+  }
+  while (link != kNil) {
+    std::byte* const node = Resolve(link);
+    const std::int32_t nodeKey = Key(node);
+    if (nodeKey == key) {
+      return node;
+    }
+    path.Push(node);
+    link = nodeKey > key ? Child(node, kLeft) : Child(node, kRight);
+  }
+  // Absent: added whatever `insert` says.
+  const std::uint32_t freshLink = NewNode();
+  std::byte* const fresh = Resolve(freshLink);
+  Store(fresh + kKey, key);
+  std::byte* const parent = path[path.Last()];
+  SetChild(parent, parent == header_ ? kRight : SideOf(parent, key), freshLink);
+  Rebalance(path, fresh);
+  return fresh;
+}
+
+void TKivAVLIndex::Rebalance(const Path& path, std::byte* fresh) {
+  const std::int32_t key = Key(fresh);
+  if (path.Last() == 0) {
+    SetBalance(header_, 1);
+    Store(header_ + kKey, std::int32_t{1});
+    return;
+  }
+  // Only the deepest node that leans to a side can be thrown out of balance; those below it become higher.
+  std::size_t top = path.Last();
+  while (top > 1 && Balance(path[top]) == 0) {
+    --top;
+  }
+  for (std::size_t level = top + 1; level <= path.Last(); ++level) {
+    SetBalance(path[level], SideOf(path[level], key));
+  }
+  std::byte* const node = path[top];
+  const std::int8_t side = SideOf(node, key);
+  if (Balance(node) == 0) {
+    SetBalance(node, side);
+    Store(header_ + kKey, Height() + 1);
+  } else if (Balance(node) == Opposite(side)) {
+    SetBalance(node, 0);
+  } else if (Balance(node) == side) {
+    Rotate(path, top, side);
+  } else {
+    throw AssertionFailure("UTreeAVL2", 266);
+  }
+}
+
+/// Restores the balance of the node at level `top` of the path, whose subtree on `side` is two levels higher.
+void TKivAVLIndex::Rotate(const Path& path, std::size_t top, std::int8_t side) {
+  const std::int8_t other = Opposite(side);
+  std::byte* const parent = path[top - 1];
+  std::byte* const node = path[top];
+  const std::int8_t parentSide = top == 1 ? kRight : SideOf(parent, Key(node));
+  const std::uint32_t nodeLink = Child(parent, parentSide);
+  const std::uint32_t childLink = Child(node, side);
+  std::byte* const child = Resolve(childLink);
+  std::uint32_t newTop = childLink;
+  if (Balance(child) == side) {
+    SetChild(node, side, Child(child, other));
+    SetChild(child, other, nodeLink);
+    SetBalance(node, 0);
+    SetBalance(child, 0);
+  } else if (Balance(child) == other) {
+    newTop = Child(child, other);
+    std::byte* const middle = Resolve(newTop);
+    const std::int8_t lean = Balance(middle);
+    if (side == kRight && (lean < -1 || lean > 1)) {
+      throw Error("B(P) trebuie sa fie +/- 1 sau 0");
+    }
+    SetChild(child, other, Child(middle, side));
+    SetChild(middle, side, childLink);
+    SetChild(node, side, Child(middle, other));
+    SetChild(middle, other, nodeLink);
+    SetBalance(node, lean == side ? other : std::int8_t{0});
+    SetBalance(child, lean == other ? side : std::int8_t{0});
+    SetBalance(middle, 0);
+  } else {
+    throw AssertionFailure("UTreeAVL2", 285);
+  }
+  SetChild(parent, parentSide, newTop);
+}
+
+std::uint32_t TKivAVLIndex::NewNode() {
+  if (nodeCount_ == std::numeric_limits<std::int32_t>::max()) {
+    throw std::bad_alloc();
+  }
+  ++nodeCount_;
+  std::uint32_t link = freeNodes_;
+  if (link != kNil) {
+    freeNodes_ = Child(Resolve(link), kLeft);
+    SetChild(Resolve(link), kLeft, kNil);
+  } else {
+    if (Load<std::int32_t>(currentBlock_ + kFreeCount) == 0) {
+      GrowBuffer();
+    }
+    link = Load<std::uint32_t>(currentBlock_ + kNextFree);
+    Store(currentBlock_ + kNextFree, link + (kLinksAreAddresses ? static_cast<std::uint32_t>(stride_) : 1U));
+    Store(currentBlock_ + kFreeCount, Load<std::int32_t>(currentBlock_ + kFreeCount) - 1);
+  }
+  // A payload below four bytes has nothing behind it that would be this node's.
+  std::memset(Resolve(link) + kPayload, 0, std::min<std::size_t>(static_cast<std::size_t>(payloadSize_), 4));
+  return link;
+}
+
+void TKivAVLIndex::FirstBuffer() {
+  firstBlock_ = currentBlock_ = NewBlock(kFirstCapacity, 1);
+}
+
+void TKivAVLIndex::GrowBuffer() {
+  const auto number = Load<std::int32_t>(currentBlock_ + kBlockNumber);
+  const std::int32_t capacity = largeBuffers_ ? kLargeCapacity : SmallCapacityAfter(number);
+  std::byte* const block = NewBlock(capacity, number + 1);
+  AddToAvlMemory(BlockBytes(capacity));
+  Store(currentBlock_ + kNextBlock, Load<std::uint32_t>(block + kNextFree));
+  currentBlock_ = block;
+}
+
+std::uint32_t TKivAVLIndex::BlockBytes(std::int32_t capacity) const noexcept {
+  return static_cast<std::uint32_t>(stride_) * static_cast<std::uint32_t>(capacity) + std::uint32_t{kBlockHead};
+}
+
+/// An unused block that links can name; the index's own state is not touched if there is no memory for it.
+std::byte* TKivAVLIndex::NewBlock(std::int32_t capacity, std::int32_t number) {
+  const std::uint64_t bytes = static_cast<std::uint64_t>(stride_) * static_cast<std::uint32_t>(capacity) + kBlockHead;
+  ReserveRuns(capacity);
+  auto* const block = bytes > std::numeric_limits<std::size_t>::max()
+                          ? nullptr
+                          : static_cast<std::byte*>(avl::allocate_zeroed(1, static_cast<std::size_t>(bytes)));
+  if (block == nullptr) {
+    throw std::bad_alloc();
+  }
+  Store(block + kNextFree, RegisterRuns(block + kBlockHead, capacity));
+  Store(block + kFreeCount, capacity);
+  Store(block + kBlockNumber, number);
+  return block;
+}
+
+/// Makes room in the directory for a block of that capacity.
+void TKivAVLIndex::ReserveRuns(std::int32_t capacity) {
+  const std::uint32_t needed = runs_ + RunsOf(capacity);
+  if (kLinksAreAddresses || needed <= directoryCapacity_) {
+    return;
+  }
+  const std::uint32_t grown = std::max({needed, directoryCapacity_ * 2, std::uint32_t{16}});
+  auto* const directory = static_cast<std::uintptr_t*>(avl::allocate_zeroed(grown, sizeof(std::uintptr_t)));
+  if (directory == nullptr) {
+    throw std::bad_alloc();
+  }
+  std::copy_n(directory_.get(), runs_, directory);
+  directory_.reset(directory);
+  directoryCapacity_ = grown;
+}
+
+/// Enters a block's node area into the directory; returns the link of its first node.
+std::uint32_t TKivAVLIndex::RegisterRuns(std::byte* nodes, std::int32_t capacity) noexcept {
+  const auto address = reinterpret_cast<std::uintptr_t>(nodes);
+  if constexpr (kLinksAreAddresses) {
+    return static_cast<std::uint32_t>(address);
+  }
+  const std::uint32_t first = runs_ << kRunBits;
+  std::fill_n(directory_.get() + runs_, RunsOf(capacity),
+              address - std::uintptr_t{first} * static_cast<std::uint32_t>(stride_));
+  runs_ += RunsOf(capacity);
+  return first;
+}
+
+TKivAVLIndex::NodeView TKivAVLIndex::Root() const noexcept {
+  return View(Child(header_, kRight));
+}
+
+TKivAVLIndex::NodeView TKivAVLIndex::View(std::uint32_t link) const noexcept {
+  return {*this, link == kNil ? nullptr : Resolve(link)};
+}
+
+std::int32_t TKivAVLIndex::Height() const noexcept {
+  return Key(header_);
+}
+
+void TKivAVLIndex::ForEachInOrder(const TKivAvlForEach& callback) {
+  Walk<kLeft>("ForEachInOrder", callback);
+}
+
+void TKivAVLIndex::ForEachPreOrder(const TKivAvlForEach& callback) {
+  Walk<kRight>("ForEachPreOrder", callback);
+}
+
+/// Visits all nodes, each after its subtree on `firstSide` and before the other one. No recursion: `ahead` holds the
+/// nodes above the walk's position that are still to come.
+template <std::int8_t firstSide>
+void TKivAVLIndex::Walk(const char* operation, const TKivAvlForEach& callback) const {
+  if (!callback) {
+    throw Error(Text("TKivAVLIndex.") + operation + ": lipseste Callback");
+  }
+  Path ahead(header_);
+  const auto descend = [&](std::uint32_t link) {
+    for (; link != kNil; link = Child(ahead[ahead.Last()], firstSide)) {
+      ahead.Push(Resolve(link));
+    }
+  };
+  descend(Child(header_, kRight));
+  while (ahead.Last() > 0) {
+    std::byte* const node = ahead.Pop();
+    const std::int32_t key = Key(node);
+    const std::int32_t before = nodeCount_;
+    callback(key, node + kPayload);
+    if (nodeCount_ == before) {
+      descend(Child(node, Opposite(firstSide)));
+    } else {
+      // The callback has added keys, and rotations may have moved what is ahead: search the way anew.
+      ahead = PathAhead<firstSide>(key);
+    }
+  }
+}
+
+/// The nodes above the position just behind `key` in walking order that a walk has still to visit.
+template <std::int8_t firstSide>
+TKivAVLIndex::Path TKivAVLIndex::PathAhead(std::int32_t key) const noexcept {
+  Path ahead(header_);
+  for (std::uint32_t link = Child(header_, kRight); link != kNil;) {
+    std::byte* const node = Resolve(link);
+    const bool isAhead = firstSide == kLeft ? Key(node) > key : Key(node) < key;
+    if (isAhead) {
+      ahead.Push(node);
+    }
+    link = Child(node, isAhead ? firstSide : Opposite(firstSide));
+  }
+  return ahead;
+}
+
+std::int32_t TKivAVLIndex::NodeView::Key() const noexcept {
+  return kiv::Key(node_);
+}
+
+std::int32_t TKivAVLIndex::NodeView::Balance() const noexcept {
+  return kiv::Balance(node_);
+}
+
+TKivAVLIndex::NodeView TKivAVLIndex::NodeView::Left() const noexcept {
+  return index_->View(Child(node_, kLeft));
+}
+
+TKivAVLIndex::NodeView TKivAVLIndex::NodeView::Right() const noexcept {
+  return index_->View(Child(node_, kRight));
+}
+
+void* TKivAVLIndex::NodeView::Payload() const noexcept {
+  return node_ + kPayload;
+}
+
+}  // namespace kiv

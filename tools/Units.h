@@ -33,7 +33,11 @@ struct WinUtil {
 struct LargeFontScaler : WithoutBodies {};
 struct BmpRoutines : WithoutBodies {};
 
-struct WideTools : WithoutBodies {};
+/// Tries code page 1250 and settles what is used in its place.
+struct WideTools {
+  static void StartUp();
+  static void ShutDown() {}
+};
 
 struct UTreeAVL2 : WithoutBodies {};
 

@@ -2,4 +2,5 @@
 /// The unit WideTools.
 #pragma once
 
+#include "kivtools/WideTools/CodePages.h"
 #include "kivtools/WideTools/ScaledNumbers.h"

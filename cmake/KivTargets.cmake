@@ -17,10 +17,8 @@ function(kiv_setup_target target)
   endif()
 endfunction()
 
-# The two forms of the library, from the same sources.
-function(kiv_add_library target kind)
-  add_library(${target} ${kind} ${KIV_SOURCES})
-  add_library(KivToolsRePack::${target} ALIAS ${target})
+# What every library of this build shares: its headers, as seen here and once installed, and what it stands on.
+function(kiv_setup_library target)
   kiv_setup_target(${target})
   target_include_directories(${target} PUBLIC
     $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
@@ -28,6 +26,13 @@ function(kiv_add_library target kind)
   target_compile_features(${target} PUBLIC cxx_std_20)
   target_compile_definitions(${target} PRIVATE KIV_VERSION="${PROJECT_VERSION}")
   target_link_libraries(${target} PRIVATE ${KIV_SYSTEM_LIBRARIES})
+endfunction()
+
+# The two forms of the library, from the same sources.
+function(kiv_add_library target kind)
+  add_library(${target} ${kind} ${KIV_SOURCES})
+  add_library(KivToolsRePack::${target} ALIAS ${target})
+  kiv_setup_library(${target})
   set_target_properties(${target} PROPERTIES OUTPUT_NAME KivToolsRePack)
   if(kind STREQUAL "SHARED")
     target_compile_definitions(${target} PRIVATE KIV_BUILDING)
@@ -46,6 +51,15 @@ function(kiv_add_library target kind)
   else()
     target_compile_definitions(${target} PUBLIC KIV_STATIC)
   endif()
+endfunction()
+
+# The part of the library that loads the rest at run time.
+function(kiv_add_loader target)
+  add_library(${target} STATIC ${ARGN})
+  add_library(KivToolsRePack::KivToolsRePackLoader ALIAS ${target})
+  kiv_setup_library(${target})
+  target_compile_definitions(${target} PUBLIC KIV_STATIC)
+  set_target_properties(${target} PROPERTIES OUTPUT_NAME KivToolsRePackLoader EXPORT_NAME KivToolsRePackLoader)
 endfunction()
 
 # A program of this build that stands on the static library and may see its inner headers.

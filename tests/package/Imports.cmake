@@ -1,0 +1,15 @@
+cmake_policy(VERSION 3.25)
+# A program or library of this project stands on the system's own libraries and nothing else, so that a host can be given
+# the one file.
+execute_process(COMMAND ${OBJDUMP} -p ${BINARY} OUTPUT_VARIABLE headers COMMAND_ERROR_IS_FATAL ANY)
+string(REGEX MATCHALL "(DLL Name:|NEEDED) +[^\n]+" imports "${headers}")
+if(NOT imports)
+  message(FATAL_ERROR "${BINARY} seems to import nothing")
+endif()
+foreach(import IN LISTS imports)
+  string(REGEX REPLACE "^(DLL Name:|NEEDED) +" "" import "${import}")
+  string(TOLOWER "${import}" import)
+  if(NOT import MATCHES "^(${ALLOWED})$")
+    message(SEND_ERROR "${BINARY} imports ${import}")
+  endif()
+endforeach()

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <cstddef>
+#include <string_view>
+
+/// What a test asks the system about its own process.
+namespace kiv::test {
+
+/// Whether a library whose file is called `fileName` (ASCII) is mapped into this process.
+bool IsLoaded(std::string_view fileName);
+
+/// The bytes of the C run-time's heap that are in use.
+std::size_t HeapInUse();
+
+}  // namespace kiv::test

@@ -1,0 +1,23 @@
+#include "platform/ProcessState.h"
+
+#include <malloc.h>
+#include <windows.h>
+
+#include <string>
+
+namespace kiv::test {
+
+bool IsLoaded(std::string_view fileName) {
+  return GetModuleHandleA(std::string(fileName).c_str()) != nullptr;
+}
+
+std::size_t HeapInUse() {
+  std::size_t bytes = 0;
+  _HEAPINFO entry{};
+  while (_heapwalk(&entry) == _HEAPOK) {
+    bytes += entry._useflag == _USEDENTRY ? entry._size : 0;
+  }
+  return bytes;
+}
+
+}  // namespace kiv::test

@@ -2,8 +2,9 @@
 
 #include "kivtools/Package.h"
 
-namespace __gnu_cxx {  // NOLINT(bugprone-reserved-identifier): the run-time library's own, in none of its headers
-void __freeres();
+namespace __gnu_cxx {
+// The run-time library's own name, which none of its headers declares.
+void __freeres();  // NOLINT(bugprone-reserved-identifier)
 }
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, LPVOID processEnds) {

@@ -4,8 +4,8 @@
 
 namespace __gnu_cxx {
 // The run-time library's own name, which none of its headers declares.
-void __freeres();  // NOLINT(bugprone-reserved-identifier)
-}
+void __freeres();  // NOLINT(bugprone-reserved-identifier,readability-identifier-naming)
+}  // namespace __gnu_cxx
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, LPVOID processEnds) {
   kiv::PackageLoadEntry(reinterpret_cast<kiv::Handle>(module), reason);

@@ -10,6 +10,8 @@
 
 #include "kivtools/DateTime.h"
 #include "kivtools/Types.h"
+#include "kivtools/WideTools.h"
+#include "kivtools/WinUtil.h"
 #include "kivtools/kiv.h"
 
 namespace kiv {
@@ -17,13 +19,15 @@ namespace {
 
 using PureOperation = Text (*)(std::uint32_t number);
 
-Text OfDate(std::uint32_t number) {
-  const DateTime::Parts parts = DateTime(static_cast<double>(number % 2'900'000) + 0.4).Decode();
-  const DateTime again = DateTime::Encode(parts.year, parts.month, parts.day, parts.hour, parts.minute, parts.second);
-  return std::to_string(again.Days());
+DateTime DateOf(std::uint32_t number) {
+  return DateTime(static_cast<double>(number % 2'900'000) + static_cast<double>(number % 86'400) / 86'400);
 }
 
-Text RandomText(std::uint32_t number) {
+Currency AmountOf(std::uint32_t number) {
+  return Currency::FromRaw(std::int64_t{number} * (number % 1999 - 999));
+}
+
+Text TextOf(std::uint32_t number) {
   Text text;
   for (std::mt19937 random(number); text.size() < 20;) {
     text.push_back(static_cast<char>(random() % 255 + 1));
@@ -40,11 +44,39 @@ Text OfRefusal(std::uint32_t number) {
   return message.data();
 }
 
+/// Every form of a date: the month names that they share are read by all threads.
+Text OfDate(std::uint32_t number) {
+  const DateTime date = DateOf(number);
+  Text all;
+  for (const auto form : {DateToRoText, DateToRoText2, DateToRoText3, DateToRoText4, DateToRoText5, DateToRoText6,
+                          DateToRoText7, DateToRoCode, DateToRoTextScurt, DateToRoTextScurtCuAn,
+                          DateToRoTextScurtCuAnPlusOra, NumeZiDinSaptamana, TimeToStrRoFrumos, TimeToStrRo2}) {
+    all += form(date) + '|';
+  }
+  return all;
+}
+
 constexpr PureOperation kOperations[] = {
     OfDate,
     OfRefusal,
-    [](std::uint32_t number) { return FromUtf8(ToUtf8(RandomText(number), DiacriticForm::CommaBelow)); },
-    [](std::uint32_t number) { return ToUtf8(RandomText(number)); },
+    [](std::uint32_t number) { return FromUtf8(ToUtf8(TextOf(number), DiacriticForm::CommaBelow)); },
+    [](std::uint32_t number) { return ToUtf8(TextOf(number)); },
+    [](std::uint32_t number) { return InLitere(std::int64_t{number % 1'000'000'000}); },
+    [](std::uint32_t number) { return InLitere(Currency::FromRaw(number)) + InLitereMF(Currency::FromRaw(number)); },
+    [](std::uint32_t number) { return CurrencyToRoStr(AmountOf(number), 2) + CurrencyToRoStrRON(AmountOf(number), 2); },
+    [](std::uint32_t number) {
+      const Currency again = RoStrToCurrency(CurrencyToRoStr(AmountOf(number), 4));
+      return std::to_string(again.Raw());
+    },
+    [](std::uint32_t number) {
+      const DateTime date = DateOf(number);
+      const DateTime::Parts parts = date.Decode();
+      return std::to_string(DateTime::Encode(parts.year, parts.month, parts.day, parts.hour, parts.minute).Days()) +
+             std::to_string(RoCodeToDate(DateToRoCode(date)).Days());
+    },
+    [](std::uint32_t number) { return TextDeLatimeFixa(PadLeft(TextOf(number), 30, '.'), 25, "-"); },
+    [](std::uint32_t number) { return TextDinGhilimele(TextInGhilimele(TextOf(number))); },
+    [](std::uint32_t number) { return ScrieFoarteFrumos(number, 42); },
 };
 
 TEST(Threads, PureOperationsGiveInEightThreadsWhatTheyGiveInOne) {

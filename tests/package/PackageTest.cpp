@@ -3,6 +3,7 @@
 #include "kivtools/CEVersionInfo.h"
 #include "kivtools/DatasetLib.h"
 #include "kivtools/Package.h"
+#include "kivtools/WideTools.h"
 #include "kivtools/WinUtil.h"
 #include "package/OnceOnly.h"
 
@@ -28,6 +29,8 @@ TEST(Package, GlobalsLiveBetweenFirstInitializeAndLastFinalize) {
     EXPECT_EQ(NumeLuna[0], "Ianuarie");
     EXPECT_EQ(NumeLunaScurt[10], "nov");
     EXPECT_EQ(TempFilePath, ReadWindowsTempPath());
+    EXPECT_TRUE(page_1250_ok);
+    EXPECT_EQ(page_1250_replace, 1250);
     ASSERT_NE(FindDatasetEngine("DatasetLib"), nullptr);
     EXPECT_TRUE(FindDatasetEngine("DatasetLib")->Formats().empty());
 

@@ -24,7 +24,7 @@ DateTime DateOf(std::uint32_t number) {
 }
 
 Currency AmountOf(std::uint32_t number) {
-  return Currency::FromRaw(std::int64_t{number} * (number % 1999 - 999));
+  return Currency::FromRaw(std::int64_t{number} * (std::int64_t{number % 1999} - 999));
 }
 
 Text TextOf(std::uint32_t number) {

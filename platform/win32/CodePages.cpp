@@ -26,8 +26,9 @@ WideText CodePages::ToWide(TextView text, std::uint32_t codePage) const {
   static_assert(sizeof(wchar_t) == sizeof(char16_t));
   const int length = static_cast<int>(text.size());
   WideText wide(text.size(), u'\0');
-  return Finished(std::move(wide), MultiByteToWideChar(codePage, 0, text.data(), length,
-                                                       reinterpret_cast<wchar_t*>(wide.data()), length));
+  const int written =
+      MultiByteToWideChar(codePage, 0, text.data(), length, reinterpret_cast<wchar_t*>(wide.data()), length);
+  return Finished(std::move(wide), written);
 }
 
 Text CodePages::FromWide(std::u16string_view wide, std::uint32_t codePage) const {
@@ -36,8 +37,9 @@ Text CodePages::FromWide(std::u16string_view wide, std::uint32_t codePage) const
   }
   const int length = static_cast<int>(wide.size());
   Text text(wide.size() + 1, '\0');
-  return Finished(std::move(text), WideCharToMultiByte(codePage, 0, reinterpret_cast<const wchar_t*>(wide.data()),
-                                                       length, text.data(), length + 1, nullptr, nullptr));
+  const int written = WideCharToMultiByte(codePage, 0, reinterpret_cast<const wchar_t*>(wide.data()), length,
+                                          text.data(), length + 1, nullptr, nullptr);
+  return Finished(std::move(text), written);
 }
 
 std::uint32_t CodePages::AnsiCodePage() const {

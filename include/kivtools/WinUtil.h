@@ -2,9 +2,12 @@
 /// The unit WinUtil, all families.
 #pragma once
 
+#include "kivtools/WinUtil/BankAndLocalityCodes.h"
 #include "kivtools/WinUtil/DateText.h"
+#include "kivtools/WinUtil/FiscalCode.h"
 #include "kivtools/WinUtil/Floppy.h"
 #include "kivtools/WinUtil/Money.h"
 #include "kivtools/WinUtil/NumbersInWords.h"
 #include "kivtools/WinUtil/Paths.h"
+#include "kivtools/WinUtil/PersonalNumericCode.h"
 #include "kivtools/WinUtil/TextShaping.h"

@@ -6,10 +6,13 @@
 #ifndef KIVTOOLS_KIV_H
 #define KIVTOOLS_KIV_H
 
+#include "kivtools/c/BankAndLocalityCodes.h"
 #include "kivtools/c/Base.h"
 #include "kivtools/c/DateText.h"
+#include "kivtools/c/FiscalCode.h"
 #include "kivtools/c/Money.h"
 #include "kivtools/c/NumbersInWords.h"
+#include "kivtools/c/PersonalNumericCode.h"
 #include "kivtools/c/TextShaping.h"
 
 #endif

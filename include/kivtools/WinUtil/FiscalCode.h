@@ -1,0 +1,18 @@
+/// @file
+/// The fiscal identification code.
+#pragma once
+
+#include "kivtools/Types.h"
+
+namespace kiv {
+
+/// Whether the code is valid: 3 to 10 digits with the right control digit at the end, or 13 digits that are a valid
+/// personal numeric code (see TestCNP()). Digits only: the caller takes away blanks and the "RO" of VAT payers first.
+/// Never throws, for any bytes; no memory is allocated. Any thread may call it.
+///
+///     TestCodFiscal("12345674")        // true
+///     TestCodFiscal("1800101221144")   // true, as a personal numeric code
+///     TestCodFiscal("RO12345674")      // false
+KIV_API bool TestCodFiscal(TextView code) noexcept;
+
+}  // namespace kiv

@@ -1,0 +1,20 @@
+#pragma once
+
+#include "platform/Clock.h"
+
+namespace kiv {
+
+/// The library's clock while this object lives; it stands where the test puts it.
+class FixedClock : public platform::Clock {
+ public:
+  explicit FixedClock(DateTime now) : now_(now) {}
+
+  [[nodiscard]] DateTime Now() const override { return now_; }
+  void Set(DateTime now) { now_ = now; }
+
+ private:
+  DateTime now_;
+  platform::ClockInUse inUse_{*this};
+};
+
+}  // namespace kiv

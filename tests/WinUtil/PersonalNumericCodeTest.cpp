@@ -1,0 +1,155 @@
+#include <gtest/gtest.h>
+
+#include <random>
+
+#include "Expect.h"
+#include "FixedClock.h"
+#include "WinUtil/IdentifierRules.h"
+#include "kivtools/WinUtil/PersonalNumericCode.h"
+#include "kivtools/c/PersonalNumericCode.h"
+#include "tools/WinUtil/CnpCounters.h"
+
+namespace kiv {
+namespace {
+
+using namespace std::literals;
+
+/// The twelve digits with their control digit.
+Text WithControl(Text twelve) {
+  twelve.push_back(plain::CnpControl(twelve));
+  return twelve;
+}
+
+// Hosts rely on two rules that disagree: the date check takes the century from YY alone, the texts and the age take it
+// from the first digit. The last rows would differ if somebody made them one.
+TEST(PersonalNumericCode, VerdictsAndBirthDates) {
+  const struct {
+    TextView code;
+    TextView birthDate;
+    TextView shortDate;
+    std::int32_t ageIn2024;
+  } kCases[] = {
+      {"1800101221144", "1 Ianuarie 1980", "1 ian 1980", 44},
+      {"1850505000091", "5 Mai 1985", "5 mai 1985", 39},  // remainder 10: the control digit is 1
+      {"1850505000090", "CNP incorect", "CNP incorect", 0},
+      {"1800101221145", "CNP incorect", "CNP incorect", 0},
+      {"2030229123452", "CNP incorect", "CNP incorect", 0},  // 2003 has no 29 February
+      {"180010122114", "CNP incorect", "CNP incorect", 0},
+      {"18001012211440", "CNP incorect", "CNP incorect", 0},
+      {" 1800101221144", "CNP incorect", "CNP incorect", 0},
+      {"180010122114\0"sv, "CNP incorect", "CNP incorect", 0},
+      {"", "CNP incorect", "CNP incorect", 0},
+      {"1000229123456", "29 Februarie 1900", "29 feb 1900", 124},
+  };
+  const FixedClock clock(DateTime::Encode(2024, 12, 31, 23, 59, 59));
+  for (const auto& [code, birthDate, shortDate, age] : kCases) {
+    const bool valid = birthDate != "CNP incorect";
+    EXPECT_EQ(TestCNP(code), valid) << code;
+    EXPECT_EQ(KivTestCNP(code.data(), code.size()), valid ? 1 : 0) << code;
+    EXPECT_EQ(DataNasteriiDinCNP(code), birthDate);
+    EXPECT_EQ(DataNasteriiDinCNP_scurt(code), shortDate);
+    EXPECT_EQ(VarstaDinCNP(code), age) << code;
+    char buffer[32];
+    EXPECT_EQ(KivDataNasteriiDinCNP(code.data(), code.size(), buffer, sizeof buffer), KivLength(birthDate.size()));
+    EXPECT_EQ(buffer, birthDate);
+    EXPECT_EQ(KivDataNasteriiDinCNP_scurt(code.data(), code.size(), buffer, sizeof buffer),
+              KivLength(shortDate.size()));
+    EXPECT_EQ(buffer, shortDate);
+  }
+  EXPECT_EQ(DataNasteriiDinCNP(WithControl("510060112345")), "1 Iunie 2010") << "checked as a day of 1910";
+}
+
+TEST(PersonalNumericCode, EveryDateUnderEveryFirstDigit) {
+  int valid = 0;
+  for (int date = 0; date < 1'000'000; ++date) {
+    Text twelve = std::to_string(date);
+    twelve.insert(0, 6 - twelve.size(), '0').insert(0, 1, "1256"[date % 4]).append("22114");
+    const Text code = WithControl(twelve);
+    const bool passes = TestCNP(code);
+    ASSERT_EQ(passes, plain::TestCNP(code)) << code;
+    valid += passes ? 1 : 0;
+  }
+  EXPECT_EQ(valid, 36'525);  // every day from 1905 to 2004
+  for (char first = '0'; first <= '9'; ++first) {
+    EXPECT_EQ(TestCNP(WithControl(Text(1, first) + "80010122114")), TextView("1256").find(first) != TextView::npos);
+  }
+}
+
+TEST(PersonalNumericCode, ExactlyOneControlDigitAndNoOtherByte) {
+  std::mt19937 random(13);
+  for (int i = 0; i < 20'000; ++i) {
+    Text code = std::to_string(180'010'100'000'000 / 1000 + static_cast<std::int64_t>(random() % 100'000)) + " ";
+    int passing = 0;
+    for (code[12] = '0'; code[12] <= '9'; ++code[12]) {
+      passing += TestCNP(code) ? 1 : 0;
+      ASSERT_EQ(TestCNP(code), plain::TestCNP(code)) << code;
+    }
+    ASSERT_EQ(passing, 1) << code;
+  }
+  for (std::size_t at = 0; at < 13; ++at) {
+    for (int byte = 0; byte < 256; ++byte) {
+      Text code = "1800101221144";
+      code[at] = static_cast<char>(byte);
+      ASSERT_EQ(TestCNP(code), plain::TestCNP(code)) << code;
+    }
+  }
+}
+
+TEST(PersonalNumericCode, CountsEachVerdictOnce) {
+  const std::uint32_t failed = CnpFailedCount;
+  const std::uint32_t passed = CnpPassedCount;
+  TestCNP("1800101221144");
+  TestCNP("18");
+  TestCNP("1800101221145");
+  EXPECT_EQ(CnpPassedCount, passed + 1);
+  EXPECT_EQ(CnpFailedCount, failed + 2);
+}
+
+TEST(PersonalNumericCode, BirthYearIsReadWithoutAnyCheck) {
+  const struct {
+    TextView code;
+    std::int32_t year;
+  } kCases[] = {
+      {"1800101221144", 1980},
+      {"180", 1980},
+      {"299x", 1999},
+      {"503", 2003},
+      {"699", 2099},
+      {"780", 79},  // hosts rely on the unknown century being -1
+      {"x00", -1},
+      {"1 5", 1905},
+      {"1-5", 1895},
+      {"1+5", 1905},
+  };
+  for (const auto& [code, year] : kCases) {
+    EXPECT_EQ(AnulNasteriiDinCnp(code), year) << code;
+    std::int32_t stored = 0;
+    EXPECT_EQ(KivAnulNasteriiDinCnp(code.data(), code.size(), &stored), KIV_OK);
+    EXPECT_EQ(stored, year) << code;
+  }
+  ExpectError<Error>([] { AnulNasteriiDinCnp("12"); },
+                     "Codul numeric personal este eronat (are mai putin de 13 cifre) si nu pot extrage anul nasterii!");
+  ExpectError<ConversionError>([] { AnulNasteriiDinCnp("18x"); }, "\"8x\" nu este un numar intreg");
+  std::int32_t untouched = 7;
+  EXPECT_EQ(KivAnulNasteriiDinCnp("1x0", KIV_ZERO_ENDED, &untouched), -KIV_ERROR_CONVERSION);
+  EXPECT_EQ(KivAnulNasteriiDinCnp("12", KIV_ZERO_ENDED, &untouched), -KIV_ERROR_GENERAL);
+  EXPECT_EQ(KivAnulNasteriiDinCnp("180", KIV_ZERO_ENDED, nullptr), -KIV_ERROR_ARGUMENT);
+  EXPECT_EQ(untouched, 7);
+}
+
+TEST(PersonalNumericCode, AgeCountsCalendarYearsOnly) {
+  const Text born = WithControl("503121522114");  // 15 December 2003
+  FixedClock clock(DateTime::Encode(2004, 1, 1));
+  EXPECT_EQ(VarstaDinCNP(born), 1);
+  clock.Set(DateTime::Encode(2003, 12, 31));
+  EXPECT_EQ(VarstaDinCNP(born), 0);
+  clock.Set(DateTime::Encode(2002, 6, 1));
+  EXPECT_EQ(VarstaDinCNP(born), 0) << "not yet born";
+  clock.Set(DateTime::Encode(2024, 6, 1));
+  std::int32_t age = -1;
+  EXPECT_EQ(KivVarstaDinCNP(born.data(), born.size(), &age), KIV_OK);
+  EXPECT_EQ(age, 21);
+}
+
+}  // namespace
+}  // namespace kiv

@@ -3,4 +3,5 @@
 #pragma once
 
 #include "kivtools/WideTools/CodePages.h"
+#include "kivtools/WideTools/Grades.h"
 #include "kivtools/WideTools/ScaledNumbers.h"

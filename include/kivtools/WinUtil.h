@@ -3,9 +3,11 @@
 #pragma once
 
 #include "kivtools/WinUtil/BankAndLocalityCodes.h"
+#include "kivtools/WinUtil/DateArithmetic.h"
 #include "kivtools/WinUtil/DateText.h"
 #include "kivtools/WinUtil/FiscalCode.h"
 #include "kivtools/WinUtil/Floppy.h"
+#include "kivtools/WinUtil/Grades.h"
 #include "kivtools/WinUtil/Money.h"
 #include "kivtools/WinUtil/NumbersInWords.h"
 #include "kivtools/WinUtil/Paths.h"

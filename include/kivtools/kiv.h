@@ -8,8 +8,10 @@
 
 #include "kivtools/c/BankAndLocalityCodes.h"
 #include "kivtools/c/Base.h"
+#include "kivtools/c/DateArithmetic.h"
 #include "kivtools/c/DateText.h"
 #include "kivtools/c/FiscalCode.h"
+#include "kivtools/c/Grades.h"
 #include "kivtools/c/Money.h"
 #include "kivtools/c/NumbersInWords.h"
 #include "kivtools/c/PersonalNumericCode.h"

@@ -1,10 +1,9 @@
-#include "platform/Clock.h"
-
 #include <gtest/gtest.h>
 
 #include <ctime>
 
 #include "FixedClock.h"
+#include "platform/Clock.h"
 
 namespace kiv {
 namespace {

@@ -14,13 +14,22 @@ constexpr std::uint32_t kModulus = 97;
 /// How many characters rearranging moves from the front to the end.
 constexpr std::size_t kHead = 4;
 
-/// What one character appended to a decimal number does: number * factor + value. A blank does nothing (factor 1), what
-/// cannot be in an account number has factor 0, so that a product of factors tells whether all were good.
-struct Symbol {
-  std::uint8_t value = 0;
-  std::uint8_t factor = 0;
-  std::uint8_t letterOfIban = 0;  ///< one bit for each of the four letters
-};
+/// What appending characters does to a decimal number: number * factor + value. The factor is the upper half of the
+/// word, the value the lower one, so that one multiplication joins two runs. Up to four characters fit.
+using Run = std::uint64_t;
+
+constexpr Run MakeRun(std::uint64_t value, std::uint64_t factor) {
+  return factor << 32U | value;
+}
+constexpr std::uint64_t Factor(Run run) {
+  return run >> 32U;
+}
+constexpr std::uint64_t Value(Run run) {
+  return run & 0xFFFF'FFFFU;
+}
+constexpr Run Join(Run first, Run second) {
+  return first * Factor(second) + Value(second);
+}
 
 constexpr TextView kIban = "IBAN";
 constexpr std::uint8_t kAllLettersOfIban = 0b1111;
@@ -29,77 +38,83 @@ constexpr char UpperCase(char character) {
   return character >= 'a' && character <= 'z' ? static_cast<char>(character - 'a' + 'A') : character;
 }
 
-constexpr std::array<Symbol, 256> MakeSymbols() {
-  std::array<Symbol, 256> symbols{};
-  symbols[' '] = {0, 1, 0};
+struct Characters {
+  /// A blank does nothing (factor 1). What cannot be in an account number has factor 0, and so has all it is joined to.
+  std::array<Run, 256> runs{};
+  /// One bit for each letter of "IBAN".
+  std::array<std::uint8_t, 256> lettersOfIban{};
+};
+
+constexpr Characters MakeCharacters() {
+  Characters characters;
+  characters.runs[' '] = MakeRun(0, 1);
   for (std::size_t digit = 0; digit < 10; ++digit) {
-    symbols['0' + digit] = {static_cast<std::uint8_t>(digit), 10, 0};
+    characters.runs['0' + digit] = MakeRun(digit, 10);
   }
   for (std::size_t letter = 0; letter < 26; ++letter) {
-    const std::size_t place = kIban.find(static_cast<char>('A' + letter));
-    const auto bit = static_cast<std::uint8_t>(place == TextView::npos ? 0 : 1U << place);
-    symbols['A' + letter] = symbols['a' + letter] = {static_cast<std::uint8_t>(10 + letter), 100, bit};
+    characters.runs['A' + letter] = characters.runs['a' + letter] = MakeRun(10 + letter, 100);
   }
-  return symbols;
+  for (std::size_t i = 0; i < kIban.size(); ++i) {
+    const auto letter = static_cast<std::size_t>(kIban[i]);
+    characters.lettersOfIban[letter] = characters.lettersOfIban[letter - 'A' + 'a'] =
+        static_cast<std::uint8_t>(1U << i);
+  }
+  return characters;
 }
 
-constexpr std::array<Symbol, 256> kSymbols = MakeSymbols();
-
-constexpr const Symbol& SymbolOf(char character) {
-  return kSymbols[static_cast<unsigned char>(character)];
-}
+constexpr Characters kCharacters = MakeCharacters();
 
 /// The remainder of a number that grows at its end by the digits of characters.
 class Remainder {
  public:
-  void Append(TextView characters) noexcept {
+  /// Works on a copy, which stays in registers: bytes that are read might otherwise alias the members.
+  [[nodiscard]] Remainder With(TextView characters) const noexcept {
+    Remainder sum = *this;
     // Eight characters make at most 16 digits, which with a remainder in front of them fit 64 bits.
-    while (characters.size() >= 8) {
-      AppendFour(characters.data());
-      AppendFour(characters.data() + 4);
-      number_ %= kModulus;
-      characters.remove_prefix(8);
+    for (; characters.size() >= 8; characters.remove_prefix(8)) {
+      sum.Add(sum.FourAt(characters.data()));
+      sum.Add(sum.FourAt(characters.data() + 4));
+      sum.number_ %= kModulus;
     }
     if (characters.size() >= 4) {
-      AppendFour(characters.data());
-      number_ %= kModulus;
+      sum.Add(sum.FourAt(characters.data()));
+      sum.number_ %= kModulus;
       characters.remove_prefix(4);
     }
-    for (const char character : characters) {
-      const Symbol& symbol = SymbolOf(character);
-      Add(symbol.value, symbol.factor, symbol.letterOfIban);
+    if (!characters.empty()) {
+      for (const char character : characters) {
+        sum.Add(sum.RunOf(character));
+      }
+      sum.number_ %= kModulus;
     }
-    number_ %= kModulus;
+    return sum;
   }
 
   /// Whether only digits, letters and blanks came and the remainder is 1.
-  [[nodiscard]] bool IsOne() const noexcept { return allGood_ && number_ == 1; }
+  [[nodiscard]] bool IsOne() const noexcept { return bad_ >> 63U == 0 && number_ == 1; }
 
   /// Whether each letter of "IBAN" came at least once, so that the word may have been among the characters.
   [[nodiscard]] bool MayHoldIban() const noexcept { return lettersOfIban_ == kAllLettersOfIban; }
 
  private:
-  /// Combines in pairs, so that the multiplications do not wait for each other.
-  void AppendFour(const char* characters) noexcept {
-    const Symbol& a = SymbolOf(characters[0]);
-    const Symbol& b = SymbolOf(characters[1]);
-    const Symbol& c = SymbolOf(characters[2]);
-    const Symbol& d = SymbolOf(characters[3]);
-    const std::uint32_t left = std::uint32_t{a.value} * b.factor + b.value;
-    const std::uint32_t right = std::uint32_t{c.value} * d.factor + d.value;
-    const std::uint32_t rightFactor = std::uint32_t{c.factor} * d.factor;
-    Add(left * rightFactor + right, std::uint32_t{a.factor} * b.factor * rightFactor,
-        static_cast<std::uint8_t>(a.letterOfIban | b.letterOfIban | c.letterOfIban | d.letterOfIban));
+  Run RunOf(char character) noexcept {
+    const auto index = static_cast<unsigned char>(character);
+    lettersOfIban_ |= kCharacters.lettersOfIban[index];
+    return kCharacters.runs[index];
   }
 
-  void Add(std::uint32_t value, std::uint32_t factor, std::uint8_t lettersOfIban) noexcept {
-    number_ = number_ * factor + value;
-    allGood_ &= factor != 0;
-    lettersOfIban_ |= lettersOfIban;
+  /// Joins in pairs, so that the multiplications do not wait for each other.
+  Run FourAt(const char* characters) noexcept {
+    return Join(Join(RunOf(characters[0]), RunOf(characters[1])), Join(RunOf(characters[2]), RunOf(characters[3])));
+  }
+
+  void Add(Run run) noexcept {
+    number_ = number_ * Factor(run) + Value(run);
+    bad_ |= Factor(run) - 1;  // all ones for factor 0
   }
 
   std::uint64_t number_ = 0;
-  bool allGood_ = true;
+  std::uint64_t bad_ = 0;  ///< the top bit is set once a bad character came
   std::uint8_t lettersOfIban_ = 0;
 };
 
@@ -112,37 +127,34 @@ std::size_t EndOfNonBlanks(TextView text, std::size_t& count) noexcept {
   return at;
 }
 
-/// The remainder of an account number of fewer than four characters, which lie in two pieces. Appending a copy of the
-/// first four to so short a text doubles it, and taking four away in front then leaves the last two of three characters
-/// and nothing of two or one.
-Remainder RemainderOfShort(TextView before, TextView after, std::size_t length) noexcept {
-  Remainder remainder;
-  std::size_t skipped = length == kHead - 1 ? 1 : length;
-  const std::size_t inBefore = EndOfNonBlanks(before, skipped);
-  const std::size_t inAfter = EndOfNonBlanks(after, skipped);
-  remainder.Append(before.substr(inBefore));
-  remainder.Append(after.substr(inAfter));
-  return remainder;
+/// An account number in two pieces, between which "IBAN" was.
+struct Pieces {
+  TextView before;
+  TextView after;
+};
+
+/// The remainder of an account number of fewer than four characters. Appending a copy of the first four to so short a
+/// text doubles it, and taking four away in front then leaves the last two of three characters and nothing of fewer.
+Remainder RemainderOfShort(Pieces account, std::size_t length) noexcept {
+  std::size_t dropped = length == kHead - 1 ? 1 : length;
+  account.before.remove_prefix(EndOfNonBlanks(account.before, dropped));
+  account.after.remove_prefix(EndOfNonBlanks(account.after, dropped));
+  return Remainder().With(account.before).With(account.after);
 }
 
-/// The remainder of the account number that lies in two pieces, with "IBAN" cut out between them.
-Remainder RemainderOf(TextView before, TextView after) noexcept {
+Remainder RemainderOf(Pieces account) noexcept {
   std::size_t missing = kHead;
-  const std::size_t headInBefore = EndOfNonBlanks(before, missing);
-  const std::size_t headInAfter = EndOfNonBlanks(after, missing);
+  const std::size_t inBefore = EndOfNonBlanks(account.before, missing);
+  const std::size_t inAfter = EndOfNonBlanks(account.after, missing);
   if (missing > 0) {
-    return RemainderOfShort(before, after, kHead - missing);
+    return RemainderOfShort(account, kHead - missing);
   }
-  Remainder remainder;
-  remainder.Append(before.substr(headInBefore));
-  remainder.Append(after.substr(headInAfter));
-  remainder.Append(before.substr(0, headInBefore));
-  remainder.Append(after.substr(0, headInAfter));
-  return remainder;
+  const Remainder body = Remainder().With(account.before.substr(inBefore)).With(account.after.substr(inAfter));
+  return body.With(account.before.substr(0, inBefore)).With(account.after.substr(0, inAfter));
 }
 
-/// The remainder without the first "IBAN", which may have blanks within.
-Remainder RemainderWithoutIban(TextView text) noexcept {
+/// The text without its first "IBAN", which may have blanks within.
+Pieces WithoutIban(TextView text) noexcept {
   std::size_t start = 0;
   std::size_t matched = 0;
   for (std::size_t at = 0; at < text.size(); ++at) {
@@ -156,11 +168,11 @@ Remainder RemainderWithoutIban(TextView text) noexcept {
     if (character == kIban[matched]) {
       start = matched == 0 ? at : start;
       if (++matched == kIban.size()) {
-        return RemainderOf(text.substr(0, start), text.substr(at + 1));
+        return {text.substr(0, start), text.substr(at + 1)};
       }
     }
   }
-  return RemainderOf(text, {});
+  return {text, {}};
 }
 
 /// The value of one digit. Throws ConversionError for any other character.
@@ -182,8 +194,8 @@ std::int32_t SumaCifrelor(std::int32_t number) noexcept {
 }  // namespace
 
 bool ValideazaIBAN(TextView account) noexcept {
-  const Remainder remainder = RemainderOf(account, {});
-  return remainder.MayHoldIban() ? RemainderWithoutIban(account).IsOne() : remainder.IsOne();
+  const Remainder remainder = RemainderOf({account, {}});
+  return remainder.MayHoldIban() ? RemainderOf(WithoutIban(account)).IsOne() : remainder.IsOne();
 }
 
 bool EsteIBAN(TextView text) noexcept {

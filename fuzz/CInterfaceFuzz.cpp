@@ -45,18 +45,21 @@ class Arguments {
   }
 
   void CheckSuccess(std::int64_t result) const {
-    if (buffer_.empty()) {
-      return;
+    for (const std::vector<char>& buffer : buffers_) {
+      // A function with two texts gives their lengths elsewhere.
+      const auto kept = textResults_ > 1
+                            ? static_cast<std::size_t>(std::find(buffer.begin(), buffer.end(), '\0') - buffer.begin())
+                            : std::min(static_cast<std::size_t>(result), buffer.size() - 1);
+      REQUIRE(buffer.empty() || (kept < buffer.size() && buffer[kept] == '\0'));
     }
-    const auto kept = std::min(static_cast<std::size_t>(result), buffer_.size() - 1);
-    REQUIRE(buffer_[kept] == '\0');
   }
 
   void CheckFailure() const {
     const auto untouched = [](char byte) { return static_cast<unsigned char>(byte) == kUntouched; };
-    REQUIRE(std::all_of(buffer_.begin(), buffer_.end(), untouched));
-    for (const std::vector<char>& object : outputs_) {
-      REQUIRE(std::all_of(object.begin(), object.end(), untouched));
+    for (const std::list<std::vector<char>>* results : {&buffers_, &outputs_}) {
+      for (const std::vector<char>& bytes : *results) {
+        REQUIRE(std::all_of(bytes.begin(), bytes.end(), untouched));
+      }
     }
   }
 
@@ -80,14 +83,15 @@ class Arguments {
   }
 
   char* NextBuffer() {
+    ++textResults_;
     if (data_.ConsumeIntegralInRange(0, 9) == 0) {
       size_ = data_.ConsumeBool() ? 0 : data_.ConsumeIntegral<std::size_t>();
       return nullptr;
     }
-    buffer_.assign(data_.ConsumeIntegralInRange<std::size_t>(0, 300), static_cast<char>(kUntouched));
-    buffer_.shrink_to_fit();
-    size_ = buffer_.size();
-    return buffer_.data();
+    const auto capacity = data_.ConsumeIntegralInRange<std::size_t>(0, 300);
+    std::vector<char>& buffer = buffers_.emplace_back(capacity, static_cast<char>(kUntouched));
+    size_ = buffer.size();
+    return buffer.data();
   }
 
   template <class Object>
@@ -103,7 +107,8 @@ class Arguments {
   std::size_t size_ = 0;
   std::list<std::vector<char>> texts_;
   std::list<std::vector<char>> outputs_;
-  std::vector<char> buffer_;
+  std::list<std::vector<char>> buffers_;
+  int textResults_ = 0;
 };
 
 template <auto Function>
@@ -141,7 +146,12 @@ constexpr auto kCalls =
           KivTextIntreGhilimele, KivTextInGhilimele, KivQuoteText, KivTextDinGhilimele, KivPadLeft, KivPadRight,
           KivTextDeLatimeFixa, KivStripDot, KivStripDotExtract2CifreDupaVirgula, KivPunePuncteInSimbol,
           KivRespectaMasca, KivGuidEgal, KivNumeDinNumeSiPrenume, KivPrenumeDinNumeSiPrenume,
-          KivScrieFrumosNrTelefon>();
+          KivScrieFrumosNrTelefon,  //
+          KivNotaToStr, KivNotaToTextLung, KivNotaToTextScurt, KivTestCNP, KivAnulNasteriiDinCnp, KivDataNasteriiDinCNP,
+          KivDataNasteriiDinCNP_scurt, KivVarstaDinCNP, KivTestCodFiscal, KivValideazaIBAN, KivEsteIBAN,
+          KivExtrageIBANdinIBANCuAnalitic, KivEliminaCoduriDinIBAN, KivValideazaSIRUTA, KivIncMonth, KivSetDayOfDate,
+          KivSetShortDateFormat, KivCalcDurataTotala, KivCalcDurataTotalaText, KivTimeToStrDurataMS,
+          KivDateTimeToSmartStrimg, KivSmartStringToDateTime>();
 
 }  // namespace
 

@@ -20,47 +20,44 @@ constexpr std::size_t kLength = 13;
 constexpr std::array<std::uint32_t, kLength - 1> kWeights = {2, 7, 9, 1, 4, 6, 3, 5, 8, 2, 7, 9};
 constexpr std::int32_t kUnknownCentury = -1;
 
-using Digits = std::array<std::uint32_t, kLength>;
+constexpr std::uint32_t Digit(char character) {
+  return static_cast<std::uint32_t>(static_cast<unsigned char>(character)) - '0';  // huge below '0'
+}
 
-constexpr int TwoDigits(const Digits& digits, std::size_t at) {
-  return static_cast<int>(digits[at] * 10 + digits[at + 1]);
+/// The number that two digits of a code make.
+constexpr std::int32_t TwoDigits(TextView code, std::size_t at) {
+  return static_cast<std::int32_t>(Digit(code[at]) * 10 + Digit(code[at + 1]));
 }
 
 /// The year of the date check. It does not ask the first digit for the century, and the texts below do: hosts hold
 /// codes that pass by this rule only, so the two stay different.
-constexpr int YearOfDateCheck(const Digits& digits) {
-  const int year = TwoDigits(digits, 1);
+constexpr int YearOfDateCheck(TextView code) {
+  const int year = TwoDigits(code, 1);
   return year < 5 ? 2000 + year : 1900 + year;
-}
-
-constexpr std::uint32_t ControlDigit(const Digits& digits) {
-  std::uint32_t sum = 0;
-  for (std::size_t i = 0; i < kWeights.size(); ++i) {
-    sum += digits[i] * kWeights[i];
-  }
-  const std::uint32_t remainder = sum % 11;
-  return remainder == 10 ? 1 : remainder;
 }
 
 bool IsValid(TextView code) noexcept {
   if (code.size() != kLength) {
     return false;
   }
-  Digits digits{};
-  bool onlyDigits = true;
-  for (std::size_t i = 0; i < kLength; ++i) {
-    digits[i] = static_cast<std::uint32_t>(static_cast<unsigned char>(code[i])) - '0';  // huge below '0'
-    onlyDigits &= digits[i] <= 9;
+  const std::uint32_t control = Digit(code[kLength - 1]);
+  std::uint32_t sum = 0;
+  bool onlyDigits = control <= 9;
+  for (std::size_t i = 0; i < kWeights.size(); ++i) {
+    const std::uint32_t digit = Digit(code[i]);
+    onlyDigits &= digit <= 9;
+    sum += digit * kWeights[i];
   }
-  const std::uint32_t first = digits[0];
-  if (!onlyDigits || (first != 1 && first != 2 && first != 5 && first != 6)) {
+  const char first = code[0];
+  if (!onlyDigits || (first != '1' && first != '2' && first != '5' && first != '6')) {
     return false;
   }
-  const int day = TwoDigits(digits, 5);
-  if (day < 1 || day > DaysInMonth(YearOfDateCheck(digits), TwoDigits(digits, 3))) {
+  const int day = TwoDigits(code, 5);
+  if (day < 1 || day > DaysInMonth(YearOfDateCheck(code), TwoDigits(code, 3))) {
     return false;
   }
-  return ControlDigit(digits) == digits[kLength - 1];
+  const std::uint32_t remainder = sum % 11;
+  return control == (remainder == 10 ? 1 : remainder);
 }
 
 void CountOne(std::atomic<std::uint32_t>& counter) noexcept {
@@ -78,11 +75,6 @@ constexpr std::int32_t Century(char first) {
     default:
       return kUnknownCentury;
   }
-}
-
-/// The number that two characters of a valid code make.
-constexpr std::int32_t TwoDigits(TextView code, std::size_t at) {
-  return (code[at] - '0') * 10 + (code[at + 1] - '0');
 }
 
 Text BirthDate(TextView code, const std::array<Text, 12>& monthNames) {

@@ -151,7 +151,7 @@ void Measure(benchmark::State& state, const StringList& texts, Check&& check) {
       benchmark::DoNotOptimize(check(text));
     }
   }
-  state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations() * texts.size()));
+  state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(texts.size()));
 }
 
 /// Registers one check for timing after its verdicts have been compared with the plain rule's.

@@ -61,7 +61,7 @@ constexpr Characters MakeCharacters() {
     accept('a' + letter, MakeRun(10 + letter, 100));
   }
   for (std::size_t i = 0; i < kIban.size(); ++i) {
-    const auto letter = static_cast<std::size_t>(kIban[i]);
+    const auto letter = static_cast<unsigned char>(kIban[i]);
     characters.marks[letter] = characters.marks[letter - 'A' + 'a'] = static_cast<std::uint8_t>(1U << i);
   }
   return characters;

@@ -6,7 +6,6 @@
 
 #include "Expect.h"
 #include "kivtools/WinUtil/DateArithmetic.h"
-#include "kivtools/WinUtil/DateText.h"
 #include "kivtools/c/DateArithmetic.h"
 #include "platform/Locale.h"
 
@@ -204,13 +203,6 @@ TEST(SmartString, FieldsOfOtherTexts) {
     EXPECT_EQ(stored, status == KIV_OK ? moment.Days() : 7) << text;
   }
   ExpectError<ConversionError>([] { SmartStringToDateTime("2024:068:1x"); }, "\"1x\" nu este un numar intreg");
-}
-
-TEST(SetShortDateFormat, IsHarmless) {
-  const Text before = DateToRoText(kMarch);
-  SetShortDateFormat("yyyy");
-  EXPECT_EQ(KivSetShortDateFormat("%n", 2), KIV_OK);
-  EXPECT_EQ(DateToRoText(kMarch), before);
 }
 
 }  // namespace

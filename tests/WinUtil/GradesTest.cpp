@@ -4,7 +4,6 @@
 
 #include "kivtools/WideTools/Grades.h"
 #include "kivtools/WinUtil/Grades.h"
-#include "kivtools/c/Grades.h"
 
 namespace kiv {
 namespace {
@@ -79,16 +78,6 @@ TEST(Grades, EveryWholeAndEveryHundredth) {
   for (std::int32_t whole = 1; whole <= 10; ++whole) {
     EXPECT_EQ(NotaToTextLung(whole * 100), kOnes[whole]);
   }
-}
-
-TEST(Grades, CInterface) {
-  char buffer[64];
-  EXPECT_EQ(KivNotaToStr(950, 3, buffer, sizeof buffer), 11);
-  EXPECT_EQ(buffer, TextView("(NOUĂ, 50%)"_ro));
-  EXPECT_EQ(KivNotaToTextLung(816, buffer, sizeof buffer), 17);
-  EXPECT_EQ(buffer, TextView("OPT, ŞAISPREZECET"_ro));
-  EXPECT_EQ(KivNotaToTextScurt(705, nullptr, 0), 9);
-  EXPECT_EQ(KivNotaToTextScurt(705, nullptr, 1), -KIV_ERROR_ARGUMENT);
 }
 
 }  // namespace

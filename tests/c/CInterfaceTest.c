@@ -83,6 +83,19 @@ static void TestOperations(void) {
   EXPECT(Gave(KivNumeZiDinSaptamana(days, buffer, sizeof buffer), "Marti"));
   EXPECT(KivRoCodeToDate("05.03.2024", KIV_ZERO_ENDED, &days) == KIV_OK && days == 45356);
 
+  EXPECT(Gave(KivNotaToStr(950, 3, buffer, sizeof buffer), "(NOU\xC3, 50%)"));
+  EXPECT(Gave(KivNotaToTextLung(705, buffer, sizeof buffer),
+              "\xAA"
+              "APTE, ZEROCINCI"));
+  EXPECT(Gave(KivNotaToTextScurt(705, buffer, sizeof buffer),
+              "\xAA"
+              "APTE, 05"));
+  EXPECT(KivSetShortDateFormat("dd.MM.yyyy", KIV_ZERO_ENDED) == KIV_OK);
+  EXPECT(Gave(KivDataNasteriiDinCNP("1800101221144", KIV_ZERO_ENDED, buffer, sizeof buffer), "1 Ianuarie 1980"));
+  EXPECT(KivValideazaIBAN("ro49 aaaa 1b31 0075 9384 0000", KIV_ZERO_ENDED) == 1);
+  EXPECT(KivTestCodFiscal("RO12345674", KIV_ZERO_ENDED) == 0);
+  EXPECT(KivValideazaSIRUTA("17A132", 6) == -KIV_ERROR_CONVERSION && LastMessageIs("\"A\" nu este un numar intreg"));
+
   EXPECT(Gave(KivTextIntreGhilimele('\'', "l'an", KIV_ZERO_ENDED, buffer, sizeof buffer), "'l''an'"));
   EXPECT(Gave(KivTextDeLatimeFixa("abcdef", 6, 3, NULL, 0, buffer, sizeof buffer), "abf"));
   EXPECT(Gave(KivPunePuncteInSimbol("1234", 4, 3, buffer, sizeof buffer), "123.4"));

@@ -6,6 +6,9 @@
 
 namespace kiv::platform {
 
+/// The system's own text for an error code. Example on POSIX: code 2 gives "No such file or directory".
+Text SystemText(std::int32_t code);
+
 /// The error for a failed system call: `context` (the operation and the value it failed on), the system's own text and
 /// the code. Example on POSIX: code 2 gives "<context>: No such file or directory".
 OsError SystemError(TextView context, std::int32_t code);

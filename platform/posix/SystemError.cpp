@@ -5,8 +5,12 @@
 
 namespace kiv::platform {
 
+Text SystemText(std::int32_t code) {
+  return std::system_category().message(code);
+}
+
 OsError SystemError(TextView context, std::int32_t code) {
-  return {code, Text(context) + ": " + std::system_category().message(code)};
+  return {code, Text(context) + ": " + SystemText(code)};
 }
 
 OsError LastSystemError(TextView context) {

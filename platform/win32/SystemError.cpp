@@ -5,13 +5,12 @@
 #include <array>
 
 namespace kiv::platform {
-namespace {
 
-/// The system's text in the user's language, as Windows-1250; "?" stands for letters that the code page lacks.
-Text SystemText(DWORD code) {
+// In the user's language, as Windows-1250; "?" stands for letters that the code page lacks.
+Text SystemText(std::int32_t code) {
   std::array<wchar_t, 512> wide{};
-  DWORD length = FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, code, 0,
-                                wide.data(), static_cast<DWORD>(wide.size()), nullptr);
+  DWORD length = FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr,
+                                static_cast<DWORD>(code), 0, wide.data(), static_cast<DWORD>(wide.size()), nullptr);
   while (length > 0 && (wide[length - 1] == L'\r' || wide[length - 1] == L'\n' || wide[length - 1] == L' ')) {
     --length;
   }
@@ -22,10 +21,8 @@ Text SystemText(DWORD code) {
   return text.empty() ? "eroarea " + std::to_string(code) : text;
 }
 
-}  // namespace
-
 OsError SystemError(TextView context, std::int32_t code) {
-  return {code, Text(context) + ": " + SystemText(static_cast<DWORD>(code))};
+  return {code, Text(context) + ": " + SystemText(code)};
 }
 
 OsError LastSystemError(TextView context) {

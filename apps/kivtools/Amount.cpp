@@ -1,0 +1,155 @@
+#include "apps/kivtools/Amount.h"
+
+#include <algorithm>
+#include <limits>
+#include <optional>
+
+#include "apps/kivtools/InputError.h"
+#include "apps/kivtools/Shown.h"
+
+namespace kivtools {
+namespace {
+
+constexpr bool IsDigit(char character) noexcept {
+  return character >= '0' && character <= '9';
+}
+
+bool AllDigits(std::string_view text) noexcept {
+  return !text.empty() && std::all_of(text.begin(), text.end(), IsDigit);
+}
+
+/// The number of these digits, dots between them passed over, followed by `decimals` filled up to `places` with zeros.
+/// Nothing where it does not fit. Counted downwards, because the range is one longer there.
+std::optional<std::int64_t> Assemble(bool negative, std::string_view whole, std::string_view decimals, int places) {
+  constexpr std::int64_t kLeast = std::numeric_limits<std::int64_t>::min();
+  std::int64_t value = 0;
+  const auto append = [&value](char character) {
+    const int digit = character - '0';
+    if (value < (kLeast + digit) / 10) {
+      return false;
+    }
+    value = value * 10 - digit;
+    return true;
+  };
+  for (const char character : whole) {
+    if (character != '.' && !append(character)) {
+      return std::nullopt;
+    }
+  }
+  for (std::size_t i = 0; i < static_cast<std::size_t>(places); ++i) {
+    if (!append(i < decimals.size() ? decimals[i] : '0')) {
+      return std::nullopt;
+    }
+  }
+  if (!negative && value == kLeast) {
+    return std::nullopt;
+  }
+  return negative ? value : -value;
+}
+
+bool TakeMinus(std::string_view& text) noexcept {
+  const bool negative = text.starts_with('-');
+  text.remove_prefix(negative ? 1 : 0);
+  return negative;
+}
+
+/// Whether the dots stand between groups of three digits, the first of one to three and not beginning with 0.
+bool IsGrouped(std::string_view whole) noexcept {
+  const std::size_t first = std::min(whole.find('.'), whole.size());
+  if (first == 0 || first > 3 || whole.front() == '0' || !AllDigits(whole.substr(0, first))) {
+    return false;
+  }
+  for (std::size_t at = first; at < whole.size(); at += 4) {
+    if (whole[at] != '.' || whole.size() - at < 4 || !AllDigits(whole.substr(at + 1, 3))) {
+      return false;
+    }
+  }
+  return true;
+}
+
+struct SplitAmount {
+  std::string_view whole;
+  std::string_view decimals;
+};
+
+/// Applies the rule of the two notations to the unsigned text.
+SplitAmount SplitFileAmount(std::string_view text) {
+  const std::size_t comma = text.find(',');
+  const std::size_t dot = text.find('.');
+  const bool manyDots = dot != std::string_view::npos && text.find('.', dot + 1) != std::string_view::npos;
+  SplitAmount split{text, {}};
+  bool hasDecimals = true;
+  if (comma != std::string_view::npos) {
+    split = {text.substr(0, comma), text.substr(comma + 1)};
+  } else if (dot != std::string_view::npos && !manyDots) {
+    split = {text.substr(0, dot), text.substr(dot + 1)};
+    if (split.decimals.size() == 3 && IsGrouped(text)) {
+      throw InputError("is either a thousand or decimals: write " + std::string(split.whole) +
+                       std::string(split.decimals) + " or " + std::string(split.whole) + "," +
+                       std::string(split.decimals));
+    }
+  } else {
+    hasDecimals = false;
+  }
+  const bool wholeRight = AllDigits(split.whole) || IsGrouped(split.whole);
+  if (!wholeRight || (hasDecimals && !AllDigits(split.decimals))) {
+    throw InputError("is not an amount such as 1.234,50 or 1234.50");
+  }
+  return split;
+}
+
+}  // namespace
+
+std::int64_t ReadPlainAmount(std::string_view text) {
+  std::string_view rest = text;
+  const bool negative = TakeMinus(rest);
+  const std::size_t point = rest.find('.');
+  const std::string_view whole = rest.substr(0, point);
+  const std::string_view decimals = point == std::string_view::npos ? std::string_view() : rest.substr(point + 1);
+  if (!AllDigits(whole) || (point != std::string_view::npos && !AllDigits(decimals))) {
+    throw InputError(Shown(text) + " is not an amount such as 1234.56");
+  }
+  if (decimals.size() > 4) {
+    throw InputError(Shown(text) + " has more than four decimals");
+  }
+  const auto amount = Assemble(negative, whole, decimals, 4);
+  if (!amount) {
+    throw InputError(Shown(text) + " is outside -922337203685477.5808 to 922337203685477.5807");
+  }
+  return *amount;
+}
+
+std::int64_t ReadWholeNumber(std::string_view text) {
+  std::string_view rest = text;
+  const bool negative = TakeMinus(rest);
+  const auto number = AllDigits(rest) ? Assemble(negative, rest, {}, 0) : std::nullopt;
+  if (!number) {
+    throw InputError(Shown(text) + " is not a whole number of 64 bits");
+  }
+  return *number;
+}
+
+std::int64_t ReadFileAmount(std::string_view text, int decimals) {
+  const bool negative = TakeMinus(text);
+  const SplitAmount split = SplitFileAmount(text);
+  if (split.decimals.size() > static_cast<std::size_t>(decimals)) {
+    throw InputError("has more than " + std::to_string(decimals) + " decimals");
+  }
+  const auto amount = Assemble(negative, split.whole, split.decimals, 4);
+  if (!amount) {
+    throw InputError("is too large for an amount");
+  }
+  return *amount;
+}
+
+std::string WritePlainAmount(std::int64_t amount) {
+  // The magnitude in unsigned arithmetic, where the smallest amount has one too.
+  const std::uint64_t magnitude =
+      amount < 0 ? 0 - static_cast<std::uint64_t>(amount) : static_cast<std::uint64_t>(amount);
+  std::string text = (amount < 0 ? "-" : "") + std::to_string(magnitude / kTenThousandths);
+  std::string decimals = std::to_string(magnitude % kTenThousandths + kTenThousandths).substr(1);
+  decimals.resize(decimals.find_last_not_of('0') + 1);
+  return decimals.empty() ? text : text + "." + decimals;
+}
+
+}  // namespace kivtools

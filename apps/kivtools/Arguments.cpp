@@ -1,0 +1,70 @@
+#include "apps/kivtools/Arguments.h"
+
+#include <algorithm>
+
+#include "apps/kivtools/Command.h"
+#include "apps/kivtools/InputError.h"
+#include "apps/kivtools/Shown.h"
+
+namespace kivtools {
+
+Arguments::Arguments(const Command& command, std::span<const std::string> given) {
+  bool optionsEnded = false;
+  while (!given.empty()) {
+    const std::string& argument = given.front();
+    given = given.subspan(1);
+    if (optionsEnded || !argument.starts_with("--")) {
+      values_.push_back(argument);
+    } else if (argument == "--") {
+      optionsEnded = true;
+    } else {
+      TakeOption(command, argument, given);
+    }
+  }
+  if (values_.size() < command.fewestValues) {
+    throw InputError(std::string(command.arguments) + " is missing");
+  }
+  if (values_.size() > command.mostValues) {
+    throw InputError(Shown(values_[command.mostValues]) + " is one argument too many");
+  }
+}
+
+void Arguments::TakeOption(const Command& command, std::string_view argument, std::span<const std::string>& rest) {
+  const std::size_t equals = argument.find('=');
+  const std::string_view name = argument.substr(2, equals == std::string_view::npos ? equals : equals - 2);
+  const auto known = std::find_if(command.options.begin(), command.options.end(),
+                                  [name](const Option& option) { return option.name == name; });
+  if (known == command.options.end()) {
+    throw InputError(Shown(argument) + " is not an option of this command");
+  }
+  if (Has(name)) {
+    throw InputError(Shown(argument) + " is given a second time");
+  }
+  GivenOption option{known->name, {}};
+  if (known->value.empty()) {
+    if (equals != std::string_view::npos) {
+      throw InputError(Shown(argument) + ": this option takes no value");
+    }
+  } else if (equals != std::string_view::npos) {
+    option.value = argument.substr(equals + 1);
+  } else if (!rest.empty()) {
+    option.value = rest.front();
+    rest = rest.subspan(1);
+  } else {
+    throw InputError(Shown(argument) + " needs " + std::string(known->value) + " behind it");
+  }
+  options_.push_back(std::move(option));
+}
+
+const Arguments::GivenOption* Arguments::Find(std::string_view option) const noexcept {
+  const auto found = std::find_if(options_.begin(), options_.end(),
+                                  [option](const GivenOption& given) { return given.name == option; });
+  return found == options_.end() ? nullptr : &*found;
+}
+
+std::optional<std::string> Arguments::ValueOf(std::string_view option) const {
+  const GivenOption* const found = Find(option);
+  return found == nullptr ? std::nullopt : std::optional<std::string>(found->value);
+}
+
+}  // namespace kivtools

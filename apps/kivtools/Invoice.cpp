@@ -1,0 +1,67 @@
+#include "apps/kivtools/Invoice.h"
+
+#include <functional>
+#include <limits>
+#include <map>
+
+#include "apps/kivtools/Amount.h"
+#include "apps/kivtools/InputError.h"
+
+namespace kivtools {
+namespace {
+
+/// The most bani that are still an amount of money when counted in ten-thousandths.
+constexpr std::int64_t kMostBani = std::numeric_limits<std::int64_t>::max() / 100;
+
+std::int64_t InRange(std::int64_t bani, const char* what) {
+  if (bani > kMostBani || bani < -kMostBani) {
+    throw InputError(std::string(what) + " is more than 922.337.203.685.477,58 lei");
+  }
+  return bani;
+}
+
+std::int64_t RoundedQuotient(std::int64_t value, std::int64_t divisor) noexcept {
+  const std::int64_t half = value < 0 ? -divisor / 2 : divisor / 2;
+  return (value + half) / divisor;
+}
+
+}  // namespace
+
+std::int64_t LineValue(std::int64_t quantity, std::int64_t unitPrice) {
+  // With q = a * 10^4 + b and p = c * 10^4 + d the product in bani is a * c * 100 + (a * d + b * c) / 100 + b * d /
+  // 10^6; what the divisions leave is put together before it is rounded.
+  const std::int64_t a = quantity / kTenThousandths;
+  const std::int64_t b = quantity % kTenThousandths;
+  const std::int64_t c = unitPrice / kTenThousandths;
+  const std::int64_t d = unitPrice % kTenThousandths;
+  std::int64_t whole = 0;
+  std::int64_t middle = 0;
+  if (__builtin_mul_overflow(a, c, &whole) || __builtin_mul_overflow(whole, 100, &whole) ||
+      __builtin_add_overflow(a * d, b * c, &middle) || __builtin_add_overflow(whole, middle / 100, &whole) ||
+      __builtin_add_overflow(whole, RoundedQuotient(middle % 100 * kTenThousandths + b * d, 1'000'000), &whole)) {
+    whole = std::numeric_limits<std::int64_t>::max();
+  }
+  return InRange(whole, "times the quantity");
+}
+
+std::int64_t VatOn(std::int64_t base, std::int32_t rate) {
+  return base / kTenThousandths * rate + RoundedQuotient(base % kTenThousandths * rate, kTenThousandths);
+}
+
+InvoiceTotals ComputeTotals(const Invoice& invoice) {
+  std::map<std::int32_t, std::int64_t, std::greater<>> bases;
+  InvoiceTotals totals;
+  for (const InvoiceItem& item : invoice.items) {
+    std::int64_t& base = bases[item.vatRate];
+    base = InRange(base + item.value, "the sum of the lines of one VAT rate");
+    totals.base = InRange(totals.base + item.value, "the sum of the lines");
+  }
+  for (const auto& [rate, base] : bases) {
+    totals.groups.push_back({rate, base, VatOn(base, rate)});
+    totals.vat = InRange(totals.vat + totals.groups.back().vat, "the sum of VAT");
+  }
+  totals.total = InRange(totals.base + totals.vat, "the total");
+  return totals;
+}
+
+}  // namespace kivtools

@@ -1,0 +1,221 @@
+#include "apps/kivtools/InvoiceReader.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <utility>
+
+#include "apps/kivtools/Amount.h"
+#include "apps/kivtools/Csv.h"
+#include "apps/kivtools/Shown.h"
+
+namespace kivtools {
+namespace {
+
+constexpr std::array<std::string_view, 5> kItemFields = {"description", "unit", "quantity", "unit_price", "vat_rate"};
+
+/// What the rows above the lines may say: each key once, in any order.
+struct HeaderField {
+  std::string_view key;
+  bool required;
+  std::string& (*text)(Invoice&);  ///< null for the date
+};
+constexpr std::array<HeaderField, 8> kHeaderFields = {{
+    {"seller", true, [](Invoice& invoice) -> std::string& { return invoice.seller.name; }},
+    {"seller_code", true, [](Invoice& invoice) -> std::string& { return invoice.seller.code; }},
+    {"seller_account", false, [](Invoice& invoice) -> std::string& { return invoice.seller.account; }},
+    {"buyer", true, [](Invoice& invoice) -> std::string& { return invoice.buyer.name; }},
+    {"buyer_code", false, [](Invoice& invoice) -> std::string& { return invoice.buyer.code; }},
+    {"buyer_account", false, [](Invoice& invoice) -> std::string& { return invoice.buyer.account; }},
+    {"number", true, [](Invoice& invoice) -> std::string& { return invoice.number; }},
+    {"date", true, nullptr},
+}};
+
+std::string_view Trimmed(std::string_view text) noexcept {
+  const std::size_t first = std::min(text.find_first_not_of(' '), text.size());
+  return text.substr(first, text.find_last_not_of(' ') + 1 - first);
+}
+
+/// A field's text for the invoice: blanks around it dropped, line ends (where allowed) as line feeds.
+std::string CleanText(std::string_view field, bool lines) {
+  std::string text(Trimmed(field));
+  if (lines) {
+    for (std::size_t at = text.find("\r\n"); at != std::string::npos; at = text.find("\r\n", at)) {
+      text.erase(at, 1);
+    }
+  }
+  if (const std::string_view fault = WhyNotPrintable(text, lines); !fault.empty()) {
+    throw InputError(std::string(fault));
+  }
+  return text;
+}
+
+/// YYYY-MM-DD or DD.MM.YYYY.
+std::chrono::year_month_day ReadDate(std::string_view text) {
+  const bool dotted = text.size() == 10 && text[2] == '.' && text[5] == '.';
+  const bool dashed = text.size() == 10 && text[4] == '-' && text[7] == '-';
+  const auto number = [text](std::size_t at, std::size_t length) {
+    int value = -1;
+    const char* const end = text.data() + at + length;
+    const bool whole = text[at] != '-' && std::from_chars(text.data() + at, end, value).ptr == end;
+    return whole ? value : -1;
+  };
+  if (!dotted && !dashed) {
+    throw InputError("is not a date such as 2026-03-05 or 05.03.2026");
+  }
+  const int year = dotted ? number(6, 4) : number(0, 4);
+  const int month = dotted ? number(3, 2) : number(5, 2);
+  const int day = dotted ? number(0, 2) : number(8, 2);
+  const std::chrono::year_month_day date{std::chrono::year{year}, std::chrono::month{static_cast<unsigned>(month)},
+                                         std::chrono::day{static_cast<unsigned>(day)}};
+  if (year < 1 || !date.ok()) {
+    throw InputError("is not a date that the calendar has");
+  }
+  return date;
+}
+
+std::int32_t ReadVatRate(std::string_view text) {
+  const bool signedPercent = text.ends_with('%');
+  const std::int64_t rate = ReadFileAmount(signedPercent ? Trimmed(text.substr(0, text.size() - 1)) : text, 2);
+  if (rate < 0 || rate > 100 * kTenThousandths) {
+    throw InputError("is not a rate from 0 to 100 percent");
+  }
+  return static_cast<std::int32_t>(rate / 100);
+}
+
+class Reader {
+ public:
+  Reader(ByteSource source, const std::string& name) : csv_(std::move(source)), name_(name) {}
+
+  Invoice Read() try {
+    while (NextRow() && !IsItemHeading()) {
+      ReadHeaderRow();
+    }
+    CheckHeader();
+    while (NextRow()) {
+      ReadItem();
+    }
+    if (invoice_.items.empty()) {
+      throw InputError(name_ + ": there are no lines");
+    }
+    return std::move(invoice_);
+  } catch (const CsvError& error) {
+    throw InputError(name_ + ":" + std::to_string(error.Line()) + ": " + error.what());
+  }
+
+ private:
+  /// Goes to the next row that says something; rows of empty fields only separate.
+  bool NextRow() {
+    while (csv_.Next()) {
+      const auto& fields = csv_.Fields();
+      count_ = fields.size();
+      while (count_ > 0 && Trimmed(fields[count_ - 1]).empty()) {
+        --count_;  // spreadsheets fill short rows up with empty fields
+      }
+      if (count_ > 0) {
+        return true;
+      }
+    }
+    return false;
+  }
+
+  std::string_view Field(std::size_t index) const {
+    const auto& fields = csv_.Fields();
+    return index < fields.size() ? Trimmed(fields[index]) : std::string_view();
+  }
+
+  [[noreturn]] void Fail(const std::string& what) const {
+    throw InputError(name_ + ":" + std::to_string(csv_.Line()) + ": " + what);
+  }
+
+  /// Reads one field by `read`; a refusal becomes a message with line, field name and value.
+  template <class Read>
+  auto Take(std::string_view fieldName, std::string_view value, Read&& read) const {
+    try {
+      return read(value);
+    } catch (const InputError& error) {
+      Fail(std::string(fieldName) + ": " + Shown(value) + " " + error.what());
+    }
+  }
+
+  std::string TakeText(std::string_view fieldName, std::string_view value, bool required, bool lines = false) const {
+    if (required && value.empty()) {
+      Fail(std::string(fieldName) + ": \"\" is empty");
+    }
+    return Take(fieldName, value, [lines](std::string_view text) { return CleanText(text, lines); });
+  }
+
+  bool IsItemHeading() const {
+    if (Field(0) != kItemFields.front()) {
+      return false;
+    }
+    for (std::size_t i = 0; i < std::max(count_, kItemFields.size()); ++i) {
+      if (i >= kItemFields.size() || Field(i) != kItemFields[i]) {
+        Fail("field " + std::to_string(i + 1) + ": " + Shown(Field(i)) + " is not the heading " +
+             (i < kItemFields.size() ? Shown(kItemFields[i]) : "of anything"));
+      }
+    }
+    headingSeen_ = true;
+    return true;
+  }
+
+  void ReadHeaderRow() {
+    const std::string_view key = Field(0);
+    const auto* const field =
+        std::find_if(kHeaderFields.begin(), kHeaderFields.end(), [key](const auto& known) { return known.key == key; });
+    if (field == kHeaderFields.end()) {
+      Fail("field 1: " + Shown(key) + " is neither a key (seller, ...) nor the heading \"description\"");
+    }
+    if (std::exchange(seen_[static_cast<std::size_t>(field - kHeaderFields.begin())], true)) {
+      Fail(std::string(key) + ": " + Shown(Field(1)) + " is given a second time");
+    }
+    if (count_ > 2) {
+      Fail(std::string(key) + ": " + Shown(Field(2)) + " stands behind the value");
+    }
+    if (field->text != nullptr) {
+      field->text(invoice_) = TakeText(key, Field(1), field->required);
+    } else {
+      invoice_.date = Take(key, Field(1), ReadDate);
+    }
+  }
+
+  void CheckHeader() const {
+    for (std::size_t i = 0; i < kHeaderFields.size(); ++i) {
+      if (kHeaderFields[i].required && !seen_[i]) {
+        Fail(std::string(kHeaderFields[i].key) + " is missing");
+      }
+    }
+    if (!headingSeen_) {
+      Fail("the row \"description,unit,quantity,unit_price,vat_rate\" is missing");
+    }
+  }
+
+  void ReadItem() {
+    if (count_ > kItemFields.size()) {
+      Fail("field 6: " + Shown(Field(5)) + " is one too many (is a value with a comma not in quotes?)");
+    }
+    InvoiceItem item;
+    item.description = TakeText(kItemFields[0], Field(0), true, true);
+    item.unit = TakeText(kItemFields[1], Field(1), false);
+    item.quantity = Take(kItemFields[2], Field(2), [](auto text) { return ReadFileAmount(text); });
+    item.unitPrice = Take(kItemFields[3], Field(3), [](auto text) { return ReadFileAmount(text); });
+    item.vatRate = Take(kItemFields[4], Field(4), ReadVatRate);
+    item.value = Take(kItemFields[3], Field(3), [&item](auto) { return LineValue(item.quantity, item.unitPrice); });
+    invoice_.items.push_back(std::move(item));
+  }
+
+  CsvReader csv_;
+  const std::string& name_;
+  Invoice invoice_;
+  std::array<bool, kHeaderFields.size()> seen_{};
+  mutable bool headingSeen_ = false;
+  std::size_t count_ = 0;  ///< fields of the row without empty ones at its end
+};
+
+}  // namespace
+
+Invoice ReadInvoice(ByteSource source, const std::string& name) {
+  return Reader(std::move(source), name).Read();
+}
+
+}  // namespace kivtools

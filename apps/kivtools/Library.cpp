@@ -1,0 +1,128 @@
+#include "apps/kivtools/Library.h"
+
+#include <algorithm>
+#include <array>
+
+#include "platform/Console.h"
+
+/// The exported C function of that name, with its declared type.
+#define KIVTOOLS_ENTRY(name) package_.Function<decltype(name)>(#name)
+
+namespace kivtools {
+namespace {
+
+std::filesystem::path FindLibrary() {
+  if (const auto named = kiv::platform::PathFromEnvironment("KIVTOOLS_LIBRARY")) {
+    return *named;
+  }
+  const std::filesystem::path folder = kiv::platform::ProgramFile().parent_path();
+  for (const char* const place : {".", "../lib", KIVTOOLS_LIBRARY_FOLDER}) {
+    const std::filesystem::path file = (folder / place / KIVTOOLS_LIBRARY_FILE).lexically_normal();
+    std::error_code error;
+    if (std::filesystem::is_regular_file(file, error)) {
+      return file;
+    }
+  }
+  throw InputError(KIVTOOLS_LIBRARY_FILE " is neither beside the program nor in ../lib; KIVTOOLS_LIBRARY can name it");
+}
+
+}  // namespace
+
+Library::Library()
+    : package_(kiv::LoadedPackage::FromNativePath(FindLibrary())),
+      textToUtf8_(KIVTOOLS_ENTRY(KivTextToUtf8)),
+      moneyNoSpace_(KIVTOOLS_ENTRY(KivCurrencyToRoStrFaraSpatiu)),
+      scaledNumber_(KIVTOOLS_ENTRY(KivScrieFoarteFrumos)) {}
+
+std::string Library::ToUtf8(std::string_view text) const {
+  constexpr std::int32_t kCommaBelow = 1;
+  std::string utf8(text.size() * 3, '\0');  // no character of the code page takes more
+  const KivLength length = textToUtf8_(text.data(), text.size(), kCommaBelow, utf8.data(), utf8.size());
+  utf8.resize(static_cast<std::size_t>(length));
+  return utf8;
+}
+
+void Library::ThrowLastError() const {
+  std::array<char, 1024> message{};
+  KIVTOOLS_ENTRY(KivLastErrorMessage)(message.data(), message.size());
+  throw LibraryError(ToUtf8(message.data()));
+}
+
+void Library::Check(KivStatus status) const {
+  if (status != KIV_OK) {
+    ThrowLastError();
+  }
+}
+
+template <class Function, class... Arguments>
+std::string Library::Text(Function* function, Arguments... arguments) const {
+  std::string text(256, '\0');
+  for (;;) {
+    const KivLength length = function(arguments..., text.data(), text.size());
+    if (length < 0) {
+      ThrowLastError();
+    }
+    const bool whole = static_cast<std::size_t>(length) < text.size();
+    text.resize(static_cast<std::size_t>(length) + (whole ? 0 : 1));
+    if (whole) {
+      break;
+    }
+  }
+  const bool ascii = std::all_of(text.begin(), text.end(), [](char byte) { return (byte & 0x80) == 0; });
+  return ascii ? text : ToUtf8(text);
+}
+
+std::string Library::Version() const {
+  return Text(KIVTOOLS_ENTRY(KivVersion));
+}
+
+std::string Library::NumberInWords(std::int32_t number) const {
+  return Text(KIVTOOLS_ENTRY(KivInLitere), number);
+}
+
+std::string Library::SumInWords(std::int64_t amount) const {
+  return Text(KIVTOOLS_ENTRY(KivInLitereCurrency), amount);
+}
+
+std::string Library::SumInWordsCompact(std::int64_t amount) const {
+  return Text(KIVTOOLS_ENTRY(KivInLitereMF), amount);
+}
+
+std::string Library::Money(std::int64_t amount, std::int32_t decimals) const {
+  return Text(KIVTOOLS_ENTRY(KivCurrencyToRoStr), amount, decimals);
+}
+
+std::string Library::MoneyNoSpace(std::int64_t amount, std::int32_t decimals) const {
+  return Text(moneyNoSpace_, amount, decimals);
+}
+
+std::string Library::MoneyExact(std::int64_t amount) const {
+  constexpr std::int32_t kAsExact = 422;
+  return Text(scaledNumber_, amount, kAsExact);
+}
+
+std::int64_t Library::ReadMoney(std::string_view utf8) const {
+  std::string text(utf8.size() + 1, '\0');
+  const KivLength length = KIVTOOLS_ENTRY(KivUtf8ToText)(utf8.data(), utf8.size(), text.data(), text.size());
+  if (length < 0) {
+    ThrowLastError();
+  }
+  std::int64_t amount = 0;
+  Check(KIVTOOLS_ENTRY(KivRoStrToCurrency)(text.data(), static_cast<std::size_t>(length), &amount));
+  return amount;
+}
+
+double Library::EncodeDate(int year, int month, int day, int hour, int minute, int second) const {
+  double days = 0;
+  Check(KIVTOOLS_ENTRY(KivEncodeDate)(year, month, day, hour, minute, second, 0, &days));
+  return days;
+}
+
+std::string Library::DateText(const std::string& operation, double days) const {
+  if (operation == "DateToRoText_WithCode") {
+    return Text(KIVTOOLS_ENTRY(KivDateToRoText_WithCode), days, 0, 0, 0, 0);
+  }
+  return Text(package_.Function<decltype(KivDateToRoText)>(("Kiv" + operation).c_str()), days);
+}
+
+}  // namespace kivtools

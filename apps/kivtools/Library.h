@@ -1,0 +1,68 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+#include "apps/kivtools/InputError.h"
+#include "kivtools/Loader.h"
+#include "kivtools/kiv.h"
+
+namespace kivtools {
+
+/// What the library answered to a value it refused: its message as UTF-8.
+class LibraryError : public InputError {
+ public:
+  using InputError::InputError;
+};
+
+/// The shared library, loaded at run time and called through its C interface. Texts are UTF-8 here, with comma-below
+/// letters; amounts are ten-thousandths. Every operation throws LibraryError where the library refuses its input.
+class Library {
+ public:
+  /// Loads the library that KIVTOOLS_LIBRARY names, else the one beside the program or in the lib folder next to the
+  /// program's. Throws kiv::Error.
+  Library();
+
+  /// The library's version. Example: "0.1.0".
+  [[nodiscard]] std::string Version() const;
+
+  /// A number in words. Example: 5 gives "CINCI".
+  [[nodiscard]] std::string NumberInWords(std::int32_t number) const;
+  /// A sum in words. Example: 10000 gives "UNU LEI".
+  [[nodiscard]] std::string SumInWords(std::int64_t amount) const;
+  /// A sum in words, the compact form. Example: 10000 gives "UNLEU".
+  [[nodiscard]] std::string SumInWordsCompact(std::int64_t amount) const;
+
+  /// An amount with Romanian separators, its further decimals cut. Example: 12345600 and 2 give "1.234, 56".
+  [[nodiscard]] std::string Money(std::int64_t amount, std::int32_t decimals) const;
+  /// The same without the blank. Example: "1.234,56".
+  [[nodiscard]] std::string MoneyNoSpace(std::int64_t amount, std::int32_t decimals) const;
+  /// An amount with two decimals, or four where two are not exact. Example: 12345678 gives "1.234,5678".
+  [[nodiscard]] std::string MoneyExact(std::int64_t amount) const;
+  /// Reads a Romanian amount. Example: "1.234,56" gives 12345600.
+  [[nodiscard]] std::int64_t ReadMoney(std::string_view utf8) const;
+
+  /// The library's day number of a moment.
+  [[nodiscard]] double EncodeDate(int year, int month, int day, int hour = 0, int minute = 0, int second = 0) const;
+  /// A moment in the form that the operation of that name writes. Example: "DateToRoCode" gives "05.03.2024".
+  [[nodiscard]] std::string DateText(const std::string& operation, double days) const;
+
+ private:
+  [[noreturn]] void ThrowLastError() const;
+  [[nodiscard]] std::string ToUtf8(std::string_view text) const;
+  void Check(KivStatus status) const;
+
+  /// The text that a function of the C interface gives.
+  template <class Function, class... Arguments>
+  std::string Text(Function* function, Arguments... arguments) const;
+
+  kiv::LoadedPackage package_;
+  // Called for every line of an invoice; the others are looked up when they are needed.
+  decltype(KivTextToUtf8)* textToUtf8_;
+  decltype(KivCurrencyToRoStrFaraSpatiu)* moneyNoSpace_;
+  decltype(KivScrieFoarteFrumos)* scaledNumber_;
+};
+
+}  // namespace kivtools

@@ -1,0 +1,60 @@
+#include <array>
+#include <cstdint>
+#include <limits>
+
+#include "apps/kivtools/Amount.h"
+#include "apps/kivtools/Command.h"
+#include "apps/kivtools/Shown.h"
+
+namespace kivtools {
+namespace {
+
+constexpr std::array<Option, 3> kOptions = {{
+    {"decimals", "N", "decimals to show (2); further ones are cut"},
+    {"no-space", "", "no blank behind the comma"},
+    {"parse", "TEXT", "read a Romanian amount and print it plainly"},
+}};
+
+constexpr std::string_view kDetails =
+    "AMOUNT is written as 1234.56, with at most four decimals. TEXT is a Romanian amount: a comma before the\n"
+    "decimals; dots and blanks are passed over, decimals behind the fourth are cut.\n\n"
+    "Examples:\n"
+    "  kivtools money 1234567.89                  1.234.567, 89\n"
+    "  kivtools money --no-space -1234.5          -1.234,50\n"
+    "  kivtools money --parse \"1.234,5\"           1234.5\n";
+
+std::int32_t ReadDecimals(const std::string& text) {
+  const std::int64_t decimals = ReadWholeNumber(text);
+  if (decimals < std::numeric_limits<std::int32_t>::min() || decimals > std::numeric_limits<std::int32_t>::max()) {
+    throw InputError(Shown(text) + " is no number of decimals");
+  }
+  return static_cast<std::int32_t>(decimals);
+}
+
+std::string Format(const Library& library, const Arguments& arguments) {
+  const std::int64_t amount = ReadPlainAmount(arguments.Values().front());
+  const std::int32_t decimals = ReadDecimals(arguments.ValueOf("decimals").value_or("2"));
+  return arguments.Has("no-space") ? library.MoneyNoSpace(amount, decimals) : library.Money(amount, decimals);
+}
+
+std::string Parse(const Library& library, const Arguments& arguments) {
+  if (!arguments.Values().empty() || arguments.Has("decimals") || arguments.Has("no-space")) {
+    throw InputError("\"--parse\" goes with nothing but its TEXT");
+  }
+  return WritePlainAmount(library.ReadMoney(*arguments.ValueOf("parse")));
+}
+
+int RunMoney(Session& session, const Arguments& arguments) {
+  if (!arguments.Has("parse") && arguments.Values().empty()) {
+    throw InputError("AMOUNT is missing");
+  }
+  session.out.Write((arguments.Has("parse") ? Parse : Format)(session.Lib(), arguments) + "\n");
+  return kDone;
+}
+
+}  // namespace
+
+const Command kMoneyCommand = {
+    "money", "Write an amount with Romanian separators, or read one", "AMOUNT", 0, 1, kOptions, kDetails, RunMoney};
+
+}  // namespace kivtools

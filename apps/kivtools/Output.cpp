@@ -1,0 +1,78 @@
+#include "apps/kivtools/Output.h"
+
+#include <algorithm>
+
+#include "apps/kivtools/Layout.h"
+#include "kivtools/Errors.h"
+#include "kivtools/Text.h"
+#include "platform/Console.h"
+
+namespace kivtools {
+namespace {
+
+constexpr std::size_t kBlock = 64U * 1024U;
+constexpr std::string_view kEraseLine = "\r\x1B[K";
+
+}  // namespace
+
+void Output::Write(std::string_view text) {
+  buffer_ += text;
+  if (buffer_.size() >= kBlock) {
+    Flush();
+  }
+}
+
+void Output::Flush() {
+  try {
+    kiv::platform::WriteAll(kiv::platform::StandardStream::Output, buffer_);
+  } catch (const kiv::OsError& error) {
+    throw OutputError("standard output: " + kiv::ToUtf8(error.what()));
+  }
+  buffer_.clear();
+}
+
+void WriteError(std::string_view line) noexcept {
+  try {
+    kiv::platform::WriteAll(kiv::platform::StandardStream::Error, std::string(line) + "\n");
+  } catch (...) {  // NOLINT(bugprone-empty-catch): there is no other place to tell it
+  }
+}
+
+Progress::Progress(std::optional<std::uint64_t> total)
+    : total_(total),
+      watched_(kiv::platform::IsTerminal(kiv::platform::StandardStream::Error)),
+      next_(Clock::now() + std::chrono::seconds(1)) {}
+
+Progress::~Progress() {
+  if (drawn_) {
+    try {
+      kiv::platform::WriteAll(kiv::platform::StandardStream::Error, kEraseLine);
+    } catch (...) {  // NOLINT(bugprone-empty-catch): only the bar stays on the screen
+    }
+  }
+}
+
+void Progress::Advance(std::uint64_t bytes) {
+  done_ += bytes;
+  if (!watched_ || Clock::now() < next_) {
+    return;
+  }
+  next_ = Clock::now() + std::chrono::milliseconds(200);
+  drawn_ = true;
+  Draw();
+}
+
+void Progress::Draw() const {
+  constexpr std::size_t kCells = 30;
+  std::string line(kEraseLine);
+  if (total_ && *total_ > 0) {
+    const std::uint64_t done = std::min(done_, *total_);
+    const auto full = static_cast<std::size_t>(done * kCells / *total_);
+    line += Repeat("█", full) + Repeat("░", kCells - full) + " " + std::to_string(done * 100 / *total_) + " %";
+  } else {
+    line += std::to_string(done_ / (1024U * 1024U)) + " MiB";
+  }
+  kiv::platform::WriteAll(kiv::platform::StandardStream::Error, line);
+}
+
+}  // namespace kivtools

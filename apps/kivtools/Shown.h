@@ -1,0 +1,16 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace kivtools {
+
+/// A value as a message shows it: in quotes, what would disturb a terminal as \xNN, long values cut with "...".
+/// Example: `Shown("a\tb")` is "\"a\\x09b\"".
+std::string Shown(std::string_view value);
+
+/// Why a text cannot be printed as it is: nothing if it can, else "is not UTF-8" or "has a control character". Line
+/// feeds pass where `lines` is true.
+std::string_view WhyNotPrintable(std::string_view text, bool lines = false);
+
+}  // namespace kivtools

@@ -1,0 +1,59 @@
+#include <array>
+#include <cstdint>
+#include <limits>
+
+#include "apps/kivtools/Amount.h"
+#include "apps/kivtools/Command.h"
+#include "apps/kivtools/Shown.h"
+
+namespace kivtools {
+namespace {
+
+constexpr std::array<Option, 2> kOptions = {{
+    {"compact", "", "the compact form: the bani in digits, no blanks"},
+    {"number", "", "AMOUNT is a whole number, not money"},
+}};
+
+constexpr std::string_view kDetails =
+    "AMOUNT is written as 1234.56, with at most four decimals; what is below a ban is cut.\n"
+    "Amounts of a billion or more and negative ones have no words.\n\n"
+    "Examples:\n"
+    "  kivtools words 1234.56           UNAMIEDOUASUTETREIZECISIPATRU LEI SI CINCIZECISISASE BANI\n"
+    "  kivtools words --compact 1.05    UNLEU,05BANI\n"
+    "  kivtools words --number 21       DOUAZECISIUNU\n";
+
+/// The number, refused where the library would drop its upper bits and give the words of another number.
+std::int32_t ReadNumber(const std::string& text) {
+  const std::int64_t number = ReadWholeNumber(text);
+  if (number < std::numeric_limits<std::int32_t>::min() || number > std::numeric_limits<std::int32_t>::max()) {
+    throw InputError(Shown(text) + " is too large to be put into words");
+  }
+  return static_cast<std::int32_t>(number);
+}
+
+std::string Words(const Library& library, const Arguments& arguments) {
+  const std::string& text = arguments.Values().front();
+  try {
+    if (arguments.Has("number")) {
+      return library.NumberInWords(ReadNumber(text));
+    }
+    const std::int64_t amount = ReadPlainAmount(text);
+    return arguments.Has("compact") ? library.SumInWordsCompact(amount) : library.SumInWords(amount);
+  } catch (const LibraryError& error) {
+    throw InputError(Shown(text) + ": " + error.what());  // the library names only the group of digits it refused
+  }
+}
+
+int RunWords(Session& session, const Arguments& arguments) {
+  if (arguments.Has("number") && arguments.Has("compact")) {
+    throw InputError("\"--compact\" is for money and does not go with --number");
+  }
+  session.out.Write(Words(session.Lib(), arguments) + "\n");
+  return kDone;
+}
+
+}  // namespace
+
+const Command kWordsCommand = {"words", "Write an amount in words", "AMOUNT", 1, 1, kOptions, kDetails, RunWords};
+
+}  // namespace kivtools

@@ -6,7 +6,7 @@
 namespace kivtools {
 namespace {
 
-constexpr std::size_t kBlock = 256U * 1024U;
+constexpr std::size_t kBlock = std::size_t{256} * 1024;
 
 }  // namespace
 

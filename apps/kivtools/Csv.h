@@ -32,7 +32,7 @@ class CsvError : public InputError {
 class CsvReader {
  public:
   /// A longer record is taken for a quote that never ends.
-  static constexpr std::size_t kLongestRecord = 16U * 1024U * 1024U;
+  static constexpr std::size_t kLongestRecord = std::size_t{16} * 1024 * 1024;
 
   explicit CsvReader(ByteSource source) : reader_(std::move(source)) {}
 

@@ -35,7 +35,7 @@ std::string Grouped(const std::string& account) {
 }
 
 std::string Percent(std::int32_t rate) {
-  std::string text = WritePlainAmount(rate * 100) + "%";
+  std::string text = WritePlainAmount(std::int64_t{rate} * 100) + "%";
   std::replace(text.begin(), text.end(), '.', ',');
   return text;
 }

@@ -10,7 +10,7 @@
 namespace kivtools {
 namespace {
 
-constexpr std::size_t kBlock = 64U * 1024U;
+constexpr std::size_t kBlock = std::size_t{64} * 1024;
 constexpr std::string_view kEraseLine = "\r\x1B[K";
 
 }  // namespace
@@ -70,7 +70,7 @@ void Progress::Draw() const {
     const auto full = static_cast<std::size_t>(done * kCells / *total_);
     line += Repeat("█", full) + Repeat("░", kCells - full) + " " + std::to_string(done * 100 / *total_) + " %";
   } else {
-    line += std::to_string(done_ / (1024U * 1024U)) + " MiB";
+    line += std::to_string(done_ / 1'048'576) + " MiB";
   }
   kiv::platform::WriteAll(kiv::platform::StandardStream::Error, line);
 }

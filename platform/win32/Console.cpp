@@ -1,8 +1,9 @@
 #include "platform/Console.h"
 
-// clang-format off: shellapi.h needs what windows.h defines
-#include <shellapi.h>
+// shellapi.h needs what windows.h defines.
+// clang-format off
 #include <windows.h>
+#include <shellapi.h>
 // clang-format on
 
 #include <algorithm>

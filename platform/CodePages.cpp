@@ -12,11 +12,11 @@ const CodePages& CurrentCodePages() noexcept {
   return *in_use;
 }
 
-ReplaceCodePages::ReplaceCodePages(const CodePages& replacement) noexcept : before_(in_use) {
+CodePagesInUse::CodePagesInUse(const CodePages& replacement) noexcept : before_(in_use) {
   in_use = &replacement;
 }
 
-ReplaceCodePages::~ReplaceCodePages() {
+CodePagesInUse::~CodePagesInUse() {
   in_use = before_;
 }
 

@@ -34,12 +34,12 @@ class CodePages {
 const CodePages& CurrentCodePages() noexcept;
 
 /// Puts other answers in use for as long as this object lives; for tests, which do so on one thread.
-class ReplaceCodePages {
+class CodePagesInUse {
  public:
-  explicit ReplaceCodePages(const CodePages& replacement) noexcept;
-  ~ReplaceCodePages();
-  ReplaceCodePages(const ReplaceCodePages&) = delete;
-  ReplaceCodePages& operator=(const ReplaceCodePages&) = delete;
+  explicit CodePagesInUse(const CodePages& replacement) noexcept;
+  ~CodePagesInUse();
+  CodePagesInUse(const CodePagesInUse&) = delete;
+  CodePagesInUse& operator=(const CodePagesInUse&) = delete;
 
  private:
   const CodePages* before_;

@@ -8,13 +8,16 @@
 
 #include "kivtools/c/BankAndLocalityCodes.h"
 #include "kivtools/c/Base.h"
+#include "kivtools/c/CodePages.h"
 #include "kivtools/c/DateArithmetic.h"
 #include "kivtools/c/DateText.h"
 #include "kivtools/c/FiscalCode.h"
 #include "kivtools/c/Grades.h"
+#include "kivtools/c/M1Encoding.h"
 #include "kivtools/c/Money.h"
 #include "kivtools/c/NumbersInWords.h"
 #include "kivtools/c/PersonalNumericCode.h"
 #include "kivtools/c/TextShaping.h"
+#include "kivtools/c/Transliteration.h"
 
 #endif

@@ -70,7 +70,7 @@ int32_t KivLastError(void) {
 
 KivLength KivLastErrorMessage(char* buffer, size_t capacity) {
   // Not through GiveText: asking for the message must not replace it.
-  return CopyOut({last_error.message.data(), last_error.length}, buffer, buffer == nullptr ? 0 : capacity);
+  return CopyOut(kiv::TextView(last_error.message.data(), last_error.length), buffer, buffer == nullptr ? 0 : capacity);
 }
 
 KivStatus KivInitialize(void) {

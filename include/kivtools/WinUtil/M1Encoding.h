@@ -10,7 +10,7 @@ namespace kiv {
 /// stands for a digit is random, so the same text does not give the same result twice. May be called from several
 /// threads.
 ///
-///     EncodeM1String("A")   // for example "b]XD": four times the length; DecodeM1String gives "A" back
+///     EncodeM1String("A")   // for example "bGi5": four times the length; DecodeM1String gives "A" back
 KIV_API Text EncodeM1String(TextView text);
 
 /// Turns what EncodeM1String gave back into the text. No character is refused: each stands for the digit that its code

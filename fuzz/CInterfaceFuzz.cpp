@@ -24,10 +24,10 @@ class Arguments {
 
   template <class Type>
   Type Next() {
-    if constexpr (std::is_same_v<Type, const char*>) {
-      return NextText();
-    } else if constexpr (std::is_same_v<Type, char*>) {
-      return NextBuffer();
+    if constexpr (std::is_same_v<Type, const char*> || std::is_same_v<Type, const std::uint16_t*>) {
+      return NextText<std::remove_const_t<std::remove_pointer_t<Type>>>();
+    } else if constexpr (std::is_same_v<Type, char*> || std::is_same_v<Type, std::uint16_t*>) {
+      return NextBuffer<std::remove_pointer_t<Type>>();
     } else if constexpr (std::is_same_v<Type, std::size_t>) {
       return size_;
     } else if constexpr (std::is_pointer_v<Type>) {
@@ -45,26 +45,40 @@ class Arguments {
   }
 
   void CheckSuccess(std::int64_t result) const {
-    for (const std::vector<char>& buffer : buffers_) {
-      // A function with two texts gives their lengths elsewhere.
-      const auto kept = textResults_ > 1
-                            ? static_cast<std::size_t>(std::find(buffer.begin(), buffer.end(), '\0') - buffer.begin())
-                            : std::min(static_cast<std::size_t>(result), buffer.size() - 1);
-      REQUIRE(buffer.empty() || (kept < buffer.size() && buffer[kept] == '\0'));
-    }
+    const auto check = [&](const auto& buffers) {
+      for (const auto& buffer : buffers) {
+        // A function with two texts gives their lengths elsewhere.
+        const auto kept = textResults_ > 1
+                              ? static_cast<std::size_t>(std::find(buffer.begin(), buffer.end(), 0) - buffer.begin())
+                              : std::min(static_cast<std::size_t>(result), buffer.size() - 1);
+        REQUIRE(buffer.empty() || (kept < buffer.size() && buffer[kept] == 0));
+      }
+    };
+    check(std::get<Memory<char>>(memory_).buffers);
+    check(std::get<Memory<std::uint16_t>>(memory_).buffers);
   }
 
   void CheckFailure() const {
-    const auto untouched = [](char byte) { return static_cast<unsigned char>(byte) == kUntouched; };
-    for (const std::list<std::vector<char>>* results : {&buffers_, &outputs_}) {
-      for (const std::vector<char>& bytes : *results) {
-        REQUIRE(std::all_of(bytes.begin(), bytes.end(), untouched));
+    const auto check = [](const auto& results) {
+      for (const auto& units : results) {
+        REQUIRE(std::all_of(units.begin(), units.end(),
+                            [](auto unit) { return static_cast<unsigned char>(unit) == kUntouched; }));
       }
-    }
+    };
+    check(outputs_);
+    check(std::get<Memory<char>>(memory_).buffers);
+    check(std::get<Memory<std::uint16_t>>(memory_).buffers);
   }
 
  private:
-  const char* NextText() {
+  template <class Unit>
+  struct Memory {
+    std::list<std::vector<Unit>> texts;
+    std::list<std::vector<Unit>> buffers;
+  };
+
+  template <class Unit>
+  const Unit* NextText() {
     if (data_.ConsumeIntegralInRange(0, 9) == 0) {
       size_ = data_.ConsumeBool() ? 0 : data_.ConsumeIntegral<std::size_t>();
       return nullptr;
@@ -72,24 +86,26 @@ class Arguments {
     const std::string text = data_.ConsumeRandomLengthString(200);
     const bool terminated = data_.ConsumeBool();
     // An allocation of its own, without a byte to spare.
-    std::vector<char>& bytes = texts_.emplace_back(text.begin(), text.end());
-    size_ = bytes.size();
+    std::vector<Unit>& units = std::get<Memory<Unit>>(memory_).texts.emplace_back(text.begin(), text.end());
+    size_ = units.size();
     if (terminated) {
-      bytes.push_back('\0');
+      units.push_back(0);
       size_ = KIV_ZERO_ENDED;
     }
-    bytes.shrink_to_fit();
-    return bytes.empty() ? "" : bytes.data();
+    units.shrink_to_fit();
+    static constexpr Unit kNone[] = {0};
+    return units.empty() ? kNone : units.data();
   }
 
-  char* NextBuffer() {
+  template <class Unit>
+  Unit* NextBuffer() {
     ++textResults_;
     if (data_.ConsumeIntegralInRange(0, 9) == 0) {
       size_ = data_.ConsumeBool() ? 0 : data_.ConsumeIntegral<std::size_t>();
       return nullptr;
     }
     const auto capacity = data_.ConsumeIntegralInRange<std::size_t>(0, 300);
-    std::vector<char>& buffer = buffers_.emplace_back(capacity, static_cast<char>(kUntouched));
+    auto& buffer = std::get<Memory<Unit>>(memory_).buffers.emplace_back(capacity, static_cast<Unit>(kUntouched));
     size_ = buffer.size();
     return buffer.data();
   }
@@ -105,9 +121,8 @@ class Arguments {
 
   FuzzedDataProvider& data_;
   std::size_t size_ = 0;
-  std::list<std::vector<char>> texts_;
+  std::tuple<Memory<char>, Memory<std::uint16_t>> memory_;
   std::list<std::vector<char>> outputs_;
-  std::list<std::vector<char>> buffers_;
   int textResults_ = 0;
 };
 
@@ -151,7 +166,9 @@ constexpr auto kCalls =
           KivDataNasteriiDinCNP_scurt, KivVarstaDinCNP, KivTestCodFiscal, KivValideazaIBAN, KivEsteIBAN,
           KivExtrageIBANdinIBANCuAnalitic, KivEliminaCoduriDinIBAN, KivValideazaSIRUTA, KivIncMonth, KivSetDayOfDate,
           KivSetShortDateFormat, KivCalcDurataTotala, KivCalcDurataTotalaText, KivTimeToStrDurataMS,
-          KivDateTimeToSmartStrimg, KivSmartStringToDateTime>();
+          KivDateTimeToSmartStrimg, KivSmartStringToDateTime,  //
+          KivStringToWideString, KivWideStringToString, KivUpCaseAsCodePage, KivRoToEn, KivRoText, KivCharReplace,
+          KivEncodeM1String, KivDecodeM1String>();
 
 }  // namespace
 

@@ -225,7 +225,7 @@ std::uint32_t NumberOfCharacterSet(std::string_view name) {
 WideText CodePages::ToWide(TextView text, std::uint32_t codePage) const {
   const std::uint32_t resolved = Resolved(codePage);
   if (resolved == kWindows1250) {
-    return windows1250::ToWide(text.substr(0, text.find('\0')));
+    return windows1250::ToWide(text);
   }
   const char* const name = ConverterName(resolved);
   return name == nullptr || text.empty() ? WideText() : UpToFirstZero(Decode(text, resolved, name));
@@ -234,7 +234,7 @@ WideText CodePages::ToWide(TextView text, std::uint32_t codePage) const {
 Text CodePages::FromWide(std::u16string_view wide, std::uint32_t codePage) const {
   const std::uint32_t resolved = Resolved(codePage);
   if (resolved == kWindows1250) {
-    return windows1250::FromWide(wide.substr(0, wide.find(u'\0')));
+    return windows1250::FromWide(wide);
   }
   const char* const name = ConverterName(resolved);
   return name == nullptr || wide.empty() ? Text() : UpToFirstZero(Encode(wide, resolved, name));

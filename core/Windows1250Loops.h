@@ -110,7 +110,9 @@ KIV_FOR_PROCESSOR inline unsigned char* CopyRun(const unsigned char* in, std::si
       return end;
     }
   }
-  std::memcpy(out, in + from, to - from);
+  if (from < to) {  // an empty text may have no address
+    std::memcpy(out, in + from, to - from);
+  }
   return end;
 }
 

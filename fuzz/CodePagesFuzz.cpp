@@ -3,6 +3,7 @@
 #include <fuzzer/FuzzedDataProvider.h>
 
 #include <optional>
+#include <vector>
 
 #include "core/Windows1250Codec.h"
 #include "fuzz/Property.h"
@@ -42,7 +43,7 @@ void ConvertWindows1250(TextView text, std::u16string_view wide) {
   }
 }
 
-std::optional<Text> FromUtf8(TextView utf8, const codec::Kernels& kernels) {
+std::optional<Text> TriedFromUtf8(TextView utf8, const codec::Kernels& kernels) {
   try {
     return codec::FromUtf8(utf8, kernels);
   } catch (const kiv::ConversionError&) {
@@ -71,8 +72,8 @@ void ConvertUtf8(TextView text) {
     REQUIRE(kiv::FromUtf8(utf8) == text);
   }
   const std::optional<Text> plain = PlainFromUtf8(text);
-  REQUIRE(FromUtf8(text, codec::BestKernels()) == plain);
-  REQUIRE(FromUtf8(text, codec::kPortableKernels) == plain);
+  REQUIRE(TriedFromUtf8(text, codec::BestKernels()) == plain);
+  REQUIRE(TriedFromUtf8(text, codec::kPortableKernels) == plain);
 }
 
 }  // namespace

@@ -8,7 +8,7 @@
 namespace kiv::windows1250 {
 
 /// The most units that one call of a UTF-8 kernel takes.
-inline constexpr std::size_t kWindow = 1024;
+inline constexpr std::size_t kWindow = 2048;
 /// What a UTF-8 kernel may overwrite in its output: its result, at most three bytes for each one, and this much more.
 inline constexpr std::size_t kSlack = 32;
 

@@ -52,9 +52,13 @@ struct Command {
   int (*run)(Session&, const Arguments&);
 };
 
+extern const Command kCheckCommand;
+extern const Command kCnpCommand;
 extern const Command kDateCommand;
+extern const Command kGradeCommand;
 extern const Command kInvoiceCommand;
 extern const Command kMoneyCommand;
+extern const Command kStripCommand;
 extern const Command kWordsCommand;
 
 }  // namespace kivtools

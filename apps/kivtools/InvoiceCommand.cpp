@@ -19,10 +19,10 @@ constexpr std::string_view kDetails =
     "names. The file says who sells and buys, then the lines:\n\n"
     "  seller,Moara Veche SRL                          fields are separated by , or ; (or tabulators) and quoted\n"
     "  seller_code,RO12345674                          with \" where they hold one; UTF-8\n"
-    "  seller_account,RO49AAAA1B31007593840000         may be left out\n"
+    "  seller_account,RO95ZZBK0001506072834001         may be left out\n"
     "  buyer,Cofetăria Țuțuianu SRL\n"
-    "  buyer_code,RO87654325                           may be left out\n"
-    "  buyer_account,RO09BCYP0000001234567890          may be left out\n"
+    "  buyer_code,RO121212125                          may be left out\n"
+    "  buyer_account,RO26ZZBK0002917364500122          may be left out\n"
     "  number,MV 1024\n"
     "  date,2026-03-05                                 or 05.03.2026\n"
     "  description,unit,quantity,unit_price,vat_rate\n"
@@ -30,7 +30,8 @@ constexpr std::string_view kDetails =
     "Amounts are Romanian (1.234,50) or plain (1234.50) with at most four decimals; 1.234 alone could be either and\n"
     "is refused. A line's value is quantity x price rounded to bani (halves away from zero); VAT is worked out on the\n"
     "sum of each rate. docs/invoice.md tells the rest.\n\n"
-    "A file that is not right is reported with its line and not printed; the exit code is then 2.\n\n"
+    "A file that is not right is reported with its line and not printed; the exit code is then 2. A fiscal code or an\n"
+    "account number that is wrong is reported and marked on the invoice; the exit code is then 1.\n\n"
     "Example:\n"
     "  kivtools invoice examples/invoice.csv\n";
 
@@ -82,7 +83,31 @@ Invoice ReadInvoiceFile(const std::string& file, const std::string& shownName) {
   }
 }
 
-void PrintFile(Session& session, const std::string& file, bool first) {
+/// Says which numbers of the parties are wrong.
+int ReportFaults(Session& session, const Invoice& invoice, const InvoiceFaults& faults, const std::string& shownName) {
+  const struct {
+    bool wrong;
+    const char* field;
+    const std::string& value;
+    const char* what;
+  } kNumbers[] = {
+      {faults.seller.code, "seller_code", invoice.seller.code, "a valid fiscal code"},
+      {faults.seller.account, "seller_account", invoice.seller.account, "a valid account number"},
+      {faults.buyer.code, "buyer_code", invoice.buyer.code, "a valid fiscal code"},
+      {faults.buyer.account, "buyer_account", invoice.buyer.account, "a valid account number"},
+  };
+  int result = kDone;
+  for (const auto& [wrong, field, value, what] : kNumbers) {
+    if (wrong) {
+      session.out.Flush();  // so that the message stands behind the invoice
+      session.Report(shownName + ": " + field + ": " + Shown(value) + " is not " + what);
+      result = kCheckSaidNo;
+    }
+  }
+  return result;
+}
+
+int PrintFile(Session& session, const std::string& file, bool first) {
   const std::string shownName = WhyNotPrintable(file).empty() ? file : Shown(file);
   const Invoice invoice = ReadInvoiceFile(file, shownName);
   InvoiceTotals totals;
@@ -92,7 +117,9 @@ void PrintFile(Session& session, const std::string& file, bool first) {
     throw InputError(shownName + ": " + error.what());
   }
   session.out.Write(first ? "" : "\n\n");
-  PrintInvoice(invoice, totals, session.Lib(), session.out);
+  const InvoiceFaults faults = FindFaults(invoice, session.Lib());
+  PrintInvoice(invoice, totals, faults, session.Lib(), session.out);
+  return ReportFaults(session, invoice, faults, shownName);
 }
 
 int RunInvoice(Session& session, const Arguments& arguments) {
@@ -110,7 +137,7 @@ int RunInvoice(Session& session, const Arguments& arguments) {
   bool first = true;
   for (const std::string& file : files) {
     try {
-      PrintFile(session, file, first);
+      result = std::max(result, PrintFile(session, file, first));
       first = false;
     } catch (const InputError& error) {
       session.out.Flush();  // so that the message stands behind the invoices before it

@@ -34,6 +34,26 @@ std::string Grouped(const std::string& account) {
   return grouped;
 }
 
+std::string Marked(const std::string& number, bool wrong) {
+  return wrong ? number + " (GREȘIT)" : number;
+}
+
+constexpr bool IsCapital(char character) noexcept {
+  return character >= 'A' && character <= 'Z';
+}
+
+bool IsForeign(std::string_view code) noexcept {
+  return code.size() > 2 && IsCapital(code[0]) && IsCapital(code[1]) && !code.starts_with("RO");
+}
+
+std::string_view WithoutRo(std::string_view code) noexcept {
+  if (code.starts_with("RO")) {
+    code.remove_prefix(2);
+    code.remove_prefix(std::min(code.find_first_not_of(' '), code.size()));
+  }
+  return code;
+}
+
 std::string Percent(std::int32_t rate) {
   std::string text = WritePlainAmount(std::int64_t{rate} * 100) + "%";
   std::replace(text.begin(), text.end(), '.', ',');
@@ -42,9 +62,11 @@ std::string Percent(std::int32_t rate) {
 
 class Printer {
  public:
-  Printer(const Invoice& invoice, const InvoiceTotals& totals, const Library& library, Output& out)
+  Printer(const Invoice& invoice, const InvoiceTotals& totals, const InvoiceFaults& faults, const Library& library,
+          Output& out)
       : invoice_(invoice),
         totals_(totals),
+        faults_(faults),
         library_(library),
         out_(out),
         progress_(2 * static_cast<std::uint64_t>(invoice.items.size())) {}
@@ -106,8 +128,9 @@ class Printer {
     const Party& seller = invoice_.seller;
     const Party& buyer = invoice_.buyer;
     PrintSides("Furnizor", seller.name, "Client", buyer.name);
-    PrintSides("CUI", seller.code, "CUI", buyer.code);
-    PrintSides("IBAN", Grouped(seller.account), "IBAN", Grouped(buyer.account));
+    PrintSides("CUI", Marked(seller.code, faults_.seller.code), "CUI", Marked(buyer.code, faults_.buyer.code));
+    PrintSides("IBAN", Marked(Grouped(seller.account), faults_.seller.account), "IBAN",
+               Marked(Grouped(buyer.account), faults_.buyer.account));
     out_.Write("\n");
   }
 
@@ -204,6 +227,7 @@ class Printer {
 
   const Invoice& invoice_;
   const InvoiceTotals& totals_;
+  const InvoiceFaults& faults_;
   const Library& library_;
   Output& out_;
   Progress progress_;
@@ -213,8 +237,19 @@ class Printer {
 
 }  // namespace
 
-void PrintInvoice(const Invoice& invoice, const InvoiceTotals& totals, const Library& library, Output& out) {
-  Printer(invoice, totals, library, out).Print();
+InvoiceFaults FindFaults(const Invoice& invoice, const Library& library) {
+  const auto find = [&library](const Party& party) {
+    const bool foreign = IsForeign(party.code);
+    return PartyFaults{
+        !party.code.empty() && !foreign && !library.Ask(library.FindPredicate("TestCodFiscal"), WithoutRo(party.code)),
+        !party.account.empty() && !library.Ask(library.FindPredicate("EsteIBAN"), party.account)};
+  };
+  return {find(invoice.seller), find(invoice.buyer)};
+}
+
+void PrintInvoice(const Invoice& invoice, const InvoiceTotals& totals, const InvoiceFaults& faults,
+                  const Library& library, Output& out) {
+  Printer(invoice, totals, faults, library, out).Print();
 }
 
 }  // namespace kivtools

@@ -42,6 +42,16 @@ std::string Library::ToUtf8(std::string_view text) const {
   return utf8;
 }
 
+std::string Library::FromUtf8(std::string_view utf8) const {
+  std::string text(utf8.size() + 1, '\0');
+  const KivLength length = KIVTOOLS_ENTRY(KivUtf8ToText)(utf8.data(), utf8.size(), text.data(), text.size());
+  if (length < 0) {
+    ThrowLastError();
+  }
+  text.resize(static_cast<std::size_t>(length));
+  return text;
+}
+
 void Library::ThrowLastError() const {
   std::array<char, 1024> message{};
   KIVTOOLS_ENTRY(KivLastErrorMessage)(message.data(), message.size());
@@ -102,13 +112,9 @@ std::string Library::MoneyExact(std::int64_t amount) const {
 }
 
 std::int64_t Library::ReadMoney(std::string_view utf8) const {
-  std::string text(utf8.size() + 1, '\0');
-  const KivLength length = KIVTOOLS_ENTRY(KivUtf8ToText)(utf8.data(), utf8.size(), text.data(), text.size());
-  if (length < 0) {
-    ThrowLastError();
-  }
+  const std::string text = FromUtf8(utf8);
   std::int64_t amount = 0;
-  Check(KIVTOOLS_ENTRY(KivRoStrToCurrency)(text.data(), static_cast<std::size_t>(length), &amount));
+  Check(KIVTOOLS_ENTRY(KivRoStrToCurrency)(text.data(), text.size(), &amount));
   return amount;
 }
 
@@ -123,6 +129,29 @@ std::string Library::DateText(const std::string& operation, double days) const {
     return Text(KIVTOOLS_ENTRY(KivDateToRoText_WithCode), days, 0, 0, 0, 0);
   }
   return Text(package_.Function<decltype(KivDateToRoText)>(("Kiv" + operation).c_str()), days);
+}
+
+std::string Library::Grade(std::int32_t grade, bool figures) const {
+  return Text(figures ? KIVTOOLS_ENTRY(KivNotaToTextScurt) : KIVTOOLS_ENTRY(KivNotaToTextLung), grade);
+}
+
+std::string Library::GradeInBrackets(std::int32_t grade, std::int32_t mode) const {
+  return Text(KIVTOOLS_ENTRY(KivNotaToStr), grade, mode);
+}
+
+std::string Library::WithoutDiacritics(std::string_view utf8) const {
+  const std::string text = FromUtf8(utf8);
+  return Text(KIVTOOLS_ENTRY(KivRoToEn), text.data(), text.size());
+}
+
+std::string Library::BirthDate(std::string_view code) const {
+  return Text(KIVTOOLS_ENTRY(KivDataNasteriiDinCNP), code.data(), code.size());
+}
+
+std::int32_t Library::Age(std::string_view code) const {
+  std::int32_t age = 0;
+  Check(KIVTOOLS_ENTRY(KivVarstaDinCNP)(code.data(), code.size(), &age));
+  return age;
 }
 
 }  // namespace kivtools

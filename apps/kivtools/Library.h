@@ -49,9 +49,38 @@ class Library {
   /// A moment in the form that the operation of that name writes. Example: "DateToRoCode" gives "05.03.2024".
   [[nodiscard]] std::string DateText(const std::string& operation, double days) const;
 
+  /// A grade times 100 in words, or with its hundredths in figures. Example: 950 gives "NOUĂ, CINCIZECI".
+  [[nodiscard]] std::string Grade(std::int32_t grade, bool figures) const;
+  /// A grade in brackets, in one of three modes. Example: 950 in mode 2 gives "(NOUĂ, 50)".
+  [[nodiscard]] std::string GradeInBrackets(std::int32_t grade, std::int32_t mode) const;
+
+  /// The text with its Romanian diacritics taken off. Example: "Țară" gives "Tara".
+  [[nodiscard]] std::string WithoutDiacritics(std::string_view utf8) const;
+
+  /// A function of the C interface that says yes or no to a code.
+  using Predicate = KivAnswer(const char*, std::size_t);
+  /// The one of that operation. Example: "EsteIBAN".
+  [[nodiscard]] Predicate* FindPredicate(const std::string& operation) const {
+    return package_.Function<Predicate>(("Kiv" + operation).c_str());
+  }
+  /// Its answer; a code that it cannot even convert is a no.
+  [[nodiscard]] bool Ask(Predicate* predicate, std::string_view code) const {
+    const KivAnswer answer = predicate(code.data(), code.size());
+    if (answer < 0 && answer != -KIV_ERROR_CONVERSION) {
+      ThrowLastError();
+    }
+    return answer == 1;
+  }
+
+  /// The birth date that a personal numeric code says, "CNP incorect" for one that is not valid.
+  [[nodiscard]] std::string BirthDate(std::string_view code) const;
+  /// The age that it says, in calendar years.
+  [[nodiscard]] std::int32_t Age(std::string_view code) const;
+
  private:
   [[noreturn]] void ThrowLastError() const;
   [[nodiscard]] std::string ToUtf8(std::string_view text) const;
+  [[nodiscard]] std::string FromUtf8(std::string_view utf8) const;
   void Check(KivStatus status) const;
 
   /// The text that a function of the C interface gives.

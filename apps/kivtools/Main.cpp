@@ -13,10 +13,8 @@ namespace kivtools {
 namespace {
 
 constexpr std::array kCommands = {
-    &kDateCommand,
-    &kInvoiceCommand,
-    &kMoneyCommand,
-    &kWordsCommand,
+    &kInvoiceCommand, &kWordsCommand, &kMoneyCommand, &kDateCommand,
+    &kGradeCommand,   &kCheckCommand, &kCnpCommand,   &kStripCommand,
 };
 
 std::string ProgramHelp() {

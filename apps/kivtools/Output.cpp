@@ -16,19 +16,28 @@ constexpr std::string_view kEraseLine = "\r\x1B[K";
 }  // namespace
 
 void Output::Write(std::string_view text) {
-  buffer_ += text;
-  if (buffer_.size() >= kBlock) {
+  if (text.size() < kBlock) {
+    buffer_ += text;
+    if (buffer_.size() >= kBlock) {
+      Flush();
+    }
+  } else {
     Flush();
+    Pass(text);
   }
 }
 
 void Output::Flush() {
+  Pass(buffer_);
+  buffer_.clear();
+}
+
+void Output::Pass(std::string_view bytes) {
   try {
-    kiv::platform::WriteAll(kiv::platform::StandardStream::Output, buffer_);
+    kiv::platform::WriteAll(kiv::platform::StandardStream::Output, bytes);
   } catch (const kiv::OsError& error) {
     throw OutputError("standard output: " + kiv::ToUtf8(error.what()));
   }
-  buffer_.clear();
 }
 
 void WriteError(std::string_view line) noexcept {

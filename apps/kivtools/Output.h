@@ -23,6 +23,8 @@ class Output {
   void Flush();
 
  private:
+  static void Pass(std::string_view bytes);
+
   std::string buffer_;
 };
 

@@ -1,0 +1,26 @@
+#include "apps/kivtools/Command.h"
+
+namespace kivtools {
+namespace {
+
+constexpr std::string_view kDetails =
+    "The age counts calendar years. A code that is not valid gives \"CNP incorect\" and the exit code 1.\n\n"
+    "Example:\n"
+    "  kivtools cnp 1800101221144\n";
+
+int RunCnp(Session& session, const Arguments& arguments) {
+  const std::string& code = arguments.Values().front();
+  const Library& library = session.Lib();
+  if (!library.Ask(library.FindPredicate("TestCNP"), code)) {
+    session.out.Write(library.BirthDate(code) + "\n");
+    return kCheckSaidNo;
+  }
+  session.out.Write("born  " + library.BirthDate(code) + "\nage   " + std::to_string(library.Age(code)) + "\n");
+  return kDone;
+}
+
+}  // namespace
+
+const Command kCnpCommand = {"cnp", "Tell what a personal numeric code says", "CODE", 1, 1, {}, kDetails, RunCnp};
+
+}  // namespace kivtools

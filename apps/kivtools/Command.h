@@ -54,6 +54,7 @@ struct Command {
 
 extern const Command kCheckCommand;
 extern const Command kCnpCommand;
+extern const Command kConvertCommand;
 extern const Command kDateCommand;
 extern const Command kGradeCommand;
 extern const Command kInvoiceCommand;

@@ -32,7 +32,9 @@ Library::Library()
     : package_(kiv::LoadedPackage::FromNativePath(FindLibrary())),
       textToUtf8_(KIVTOOLS_ENTRY(KivTextToUtf8)),
       moneyNoSpace_(KIVTOOLS_ENTRY(KivCurrencyToRoStrFaraSpatiu)),
-      scaledNumber_(KIVTOOLS_ENTRY(KivScrieFoarteFrumos)) {}
+      scaledNumber_(KIVTOOLS_ENTRY(KivScrieFoarteFrumos)),
+      toWide_(KIVTOOLS_ENTRY(KivStringToWideString)),
+      fromWide_(KIVTOOLS_ENTRY(KivWideStringToString)) {}
 
 std::string Library::ToUtf8(std::string_view text) const {
   constexpr std::int32_t kCommaBelow = 1;
@@ -152,6 +154,26 @@ std::int32_t Library::Age(std::string_view code) const {
   std::int32_t age = 0;
   Check(KIVTOOLS_ENTRY(KivVarstaDinCNP)(code.data(), code.size(), &age));
   return age;
+}
+
+std::vector<std::uint16_t> Library::ToWide(std::string_view bytes, std::int32_t codePage) const {
+  std::vector<std::uint16_t> wide(bytes.size() + 1);  // no byte gives more than one unit
+  const KivLength length = toWide_(bytes.data(), bytes.size(), codePage, wide.data(), wide.size());
+  if (length < 0) {
+    ThrowLastError();
+  }
+  wide.resize(std::min(static_cast<std::size_t>(length), wide.size() - 1));
+  return wide;
+}
+
+std::string Library::FromWide(std::span<const std::uint16_t> wide, std::int32_t codePage) const {
+  std::string bytes(wide.size() + 3, '\0');  // the library gives two bytes beyond the number of units at most
+  const KivLength length = fromWide_(wide.data(), wide.size(), codePage, bytes.data(), bytes.size());
+  if (length < 0) {
+    ThrowLastError();
+  }
+  bytes.resize(std::min(static_cast<std::size_t>(length), bytes.size() - 1));
+  return bytes;
 }
 
 }  // namespace kivtools

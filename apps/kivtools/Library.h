@@ -2,8 +2,10 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "apps/kivtools/InputError.h"
 #include "kivtools/Loader.h"
@@ -57,6 +59,10 @@ class Library {
   /// The text with its Romanian diacritics taken off. Example: "Țară" gives "Tara".
   [[nodiscard]] std::string WithoutDiacritics(std::string_view utf8) const;
 
+  /// Bytes in a numbered code page as UTF-16, and back; empty for a code page that does not exist. Both end at a zero.
+  [[nodiscard]] std::vector<std::uint16_t> ToWide(std::string_view bytes, std::int32_t codePage) const;
+  [[nodiscard]] std::string FromWide(std::span<const std::uint16_t> wide, std::int32_t codePage) const;
+
   /// A function of the C interface that says yes or no to a code.
   using Predicate = KivAnswer(const char*, std::size_t);
   /// The one of that operation. Example: "EsteIBAN".
@@ -88,10 +94,12 @@ class Library {
   std::string Text(Function* function, Arguments... arguments) const;
 
   kiv::LoadedPackage package_;
-  // Called for every line of an invoice; the others are looked up when they are needed.
+  // Called for every line of a file; the others are looked up when they are needed.
   decltype(KivTextToUtf8)* textToUtf8_;
   decltype(KivCurrencyToRoStrFaraSpatiu)* moneyNoSpace_;
   decltype(KivScrieFoarteFrumos)* scaledNumber_;
+  decltype(KivStringToWideString)* toWide_;
+  decltype(KivWideStringToString)* fromWide_;
 };
 
 }  // namespace kivtools

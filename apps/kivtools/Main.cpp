@@ -13,8 +13,8 @@ namespace kivtools {
 namespace {
 
 constexpr std::array kCommands = {
-    &kInvoiceCommand, &kWordsCommand, &kMoneyCommand, &kDateCommand,
-    &kGradeCommand,   &kCheckCommand, &kCnpCommand,   &kStripCommand,
+    &kInvoiceCommand, &kWordsCommand, &kMoneyCommand, &kDateCommand,    &kGradeCommand,
+    &kCheckCommand,   &kCnpCommand,   &kStripCommand, &kConvertCommand,
 };
 
 std::string ProgramHelp() {

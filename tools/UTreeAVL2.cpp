@@ -1,7 +1,6 @@
 #include "kivtools/UTreeAVL2.h"
 
 #include <algorithm>
-#include <array>
 #include <cstdlib>
 #include <cstring>
 #include <limits>
@@ -47,8 +46,7 @@ constexpr std::size_t kBlockHead = 16;
 constexpr std::int8_t kLeft = -1;
 constexpr std::int8_t kRight = 1;
 
-/// No tree of 2^31 nodes is higher than 44; the header comes on top.
-constexpr std::size_t kMaxPath = 48;
+constexpr std::size_t kNotRotated = 0;  // the level of the header
 
 template <class Value>
 Value Load(const std::byte* at) noexcept {
@@ -75,7 +73,7 @@ void SetBalance(std::byte* node, std::int8_t balance) noexcept {
 }
 
 std::size_t LinkOffset(std::int8_t side) noexcept {
-  return side == kLeft ? kLinks : kLinks + sizeof(std::uint32_t);
+  return kLinks + (side == kLeft ? 0 : sizeof(std::uint32_t));
 }
 
 std::uint32_t Child(const std::byte* node, std::int8_t side) noexcept {
@@ -86,13 +84,18 @@ void SetChild(std::byte* node, std::int8_t side, std::uint32_t link) noexcept {
   Store(node + LinkOffset(side), link);
 }
 
+/// One of two links, chosen without a branch: no predictor can guess which way a search goes.
+constexpr std::uint32_t Choose(bool first, std::uint32_t one, std::uint32_t other) noexcept {
+  return other ^ ((one ^ other) & (0U - static_cast<std::uint32_t>(first)));
+}
+
 constexpr std::int8_t Opposite(std::int8_t side) noexcept {
   return side == kLeft ? kRight : kLeft;
 }
 
-/// The side of `node` on which `key` belongs; the header, which has no key of its own, has everything on its right.
+/// The side of `node` on which `key` belongs.
 std::int8_t SideOf(const std::byte* node, std::int32_t key) noexcept {
-  return Key(node) > key ? kLeft : kRight;
+  return static_cast<std::int8_t>(1 - 2 * static_cast<int>(Key(node) > key));
 }
 
 std::int32_t SmallCapacityAfter(std::int32_t blockNumber) noexcept {
@@ -115,19 +118,12 @@ void AddToAvlMemory(std::uint32_t bytes) noexcept {
 
 }  // namespace
 
-/// The nodes from the header down to the one below which the search ended.
-class TKivAVLIndex::Path {
- public:
-  explicit Path(std::byte* header) noexcept { nodes_[0] = header; }
-  void Push(std::byte* node) noexcept { nodes_[++last_] = node; }
-  std::byte* Pop() noexcept { return nodes_[last_--]; }
-  [[nodiscard]] std::size_t Last() const noexcept { return last_; }
-  std::byte* operator[](std::size_t level) const noexcept { return nodes_[level]; }
-
- private:
-  std::array<std::byte*, kMaxPath> nodes_;
-  std::size_t last_ = 0;
-};
+void TKivAVLIndex::Path::Remove(std::size_t level) noexcept {
+  std::copy(nodes_.begin() + static_cast<std::ptrdiff_t>(level) + 1,
+            nodes_.begin() + static_cast<std::ptrdiff_t>(last_) + 1,
+            nodes_.begin() + static_cast<std::ptrdiff_t>(level));
+  --last_;
+}
 
 TKivAVLIndex::TKivAVLIndex(std::int32_t payloadSize, bool largeBuffers)
     : largeBuffers_(largeBuffers), stride_(0), payloadSize_(payloadSize) {
@@ -171,36 +167,68 @@ void* TKivAVLIndex::Find(std::int32_t key, bool insert) {
 }
 
 std::byte* TKivAVLIndex::InternalFind(std::int32_t key, bool insert) {
-  Path path(header_);
   std::uint32_t link = Child(header_, kRight);
   if (link == kNil && !insert) {
     return nullptr;
   }
-  while (link != kNil) {
+  if (link == kNil || key > largestKey_) {
+    return Append(key);
+  }
+  Path path(header_);
+  do {
     std::byte* const node = Resolve(link);
     const std::int32_t nodeKey = Key(node);
     if (nodeKey == key) {
       return node;
     }
     path.Push(node);
-    link = nodeKey > key ? Child(node, kLeft) : Child(node, kRight);
-  }
+    link = Choose(nodeKey > key, Child(node, kLeft), Child(node, kRight));
+  } while (link != kNil);
   // Absent: added whatever `insert` says.
-  const std::uint32_t freshLink = NewNode();
-  std::byte* const fresh = Resolve(freshLink);
-  Store(fresh + kKey, key);
-  std::byte* const parent = path[path.Last()];
-  SetChild(parent, parent == header_ ? kRight : SideOf(parent, key), freshLink);
-  Rebalance(path, fresh);
+  std::byte* const fresh = HangNode(path, key);
+  if (Rebalance(path, key) != kNotRotated) {
+    spineIsKnown_ = false;
+  }
   return fresh;
 }
 
-void TKivAVLIndex::Rebalance(const Path& path, std::byte* fresh) {
-  const std::int32_t key = Key(fresh);
+/// Adds a key greater than all others. Its way down is the right spine of the tree, which is kept from one such call to
+/// the next, so that keys that come in ascending order are added without a search.
+std::byte* TKivAVLIndex::Append(std::int32_t key) {
+  if (!spineIsKnown_) {
+    spine_ = Path(header_);
+    for (std::uint32_t link = Child(header_, kRight); link != kNil; link = Child(spine_.Bottom(), kRight)) {
+      spine_.Push(Resolve(link));
+    }
+  }
+  std::byte* const fresh = HangNode(spine_, key);
+  largestKey_ = key;
+  spineIsKnown_ = false;
+  const std::size_t rotated = Rebalance(spine_, key);
+  if (rotated != kNotRotated) {
+    spine_.Remove(rotated);  // it has become the left child of the node that followed it
+  }
+  spine_.Push(fresh);
+  spineIsKnown_ = true;
+  return fresh;
+}
+
+/// Takes a node for `key` and hangs it below the path's last node.
+std::byte* TKivAVLIndex::HangNode(const Path& path, std::int32_t key) {
+  const std::uint32_t link = NewNode();
+  std::byte* const fresh = Resolve(link);
+  Store(fresh + kKey, key);
+  SetChild(path.Bottom(), path.Last() == 0 ? kRight : SideOf(path.Bottom(), key), link);
+  return fresh;
+}
+
+/// Brings the balances on the path up to date after `key` was hung below its last node. Gives the level at which the
+/// tree was rotated, kNotRotated if it was not.
+std::size_t TKivAVLIndex::Rebalance(const Path& path, std::int32_t key) {
   if (path.Last() == 0) {
     SetBalance(header_, 1);
     Store(header_ + kKey, std::int32_t{1});
-    return;
+    return kNotRotated;
   }
   // Only the deepest node that leans to a side can be thrown out of balance; those below it become higher.
   std::size_t top = path.Last();
@@ -215,13 +243,17 @@ void TKivAVLIndex::Rebalance(const Path& path, std::byte* fresh) {
   if (Balance(node) == 0) {
     SetBalance(node, side);
     Store(header_ + kKey, Height() + 1);
-  } else if (Balance(node) == Opposite(side)) {
+    return kNotRotated;
+  }
+  if (Balance(node) == Opposite(side)) {
     SetBalance(node, 0);
-  } else if (Balance(node) == side) {
-    Rotate(path, top, side);
-  } else {
+    return kNotRotated;
+  }
+  if (Balance(node) != side) {
     throw AssertionFailure("UTreeAVL2", 266);
   }
+  Rotate(path, top, side);
+  return top;
 }
 
 /// Restores the balance of the node at level `top` of the path, whose subtree on `side` is two levels higher.
@@ -372,7 +404,7 @@ void TKivAVLIndex::Walk(const char* operation, const TKivAvlForEach& callback) c
   }
   Path ahead(header_);
   const auto descend = [&](std::uint32_t link) {
-    for (; link != kNil; link = Child(ahead[ahead.Last()], firstSide)) {
+    for (; link != kNil; link = Child(ahead.Bottom(), firstSide)) {
       ahead.Push(Resolve(link));
     }
   };

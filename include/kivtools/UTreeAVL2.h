@@ -2,6 +2,7 @@
 /// An index from 32-bit keys to payloads of one fixed size, whose entries never move.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -99,7 +100,22 @@ class KIV_API TKivAVLIndex {
   void ForEachPreOrder(const TKivAvlForEach& callback);
 
  private:
-  class Path;
+  /// Nodes one below another, from the header down. No tree of 2^31 nodes is higher than 44.
+  class Path {
+   public:
+    Path() noexcept : nodes_{} {}
+    explicit Path(std::byte* header) noexcept { nodes_[0] = header; }
+    void Push(std::byte* node) noexcept { nodes_[++last_] = node; }
+    std::byte* Pop() noexcept { return nodes_[last_--]; }
+    void Remove(std::size_t level) noexcept;
+    [[nodiscard]] std::size_t Last() const noexcept { return last_; }
+    [[nodiscard]] std::byte* Bottom() const noexcept { return nodes_[last_]; }
+    std::byte* operator[](std::size_t level) const noexcept { return nodes_[level]; }
+
+   private:
+    std::array<std::byte*, 48> nodes_;
+    std::size_t last_ = 0;
+  };
   struct Release {
     void operator()(void* memory) const noexcept;
   };
@@ -107,7 +123,9 @@ class KIV_API TKivAVLIndex {
   std::byte* Resolve(std::uint32_t link) const noexcept;
   NodeView View(std::uint32_t link) const noexcept;
   std::byte* InternalFind(std::int32_t key, bool insert);
-  void Rebalance(const Path& path, std::byte* fresh);
+  std::byte* Append(std::int32_t key);
+  std::byte* HangNode(const Path& path, std::int32_t key);
+  std::size_t Rebalance(const Path& path, std::int32_t key);
   void Rotate(const Path& path, std::size_t top, std::int8_t side);
   std::uint32_t NewNode();
   void FirstBuffer();
@@ -133,6 +151,10 @@ class KIV_API TKivAVLIndex {
   std::unique_ptr<std::uintptr_t[], Release> directory_;
   std::uint32_t directoryCapacity_ = 0;
   std::uint32_t runs_ = 0;
+  /// The largest key and, unless a rotation has changed them since, the nodes down to it.
+  std::int32_t largestKey_ = 0;
+  bool spineIsKnown_ = false;
+  Path spine_;
 };
 
 }  // namespace kiv

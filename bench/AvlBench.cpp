@@ -1,0 +1,279 @@
+#include <Judy.h>
+#include <absl/container/btree_map.h>
+#include <benchmark/benchmark.h>
+#include <malloc.h>
+
+#include <algorithm>
+#include <array>
+#include <boost/intrusive/avl_set.hpp>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <map>
+#include <memory>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "kivtools/UTreeAVL2.h"
+
+namespace {
+
+using Payload = std::int64_t;
+using Keys = std::vector<std::int32_t>;
+
+void Require(bool holds, const char* what) {
+  if (!holds) {
+    std::fprintf(stderr, "Avl: %s\n", what);
+    std::abort();
+  }
+}
+
+/// What every container offers to the benchmarks: Insert(key, payload), Find(key) and Walk(), the sum of all payloads
+/// weighted by their place, so that both order and content count.
+template <bool largeBuffers>
+class Kiv {
+ public:
+  void Insert(std::int32_t key, Payload payload) { std::memcpy(index_.Find(key, true), &payload, sizeof payload); }
+  Payload Find(std::int32_t key) { return Read(index_.Find(key, false)); }
+  std::uint64_t Walk() {
+    std::uint64_t place = 0;
+    std::uint64_t sum = 0;
+    index_.ForEachInOrder(
+        [&](std::int32_t, void* payload) { sum += ++place * static_cast<std::uint64_t>(Read(payload)); });
+    return sum;
+  }
+
+ private:
+  static Payload Read(const void* from) {
+    Payload payload = 0;
+    std::memcpy(&payload, from, sizeof payload);
+    return payload;
+  }
+  kiv::TKivAVLIndex index_{sizeof(Payload), largeBuffers};
+};
+
+/// Nodes come from blocks of 4096, as an engineer would do who wants speed and addresses that stay.
+class BoostAvlSet {
+ public:
+  ~BoostAvlSet() { set_.clear(); }
+  void Insert(std::int32_t key, Payload payload) {
+    Set::insert_commit_data place;
+    if (set_.insert_check(key, place).second) {
+      if (used_ == kBlock) {
+        blocks_.push_back(std::make_unique<Node[]>(kBlock));
+        used_ = 0;
+      }
+      Node& node = blocks_.back()[used_++];
+      node.key = key;
+      node.payload = payload;
+      set_.insert_commit(node, place);
+    }
+  }
+  Payload Find(std::int32_t key) { return set_.find(key)->payload; }
+  std::uint64_t Walk() {
+    std::uint64_t place = 0;
+    std::uint64_t sum = 0;
+    for (const Node& node : set_) {
+      sum += ++place * static_cast<std::uint64_t>(node.payload);
+    }
+    return sum;
+  }
+
+ private:
+  struct Node : boost::intrusive::avl_set_base_hook<boost::intrusive::link_mode<boost::intrusive::normal_link>> {
+    std::int32_t key;
+    Payload payload;
+  };
+  struct KeyOf {
+    using type = std::int32_t;
+    const type& operator()(const Node& node) const { return node.key; }
+  };
+  using Set = boost::intrusive::avl_set<Node, boost::intrusive::key_of_value<KeyOf>,
+                                        boost::intrusive::constant_time_size<false>>;
+  static constexpr std::size_t kBlock = 4096;
+  std::vector<std::unique_ptr<Node[]>> blocks_;
+  std::size_t used_ = kBlock;
+  Set set_;
+};
+
+template <class Map>
+class StdLike {
+ public:
+  void Insert(std::int32_t key, Payload payload) { map_.try_emplace(key, payload); }
+  Payload Find(std::int32_t key) { return map_.find(key)->second; }
+  std::uint64_t Walk() {
+    std::uint64_t place = 0;
+    std::uint64_t sum = 0;
+    for (const auto& entry : map_) {
+      sum += ++place * static_cast<std::uint64_t>(entry.second);
+    }
+    return sum;
+  }
+
+ private:
+  Map map_;
+};
+
+/// JudyL sorts keys as unsigned words.
+class JudyL {
+ public:
+  JudyL() = default;
+  JudyL(const JudyL&) = delete;
+  JudyL& operator=(const JudyL&) = delete;
+  ~JudyL() { JudyLFreeArray(&array_, PJE0); }
+  void Insert(std::int32_t key, Payload payload) {
+    *reinterpret_cast<Payload*>(JudyLIns(&array_, Word(key), PJE0)) = payload;
+  }
+  Payload Find(std::int32_t key) { return *reinterpret_cast<Payload*>(JudyLGet(array_, Word(key), PJE0)); }
+  std::uint64_t Walk() {
+    std::uint64_t place = 0;
+    std::uint64_t sum = 0;
+    Word_t key = 0;
+    for (PPvoid_t at = JudyLFirst(array_, &key, PJE0); at != nullptr; at = JudyLNext(array_, &key, PJE0)) {
+      sum += ++place * static_cast<std::uint64_t>(*reinterpret_cast<Payload*>(at));
+    }
+    return sum;
+  }
+
+ private:
+  static Word_t Word(std::int32_t key) { return static_cast<std::uint32_t>(key) ^ 0x80000000U; }
+  Pvoid_t array_ = nullptr;
+};
+
+/// Distinct keys spread over the whole range: a bijective mixer over 0, 1, 2, ...
+Keys RandomKeys(std::size_t count) {
+  Keys keys(count);
+  for (std::size_t i = 0; i < count; ++i) {
+    auto mixed = static_cast<std::uint32_t>(i);
+    mixed = (mixed ^ mixed >> 16U) * 0x85EBCA6BU;
+    mixed = (mixed ^ mixed >> 13U) * 0xC2B2AE35U;
+    keys[i] = static_cast<std::int32_t>(mixed ^ mixed >> 16U);
+  }
+  return keys;
+}
+
+Keys AscendingKeys(std::size_t count) {
+  Keys keys(count);
+  for (std::size_t i = 0; i < count; ++i) {
+    keys[i] = static_cast<std::int32_t>(i);
+  }
+  return keys;
+}
+
+/// Runs of 64 neighbouring keys at random places, as document numbers come by series.
+Keys ClusteredKeys(std::size_t count) {
+  const Keys places = RandomKeys(count / 64 + 1);
+  Keys keys(count);
+  for (std::size_t i = 0; i < count; ++i) {
+    keys[i] = static_cast<std::int32_t>((static_cast<std::uint32_t>(places[i / 64]) & ~63U) + i % 64);
+  }
+  return keys;
+}
+
+template <class Container>
+void Fill(Container& container, const Keys& keys) {
+  for (const std::int32_t key : keys) {
+    container.Insert(key, key);
+  }
+}
+
+template <class Container>
+void CheckAgainstMap(const Keys& keys) {
+  const Keys some(keys.begin(), keys.begin() + static_cast<std::ptrdiff_t>(std::min<std::size_t>(keys.size(), 5000)));
+  Container container;
+  StdLike<std::map<std::int32_t, Payload>> map;
+  Fill(container, some);
+  Fill(map, some);
+  Require(container.Walk() == map.Walk(), "walk");
+  Require(std::ranges::all_of(some, [&](std::int32_t key) { return container.Find(key) == key; }), "find");
+}
+
+void PerEntry(benchmark::State& state, std::size_t count) {
+  state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(count));
+  state.counters["ns_per_entry"] = benchmark::Counter(
+      static_cast<double>(count) * 1e-9, benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
+}
+
+std::size_t AllocatedBytes() {
+  const struct mallinfo2 info = mallinfo2();
+  return info.uordblks + info.hblkhd;
+}
+
+template <class Container>
+void Insert(benchmark::State& state, Keys (*make)(std::size_t), std::size_t count) {
+  const Keys keys = make(count);
+  CheckAgainstMap<Container>(keys);
+  double bytes = 0;
+  for (auto _ : state) {
+    state.PauseTiming();
+    const std::size_t before = AllocatedBytes();
+    auto container = std::make_unique<Container>();
+    state.ResumeTiming();
+    Fill(*container, keys);
+    state.PauseTiming();
+    bytes = static_cast<double>(AllocatedBytes() - before);
+    container.reset();
+    state.ResumeTiming();
+  }
+  PerEntry(state, count);
+  state.counters["bytes_per_entry"] = bytes / static_cast<double>(count);
+}
+
+template <class Container>
+void Find(benchmark::State& state, Keys (*make)(std::size_t), std::size_t count) {
+  Keys keys = make(count);
+  CheckAgainstMap<Container>(keys);
+  Container container;
+  Fill(container, keys);
+  std::ranges::shuffle(keys, std::mt19937(1));
+  for (auto _ : state) {
+    for (const std::int32_t key : keys) {
+      benchmark::DoNotOptimize(container.Find(key));
+    }
+  }
+  PerEntry(state, count);
+}
+
+template <class Container>
+void Walk(benchmark::State& state, Keys (*make)(std::size_t), std::size_t count) {
+  const Keys keys = make(count);
+  CheckAgainstMap<Container>(keys);
+  Container container;
+  Fill(container, keys);
+  for (auto _ : state) {
+    benchmark::DoNotOptimize(container.Walk());
+  }
+  PerEntry(state, count);
+}
+
+template <class Container>
+void RegisterAll(const std::string& who) {
+  const struct {
+    const char* name;
+    Keys (*make)(std::size_t);
+  } kKinds[] = {{"random", &RandomKeys}, {"ascending", &AscendingKeys}, {"clustered", &ClusteredKeys}};
+  for (const std::size_t count : {1'000U, 10'000U, 100'000U, 1'000'000U, 10'000'000U}) {
+    for (const auto& [kind, make] : kKinds) {
+      const auto add = [&, make = make](const std::string& operation, auto* run) {
+        const std::string name = "Avl/" + operation + "_" + kind + "_" + std::to_string(count) + "/" + who;
+        benchmark::RegisterBenchmark(name.c_str(), run, make, count)->Unit(benchmark::kMillisecond);
+      };
+      add("insert", &Insert<Container>);
+      add("find", &Find<Container>);
+      add("walk", &Walk<Container>);
+    }
+  }
+}
+
+[[maybe_unused]] const bool kRegistered = [] {
+  RegisterAll<Kiv<false>>("kiv");
+  RegisterAll<Kiv<true>>("kiv_large");
+  RegisterAll<BoostAvlSet>("boost_avl_set");
+  RegisterAll<StdLike<std::map<std::int32_t, Payload>>>("std_map");
+  RegisterAll<StdLike<absl::btree_map<std::int32_t, Payload>>>("absl_btree_map");
+  RegisterAll<JudyL>("judyl");
+  return true;
+}();
+
+}  // namespace

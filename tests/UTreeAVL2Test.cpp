@@ -101,12 +101,14 @@ TEST(AvlIndex, RandomCallsAgreeWithAModel) {
     bool largeBuffers;
     int calls;
     std::int64_t low, high;
+    int appended = 0;  // of ten keys, how many come right behind the largest one
   } kCases[] = {
       {0, false, 300, 0, 200},       {1, true, 300, -100, 100},    {2, false, 300, INT_MIN, INT_MAX},
       {3, false, 300, 0, 200},       {4, true, 1000, 0, 100'000},  {8, false, 2000, INT_MIN, INT_MAX},
       {21, false, 1000, -500, 1000}, {5000, false, 300, 0, 1'000},
+ {4, false, 3000, 0, 1'000'000, 5}, {4, false, 3000, 0, 1'000'000, 9},
   };
-  for (const auto& [payloadSize, largeBuffers, calls, low, high] : kCases) {
+  for (const auto& [payloadSize, largeBuffers, calls, low, high, appended] : kCases) {
     SCOPED_TRACE(payloadSize);
     const auto size = static_cast<std::size_t>(payloadSize);
     TKivAVLIndex index(payloadSize, largeBuffers);
@@ -115,7 +117,9 @@ TEST(AvlIndex, RandomCallsAgreeWithAModel) {
     EXPECT_EQ(index.Find(7, false), nullptr);
     EXPECT_EQ(index.NodeCount(), 1);
     for (int call = 0; call < calls; ++call) {
-      const auto key = static_cast<std::int32_t>(std::uniform_int_distribution(low, high)(random));
+      const bool append = call > 0 && static_cast<int>(random() % 10) < appended;
+      const auto key = append ? payloads.rbegin()->first + 1
+                              : static_cast<std::int32_t>(std::uniform_int_distribution(low, high)(random));
       void* const found = index.Find(key, call == 0 || random() % 2 == 0);
       const auto [entry, added] = payloads.try_emplace(key, found);
       ASSERT_EQ(found, entry->second) << key;

@@ -84,9 +84,10 @@ void SetChild(std::byte* node, std::int8_t side, std::uint32_t link) noexcept {
   Store(node + LinkOffset(side), link);
 }
 
-/// One of two links, chosen without a branch: no predictor can guess which way a search goes.
-constexpr std::uint32_t Choose(bool first, std::uint32_t one, std::uint32_t other) noexcept {
-  return other ^ ((one ^ other) & (0U - static_cast<std::uint32_t>(first)));
+/// The link on the side of a key other than the node's, by its address: no predictor can guess which way a search goes,
+/// and with a conditional the compilers branch.
+std::uint32_t NextLink(const std::byte* node, std::int32_t nodeKey, std::int32_t key) noexcept {
+  return Load<std::uint32_t>(node + kLinks + sizeof(std::uint32_t) * static_cast<std::size_t>(nodeKey < key));
 }
 
 constexpr std::int8_t Opposite(std::int8_t side) noexcept {
@@ -175,15 +176,18 @@ std::byte* TKivAVLIndex::InternalFind(std::int32_t key, bool insert) {
     return Append(key);
   }
   Path path(header_);
+  std::byte** bottom = path.Nodes();
   do {
     std::byte* const node = Resolve(link);
+    __builtin_prefetch(node);  // one node in five lies across two cache lines: the links' line is asked for together with the key's
     const std::int32_t nodeKey = Key(node);
     if (nodeKey == key) {
       return node;
     }
-    path.Push(node);
-    link = Choose(nodeKey > key, Child(node, kLeft), Child(node, kRight));
+    *++bottom = node;
+    link = NextLink(node, nodeKey, key);
   } while (link != kNil);
+  path.EndAt(bottom);
   // Absent: added whatever `insert` says.
   std::byte* const fresh = HangNode(path, key);
   if (Rebalance(path, key) != kNotRotated) {

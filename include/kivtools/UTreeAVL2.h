@@ -108,6 +108,8 @@ class KIV_API TKivAVLIndex {
     void Push(std::byte* node) noexcept { nodes_[++last_] = node; }
     std::byte* Pop() noexcept { return nodes_[last_--]; }
     void Remove(std::size_t level) noexcept;
+    std::byte** Nodes() noexcept { return nodes_.data(); }
+    void EndAt(std::byte** bottom) noexcept { last_ = static_cast<std::size_t>(bottom - nodes_.data()); }
     [[nodiscard]] std::size_t Last() const noexcept { return last_; }
     [[nodiscard]] std::byte* Bottom() const noexcept { return nodes_[last_]; }
     std::byte* operator[](std::size_t level) const noexcept { return nodes_[level]; }

@@ -103,10 +103,10 @@ TEST(AvlIndex, RandomCallsAgreeWithAModel) {
     std::int64_t low, high;
     int appended = 0;  // of ten keys, how many come right behind the largest one
   } kCases[] = {
-      {0, false, 300, 0, 200},       {1, true, 300, -100, 100},    {2, false, 300, INT_MIN, INT_MAX},
-      {3, false, 300, 0, 200},       {4, true, 1000, 0, 100'000},  {8, false, 2000, INT_MIN, INT_MAX},
-      {21, false, 1000, -500, 1000}, {5000, false, 300, 0, 1'000},
- {4, false, 3000, 0, 1'000'000, 5}, {4, false, 3000, 0, 1'000'000, 9},
+      {0, false, 300, 0, 200},           {1, true, 300, -100, 100},    {2, false, 300, INT_MIN, INT_MAX},
+      {3, false, 300, 0, 200},           {4, true, 1000, 0, 100'000},  {8, false, 2000, INT_MIN, INT_MAX},
+      {21, false, 1000, -500, 1000},     {5000, false, 300, 0, 1'000}, {4, false, 3000, 0, 1'000'000, 5},
+      {4, false, 3000, 0, 1'000'000, 9},
   };
   for (const auto& [payloadSize, largeBuffers, calls, low, high, appended] : kCases) {
     SCOPED_TRACE(payloadSize);

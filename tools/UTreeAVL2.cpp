@@ -179,7 +179,8 @@ std::byte* TKivAVLIndex::InternalFind(std::int32_t key, bool insert) {
   std::byte** bottom = path.Nodes();
   do {
     std::byte* const node = Resolve(link);
-    __builtin_prefetch(node);  // one node in five lies across two cache lines: the links' line is asked for together with the key's
+    __builtin_prefetch(
+        node);  // one node in five lies across two cache lines: the links' line is asked for together with the key's
     const std::int32_t nodeKey = Key(node);
     if (nodeKey == key) {
       return node;

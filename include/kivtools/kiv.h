@@ -7,6 +7,7 @@
 #define KIVTOOLS_KIV_H
 
 #include "kivtools/c/BankAndLocalityCodes.h"
+#include "kivtools/c/AvlIndex.h"
 #include "kivtools/c/Base.h"
 #include "kivtools/c/CodePages.h"
 #include "kivtools/c/DateArithmetic.h"
@@ -14,6 +15,7 @@
 #include "kivtools/c/FiscalCode.h"
 #include "kivtools/c/Grades.h"
 #include "kivtools/c/M1Encoding.h"
+#include "kivtools/c/LifetimeTracker.h"
 #include "kivtools/c/Money.h"
 #include "kivtools/c/NumbersInWords.h"
 #include "kivtools/c/PersonalNumericCode.h"

@@ -14,13 +14,15 @@ extern "C" {
 /** An index; only ever handled by its address. */
 typedef struct KivAVLIndex KivAVLIndex;
 
-/** A node of an index; valid as long as the index. */
+/** A node as it lay in the tree when it was asked for. */
 typedef struct KivAVLNode {
-  const KivAVLIndex* index;
-  void* payload; /**< null where there is no node */
+  int32_t key;
+  int32_t balance;      /**< -1 where the left subtree is one level higher, +1 where the right one is, else 0 */
+  void* payload;        /**< the address that KivAVLIndexFind gives */
+  const void* place[2]; /**< the library's own */
 } KivAVLNode;
 
-/** Called for each entry of a walk. Anything but 0 ends the walk, which then returns it. It may add keys. */
+/** Called for each entry of a walk. 0 goes on; a number above 0 ends the walk, which returns it. It may add keys. */
 typedef int32_t (*KivAvlForEach)(void* context, int32_t key, void* payload);
 
 /**
@@ -41,10 +43,19 @@ KIV_API KivStatus KivAVLIndexFind(KivAVLIndex* index, int32_t key, int32_t inser
 /** Stores the number of levels. Example: 2 after keys 1, 2, 3. */
 KIV_API KivStatus KivAVLIndexHeight(const KivAVLIndex* index, int32_t* height);
 
-/** Stores the top node, one whose payload is null on an empty index. Example: the node of key 2 after keys 1, 2, 3. */
-KIV_API KivStatus KivAVLIndexRoot(const KivAVLIndex* index, KivAVLNode* node);
+/** Whether there is a top node; if so it is stored. Example: 1, and `node->key` is 2 after keys 1, 2, 3. */
+KIV_API KivAnswer KivAVLIndexRoot(const KivAVLIndex* index, KivAVLNode* node);
 
-/** Calls back for each entry in ascending order; returns 0, what the callback returned to end the walk, or an error. */
+/** Whether a node has smaller keys below it; if so their top node is stored. Example: key 1 below key 2. */
+KIV_API KivAnswer KivAVLNodeLeft(const KivAVLNode* node, KivAVLNode* left);
+
+/** Whether a node has larger keys below it; if so their top node is stored. Example: key 3 below key 2. */
+KIV_API KivAnswer KivAVLNodeRight(const KivAVLNode* node, KivAVLNode* right);
+
+/**
+ * Calls back for each entry in ascending order; returns 0, what the callback ended the walk with, or a
+ * negated error code. Example: 0 after all entries.
+ */
 KIV_API int32_t KivAVLIndexForEachInOrder(KivAVLIndex* index, KivAvlForEach callback, void* context);
 
 /** The same in descending order; the name is historical. Example: keys 1 to 3 come as 3, 2, 1. */

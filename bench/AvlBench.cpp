@@ -7,7 +7,6 @@
 #include <array>
 #include <boost/intrusive/avl_set.hpp>
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <map>
 #include <memory>
@@ -15,19 +14,13 @@
 #include <string>
 #include <vector>
 
+#include "bench/Values.h"
 #include "kivtools/UTreeAVL2.h"
 
 namespace {
 
 using Payload = std::int64_t;
 using Keys = std::vector<std::int32_t>;
-
-void Require(bool holds, const char* what) {
-  if (!holds) {
-    std::fprintf(stderr, "Avl: %s\n", what);
-    std::abort();
-  }
-}
 
 /// What every container offers to the benchmarks: Insert(key, payload), Find(key) and Walk(), the sum of all payloads
 /// weighted by their place, so that both order and content count.
@@ -185,8 +178,9 @@ void CheckAgainstMap(const Keys& keys) {
   StdLike<std::map<std::int32_t, Payload>> map;
   Fill(container, some);
   Fill(map, some);
-  Require(container.Walk() == map.Walk(), "walk");
-  Require(std::ranges::all_of(some, [&](std::int32_t key) { return container.Find(key) == key; }), "find");
+  bench::Require(container.Walk() == map.Walk(), "walk of an index");
+  bench::Require(std::ranges::all_of(some, [&](std::int32_t key) { return container.Find(key) == key; }),
+                 "find in an index");
 }
 
 void PerEntry(benchmark::State& state, std::size_t count) {

@@ -1,6 +1,7 @@
 #include "kivtools/UDepanarePointer.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <cstring>
 #include <deque>
 #include <memory>
@@ -8,6 +9,7 @@
 #include <set>
 #include <unordered_set>
 
+#include "kivtools/TrackedInstance.h"
 #include "kivtools/UTreeAVL2.h"
 #include "tools/Units.h"
 
@@ -203,6 +205,36 @@ void RecordCaller(const void* object, TextView caller) {
 
 void RecordCaller(const void* object, const void* caller) {
   RecordCaller(object, std::to_string(LowBits(caller)));
+}
+
+std::function<void(const Error&)> OnTrackedInstanceError;
+
+void detail::NoteTrackedNew(const void* memory, TextView className) {
+  if (tracker != nullptr) {
+    DoNewInstance(memory, className);
+  }
+}
+
+bool detail::NoteTrackedDelete(const void* memory, const void* caller) noexcept {
+  if (memory == nullptr || tracker == nullptr) {
+    return true;
+  }
+  try {
+    DoFreeInstance(memory);
+  } catch (const Error& error) {
+    if (OnTrackedInstanceError) {
+      OnTrackedInstanceError(error);
+    } else {
+      std::fprintf(stderr, "%s\n", error.what());
+    }
+    return false;
+  }
+  try {
+    RecordCaller(memory, caller);
+  } catch (const std::exception&) {
+    // Without memory for it the caller stays unknown; the release has been noted.
+  }
+  return true;
 }
 
 void units::UDepanarePointer::StartUp() {

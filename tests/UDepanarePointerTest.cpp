@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "kivtools/Package.h"
+#include "kivtools/TrackedInstance.h"
 #include "kivtools/UDepanarePointer.h"
 
 namespace kiv {
@@ -109,6 +110,58 @@ TEST_F(LifetimeTracker, TellsFullAddressesApart) {
   }
 }
 
+int destroyed = 0;
+
+struct Plain final : TrackedInstance<Plain> {
+  explicit Plain(bool fails = false) {
+    if (fails) {
+      throw std::runtime_error("constructor");
+    }
+  }
+  ~Plain() { ++destroyed; }
+  int value = 7;
+};
+struct Base : TrackedInstance<Base> {
+  virtual ~Base() { ++destroyed; }
+};
+struct Padding {
+  virtual ~Padding() = default;
+  std::int64_t value = 0;
+};
+struct Derived final : Padding, Base {  // the tracked part does not lie at its start
+  ~Derived() override { ++destroyed; }
+};
+
+TEST_F(LifetimeTracker, TracksClassesThatDeriveFromTheMixIn) {
+  Text reported;
+  OnTrackedInstanceError = [&reported](const Error& error) { reported = error.what(); };
+  destroyed = 0;
+  auto* const plain = new Plain;
+  const void* const address = plain;
+  EXPECT_TRUE(IsValid(address));
+  EXPECT_EQ(plain->value, 7);
+  delete plain;
+  EXPECT_FALSE(IsValid(address));
+  EXPECT_EQ(destroyed, 1);
+  delete static_cast<Plain*>(const_cast<void*>(address));
+  EXPECT_EQ(destroyed, 1) << "a deleted object is left alone";
+  EXPECT_TRUE(reported.starts_with("Dai FreeInstance de 2 ori! Apelul anterior a venit de la adresa ")) << reported;
+
+  auto* const derived = new Derived;
+  const void* const whole = derived;
+  EXPECT_TRUE(IsValid(whole));
+  delete static_cast<Base*>(derived);
+  EXPECT_FALSE(IsValid(whole));
+  EXPECT_EQ(destroyed, 3);
+
+  reported.clear();
+  EXPECT_THROW(new Plain(true), std::runtime_error);
+  EXPECT_EQ(reported, "");
+  static_assert(detail::TypeName<std::vector<int>>().starts_with("std::vector<int"));
+  EXPECT_EQ(detail::TypeName<Text::value_type>(), "char");
+  OnTrackedInstanceError = nullptr;
+}
+
 TEST(LifetimeTrackerLifeCycle, RefusesWorkOutsideInitializeAndStartsEmptyAgain) {
   EXPECT_EQ(NewComplaint(At(16)), "DoNewInstance: biblioteca nu este pornita (Initialize)");
   EXPECT_NE(FreeComplaint(At(16)), "");
@@ -116,6 +169,7 @@ TEST(LifetimeTrackerLifeCycle, RefusesWorkOutsideInitializeAndStartsEmptyAgain) 
   EXPECT_NE(UnLockComplaint(At(16)), "");
   EXPECT_THROW(IsValid(At(16)), Error);
   EXPECT_THROW(LockObjectDestruction(At(16)), Error);
+  delete new Plain;  // works untracked
   for (int round = 0; round < 2; ++round) {
     Initialize();
     EXPECT_FALSE(IsValid(At(16)));

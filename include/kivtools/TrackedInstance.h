@@ -49,8 +49,9 @@ constexpr TextView TypeName() noexcept {
 template <class Derived>
 class TrackedInstance {
  public:
-  /// Allocates and reports. Throws std::bad_alloc where there is no memory.
-  static void* operator new(std::size_t size) {
+  /// Allocates and reports. Throws std::bad_alloc where there is no memory. Not inline, since compilers that see the
+  /// inner allocation warn of a mismatched release.
+  [[gnu::noinline]] static void* operator new(std::size_t size) {
     static_assert(alignof(Derived) <= __STDCPP_DEFAULT_NEW_ALIGNMENT__, "over-aligned classes cannot be tracked");
     void* const memory = ::operator new(size);
     try {
@@ -75,7 +76,7 @@ class TrackedInstance {
   }
 
   /// Where a constructor has thrown there is memory but no object.
-  static void operator delete(void* memory) {
+  [[gnu::noinline]] static void operator delete(void* memory) {
     if (detail::NoteTrackedDelete(memory, KIV_CALLER_ADDRESS())) {
       ::operator delete(memory);
     }

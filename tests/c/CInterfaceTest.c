@@ -109,11 +109,56 @@ static void TestOperations(void) {
   EXPECT(Gave(KivUtf8ToText("\xC8\x98", 2, buffer, sizeof buffer), "\xAA"));
 }
 
+static int32_t EndAtTwo(void* context, int32_t key, void* payload) {
+  *(int32_t*)context = key;
+  (void)payload;
+  return key == 2 ? 77 : 0;
+}
+
+static void TestAvlIndex(void) {
+  static const char zeros[8] = {0};
+  KivAVLIndex* index = NULL;
+  KivAVLNode root;
+  KivAVLNode child;
+  void* payload = &root;
+  int32_t number = 0;
+  KivSetAvlMemory(5);
+  EXPECT(KivAVLIndexCreate(-1, 0, &index) == -KIV_ERROR_GENERAL && index == NULL);
+  EXPECT(KivAVLIndexCreate(8, 0, &index) == KIV_OK);
+  EXPECT(KivAVLIndexFind(index, 1, 0, &payload) == KIV_OK && payload == NULL);
+  EXPECT(KivAVLIndexRoot(index, &root) == 0);
+  for (int32_t key = 1; key <= 3; ++key) {
+    EXPECT(KivAVLIndexFind(index, key, 1, &payload) == KIV_OK && memcmp(payload, zeros, 8) == 0);
+  }
+  EXPECT(KivAVLIndexRoot(index, &root) == 1 && root.key == 2 && root.balance == 0);
+  EXPECT(KivAVLNodeLeft(&root, &child) == 1 && child.key == 1 && KivAVLNodeLeft(&child, &child) == 0);
+  EXPECT(KivAVLNodeRight(&root, &child) == 1 && child.key == 3 && child.payload == payload);
+  EXPECT(KivAVLIndexHeight(index, &number) == KIV_OK && number == 2);
+  EXPECT(KivAVLIndexForEachInOrder(index, EndAtTwo, &number) == 77 && number == 2);
+  EXPECT(KivAVLIndexForEachPreOrder(index, NULL, NULL) == -KIV_ERROR_ARGUMENT);
+  EXPECT(KivAVLIndexFind(NULL, 1, 1, &payload) == -KIV_ERROR_ARGUMENT);
+  EXPECT(KivAvlMemory() == 5);
+  KivSetAvlMemory(0);
+  KivAVLIndexDestroy(index);
+  KivAVLIndexDestroy(NULL);
+}
+
+static void TestLifetimeTracker(void) {
+  EXPECT(KivDoNewInstance(buffer, "Tampon", KIV_ZERO_ENDED) == 1 && KivIsValid(buffer) == 1);
+  EXPECT(KivLockObjectDestruction(buffer) == KIV_OK && KivUnLockObjectDestruction(buffer) == KIV_OK);
+  EXPECT(KivIsValidOrBust(buffer) == 1 && KivDoFreeInstance(buffer) == 1 && KivIsValid(buffer) == 0);
+  EXPECT(KivRecordCaller(buffer, "x.c:1", KIV_ZERO_ENDED) == KIV_OK);
+  EXPECT(KivDoFreeInstance(buffer) == -KIV_ERROR_GENERAL);
+  EXPECT(LastMessageIs("Dai FreeInstance de 2 ori! Apelul anterior a venit de la adresa x.c:1"));
+}
+
 int main(void) {
   EXPECT(KivLastError() == KIV_OK);
   EXPECT(KivInitialize() == KIV_OK);
   TestBufferRules();
   TestErrorReport();
+  TestAvlIndex();
+  TestLifetimeTracker();
   TestOperations();
   EXPECT(KivFinalize() == KIV_OK);
   printf("%d failures\n", failures);

@@ -179,8 +179,8 @@ std::byte* TKivAVLIndex::InternalFind(std::int32_t key, bool insert) {
   std::byte** bottom = path.Nodes();
   do {
     std::byte* const node = Resolve(link);
-    __builtin_prefetch(
-        node);  // one node in five lies across two cache lines: the links' line is asked for together with the key's
+    // One node in five lies across two cache lines: ask for the links together with the key.
+    __builtin_prefetch(node);
     const std::int32_t nodeKey = Key(node);
     if (nodeKey == key) {
       return node;
@@ -313,8 +313,12 @@ std::uint32_t TKivAVLIndex::NewNode() {
     Store(currentBlock_ + kNextFree, link + (kLinksAreAddresses ? static_cast<std::uint32_t>(stride_) : 1U));
     Store(currentBlock_ + kFreeCount, Load<std::int32_t>(currentBlock_ + kFreeCount) - 1);
   }
-  // A payload below four bytes has nothing behind it that would be this node's.
-  std::memset(Resolve(link) + kPayload, 0, std::min<std::size_t>(static_cast<std::size_t>(payloadSize_), 4));
+  std::byte* const payload = Resolve(link) + kPayload;
+  if (payloadSize_ >= 4) {
+    Store(payload, std::uint32_t{0});
+  } else {
+    std::memset(payload, 0, static_cast<std::size_t>(payloadSize_));  // what lies behind is not this node's
+  }
   return link;
 }
 

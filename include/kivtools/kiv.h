@@ -6,8 +6,8 @@
 #ifndef KIVTOOLS_KIV_H
 #define KIVTOOLS_KIV_H
 
-#include "kivtools/c/BankAndLocalityCodes.h"
 #include "kivtools/c/AvlIndex.h"
+#include "kivtools/c/BankAndLocalityCodes.h"
 #include "kivtools/c/Base.h"
 #include "kivtools/c/CodePages.h"
 #include "kivtools/c/DateArithmetic.h"

@@ -415,7 +415,6 @@ void TKivAVLIndex::Walk(const char* operation, const TKivAvlForEach& callback) c
   const auto descend = [&](std::uint32_t link) {
     for (; link != kNil; link = Child(ahead.Bottom(), firstSide)) {
       ahead.Push(Resolve(link));
-      __builtin_prefetch(Resolve(Child(ahead.Bottom(), Opposite(firstSide))));  // needed once this subtree is done
     }
   };
   descend(Child(header_, kRight));

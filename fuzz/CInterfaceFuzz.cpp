@@ -168,7 +168,10 @@ constexpr auto kCalls =
           KivSetShortDateFormat, KivCalcDurataTotala, KivCalcDurataTotalaText, KivTimeToStrDurataMS,
           KivDateTimeToSmartStrimg, KivSmartStringToDateTime,  //
           KivStringToWideString, KivWideStringToString, KivUpCaseAsCodePage, KivRoToEn, KivRoText, KivCharReplace,
-          KivEncodeM1String, KivDecodeM1String>();
+          KivEncodeM1String, KivDecodeM1String,  //
+          KivStringHash, KivRemoveDualSlshPath, KivSmartRound, KivSmartRoundTo, KivCopiazaTextInClipboard,
+          KivAnalizeazaNrVersiune, KivNumarulDeVersiuneEsteValid, KivCompareNrVersiune, KivGetFileVersionKiv,
+          KivNamedFileVersionInfo, KivVersionFieldName>();
 
 }  // namespace
 

@@ -32,9 +32,6 @@ std::vector<std::string> ArgumentsAsUtf8(int count, char** arguments);
 /// Whether a person sees, or types, what goes through the stream.
 bool IsTerminal(StandardStream stream) noexcept;
 
-/// The file of the running program. Throws OsError where the system does not tell.
-std::filesystem::path ProgramFile();
-
 /// The path in an environment variable, nothing where it is not set or empty.
 std::optional<std::filesystem::path> PathFromEnvironment(const char* name);
 

@@ -10,6 +10,10 @@ namespace kiv::platform {
 /// characters. Example: on Windows the byte 0xFE becomes U+0163.
 std::filesystem::path PathFromText(TextView path);
 
+/// The reverse: a path as a Text. On Windows one with letters outside the code page is taken by its short name; throws
+/// OsError where it has none. Example: on Windows U+0163 becomes the byte 0xFE.
+Text TextFromPath(const std::filesystem::path& path);
+
 /// The system's temporary folder with its trailing separator. Throws OsError where the system names none.
 Text TemporaryFolder();
 

@@ -8,6 +8,7 @@
 #include <thread>
 #include <vector>
 
+#include "kivtools/CEVersionInfo.h"
 #include "kivtools/DateTime.h"
 #include "kivtools/Types.h"
 #include "kivtools/WideTools.h"
@@ -77,6 +78,14 @@ constexpr PureOperation kOperations[] = {
     [](std::uint32_t number) { return TextDeLatimeFixa(PadLeft(TextOf(number), 30, '.'), 25, "-"); },
     [](std::uint32_t number) { return TextDinGhilimele(TextInGhilimele(TextOf(number))); },
     [](std::uint32_t number) { return ScrieFoarteFrumos(number, 42); },
+    [](std::uint32_t number) {
+      StringList pieces = Explode("abc", TextOf(number), 5);
+      SplitTextOnSeparator(TextOf(number), "efg", pieces);
+      return pieces.back() + StringHash(TextOf(number)) + RemoveDualSlshPath(TextOf(number));
+    },
+    [](std::uint32_t number) { return std::to_string(SmartRoundTo(number / 8.0, -2)); },
+    [](std::uint32_t number) { return std::to_string(CompareNrVersiune(std::to_string(number), "7.1")); },
+    [](std::uint32_t number) { return NamedFileVersionInfo("no file " + std::to_string(number)); },
 };
 
 TEST(Threads, PureOperationsGiveInEightThreadsWhatTheyGiveInOne) {

@@ -54,12 +54,14 @@ struct Command {
 
 extern const Command kCheckCommand;
 extern const Command kCnpCommand;
+extern const Command kCompareVersionsCommand;
 extern const Command kConvertCommand;
 extern const Command kDateCommand;
 extern const Command kGradeCommand;
 extern const Command kInvoiceCommand;
 extern const Command kMoneyCommand;
 extern const Command kStripCommand;
+extern const Command kVersionCommand;
 extern const Command kWordsCommand;
 
 }  // namespace kivtools

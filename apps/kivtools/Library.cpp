@@ -2,8 +2,11 @@
 
 #include <algorithm>
 #include <array>
+#include <memory>
 
 #include "platform/Console.h"
+#include "platform/Paths.h"
+#include "platform/Program.h"
 
 /// The exported C function of that name, with its declared type.
 #define KIVTOOLS_ENTRY(name) package_.Function<decltype(name)>(#name)
@@ -15,7 +18,11 @@ std::filesystem::path FindLibrary() {
   if (const auto named = kiv::platform::PathFromEnvironment("KIVTOOLS_LIBRARY")) {
     return *named;
   }
-  const std::filesystem::path folder = kiv::platform::ProgramFile().parent_path();
+  const std::filesystem::path program = kiv::platform::ProgramFile();
+  if (program.empty()) {
+    throw InputError("the system does not tell where this program is; KIVTOOLS_LIBRARY can name the library");
+  }
+  const std::filesystem::path folder = program.parent_path();
   for (const char* const place : {".", "../lib", KIVTOOLS_LIBRARY_FOLDER}) {
     const std::filesystem::path file = (folder / place / KIVTOOLS_LIBRARY_FILE).lexically_normal();
     std::error_code error;
@@ -174,6 +181,27 @@ std::string Library::FromWide(std::span<const std::uint16_t> wide, std::int32_t 
   }
   bytes.resize(std::min(static_cast<std::size_t>(length), bytes.size() - 1));
   return bytes;
+}
+
+std::int32_t Library::CompareVersions(std::string_view a, std::string_view b) const {
+  const std::string left = FromUtf8(a);
+  const std::string right = FromUtf8(b);
+  std::int32_t difference = 0;
+  Check(KIVTOOLS_ENTRY(KivCompareNrVersiune)(left.data(), left.size(), right.data(), right.size(), &difference));
+  return difference;
+}
+
+std::vector<Library::VersionField> Library::VersionFields(const std::filesystem::path& file) const {
+  const std::string path = kiv::platform::TextFromPath(file);
+  const std::unique_ptr<KivStringList, decltype(KivStringListFree)*> list(KIVTOOLS_ENTRY(KivStringListNew)(),
+                                                                          KIVTOOLS_ENTRY(KivStringListFree));
+  Check(KIVTOOLS_ENTRY(KivVersionInfo)(path.data(), path.size(), list.get(), nullptr));
+  std::vector<VersionField> fields;
+  for (std::int32_t i = 0; i < KIV_VERSION_FIELDS; ++i) {
+    fields.push_back({Text(KIVTOOLS_ENTRY(KivVersionFieldName), i),
+                      Text(KIVTOOLS_ENTRY(KivStringListItem), list.get(), static_cast<std::size_t>(i))});
+  }
+  return fields;
 }
 
 }  // namespace kivtools

@@ -83,6 +83,16 @@ class Library {
   /// The age that it says, in calendar years.
   [[nodiscard]] std::int32_t Age(std::string_view code) const;
 
+  /// The difference of two version numbers. Example: "1.10" and "1.9" give 1.
+  [[nodiscard]] std::int32_t CompareVersions(std::string_view a, std::string_view b) const;
+
+  /// A text of a version resource by its name. Example: "FileVersion" and "5.12.0.341".
+  struct VersionField {
+    std::string name, value;
+  };
+  /// The texts of a file's version resource in the library's order.
+  [[nodiscard]] std::vector<VersionField> VersionFields(const std::filesystem::path& file) const;
+
  private:
   [[noreturn]] void ThrowLastError() const;
   [[nodiscard]] std::string ToUtf8(std::string_view text) const;

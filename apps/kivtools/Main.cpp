@@ -13,8 +13,8 @@ namespace kivtools {
 namespace {
 
 constexpr std::array kCommands = {
-    &kInvoiceCommand, &kWordsCommand, &kMoneyCommand, &kDateCommand,    &kGradeCommand,
-    &kCheckCommand,   &kCnpCommand,   &kStripCommand, &kConvertCommand,
+    &kInvoiceCommand, &kWordsCommand, &kMoneyCommand,   &kDateCommand,    &kGradeCommand,           &kCheckCommand,
+    &kCnpCommand,     &kStripCommand, &kConvertCommand, &kVersionCommand, &kCompareVersionsCommand,
 };
 
 std::string ProgramHelp() {
@@ -22,7 +22,7 @@ std::string ProgramHelp() {
       "Romanian business text and checks on the command line.\n\n"
       "Usage: kivtools COMMAND [OPTIONS] [ARGUMENTS]\n\nCommands:\n";
   for (const Command* const command : kCommands) {
-    help += "  " + PadEnd(command->name, 10) + std::string(command->summary) + "\n";
+    help += "  " + PadEnd(command->name, 18) + std::string(command->summary) + "\n";
   }
   return help +
          "\n  --help     this text; after a command, that command's\n"

@@ -13,5 +13,7 @@
 #include "kivtools/WinUtil/NumbersInWords.h"
 #include "kivtools/WinUtil/Paths.h"
 #include "kivtools/WinUtil/PersonalNumericCode.h"
+#include "kivtools/WinUtil/Strings.h"
 #include "kivtools/WinUtil/TextShaping.h"
 #include "kivtools/WinUtil/Transliteration.h"
+#include "kivtools/WinUtil/Versions.h"

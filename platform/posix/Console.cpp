@@ -48,15 +48,6 @@ bool IsTerminal(StandardStream stream) noexcept {
   return isatty(Descriptor(stream)) != 0;
 }
 
-std::filesystem::path ProgramFile() {
-  std::error_code error;
-  std::filesystem::path file = std::filesystem::read_symlink("/proc/self/exe", error);
-  if (error) {
-    throw OsError(error.value(), "/proc/self/exe: " + SystemText(error.value()));
-  }
-  return file;
-}
-
 std::optional<std::filesystem::path> PathFromEnvironment(const char* name) {
   const char* const value = std::getenv(name);
   return value != nullptr && *value != '\0' ? std::optional<std::filesystem::path>(value) : std::nullopt;

@@ -8,6 +8,10 @@ std::filesystem::path PathFromText(TextView path) {
   return {path};
 }
 
+Text TextFromPath(const std::filesystem::path& path) {
+  return path.native();
+}
+
 Text TemporaryFolder() {
   const char* const named = std::getenv("TMPDIR");
   Text folder = named != nullptr && *named != '\0' ? named : "/tmp";

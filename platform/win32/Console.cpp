@@ -74,16 +74,6 @@ bool IsTerminal(StandardStream stream) noexcept {
   return GetConsoleMode(StreamHandle(stream), &mode) != 0;
 }
 
-std::filesystem::path ProgramFile() {
-  std::wstring name(32768, L'\0');
-  const DWORD length = GetModuleFileNameW(nullptr, name.data(), static_cast<DWORD>(name.size()));
-  if (length == 0 || length == name.size()) {
-    ThrowLastError();
-  }
-  name.resize(length);
-  return {name};
-}
-
 std::optional<std::filesystem::path> PathFromEnvironment(const char* name) {
   const std::wstring wideName(name, name + std::strlen(name));
   std::wstring value(32768, L'\0');

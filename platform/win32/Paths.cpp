@@ -19,7 +19,7 @@ Text TextFromWidePath(const wchar_t* wide) {
       const DWORD length = GetShortPathNameW(wide, shortForm.data(), static_cast<DWORD>(shortForm.size()));
       const bool helps = length > 0 && length < shortForm.size() && std::wstring_view(shortForm.data()) != wide;
       if (!helps) {
-        throw SystemError("folderul are litere din afara Windows-1250", ERROR_NO_UNICODE_TRANSLATION);
+        throw SystemError("calea are litere din afara Windows-1250", ERROR_NO_UNICODE_TRANSLATION);
       }
       return TextFromWidePath(shortForm.data());
     }
@@ -37,6 +37,10 @@ std::filesystem::path PathFromText(TextView path) {
     wide.push_back(static_cast<wchar_t>(windows1250::ToUnicode(static_cast<unsigned char>(byte))));
   }
   return {wide};
+}
+
+Text TextFromPath(const std::filesystem::path& path) {
+  return TextFromWidePath(path.c_str());
 }
 
 Text TemporaryFolder() {

@@ -152,6 +152,56 @@ static void TestLifetimeTracker(void) {
   EXPECT(LastMessageIs("Dai FreeInstance de 2 ori! Apelul anterior a venit de la adresa x.c:1"));
 }
 
+static void TestListsAndVersions(void) {
+  const KivVariant text = {KIV_VARIANT_TEXT, 0, 0, "1.5", KIV_ZERO_ENDED};
+  const KivVariant amount = {KIV_VARIANT_CURRENCY, 25000, 0, NULL, 0};
+  const KivVariant unknown = {99, 0, 0, NULL, 0};
+  KivStringList* list = KivStringListNew();
+  KivFixedFileInfo fixedInfo;
+  double number = 77;
+  int32_t parts[4];
+
+  EXPECT(KivStringListAdd(list, "first", KIV_ZERO_ENDED) == KIV_OK && KivStringListCount(list) == 1);
+  EXPECT(KivSplitTextOnSeparator("a,b,,c", KIV_ZERO_ENDED, ",", 1, list) == KIV_OK && KivStringListCount(list) == 4);
+  EXPECT(Gave(KivStringListItem(list, 3, buffer, sizeof buffer), "c"));
+  EXPECT(KivStringListItem(list, 4, buffer, sizeof buffer) == -KIV_ERROR_LIST_INDEX);
+  EXPECT(LastMessageIs("KivStringListItem: indicele 4 nu exista intr-o lista de 4"));
+  EXPECT(KivExplode(",", 1, "a,b,,c", 6, 2, list) == KIV_OK && KivStringListCount(list) == 2);
+  EXPECT(Gave(KivStringListItem(list, 1, buffer, sizeof buffer), "b,,c"));
+  EXPECT(KivExplode(",", 1, NULL, 1, 2, list) == -KIV_ERROR_ARGUMENT && KivStringListCount(list) == 2);
+  EXPECT(KivStringListCount(NULL) == -KIV_ERROR_ARGUMENT && KivStringListClear(NULL) == -KIV_ERROR_ARGUMENT);
+  EXPECT(KivStringListClear(list) == KIV_OK && KivStringListCount(list) == 0);
+
+  EXPECT(Gave(KivStringHash("A", 1, buffer, sizeof buffer), "130"));
+  EXPECT(Gave(KivRemoveDualSlshPath("c:\\\\a", KIV_ZERO_ENDED, buffer, sizeof buffer), "c:\\a"));
+  EXPECT(KivSmartRound(2.5, &number) == KIV_OK && number == 3);
+  EXPECT(KivSmartRoundTo(0.125, -2, &number) == KIV_OK && number == 0.13);
+  EXPECT(KivSmartRoundTo(1, 128, &number) == -KIV_ERROR_ARGUMENT && number == 0.13);
+  EXPECT(KivSmartRound(1e300, &number) == -KIV_ERROR_GENERAL && number == 0.13);
+  EXPECT(KivTrimestruLuna(12) == 4 && KivTrimestruLuna(13) == -1 && KivMaxInt(2, 3) == 3 && KivMinInt(2, 3) == 2);
+  EXPECT(KivVarToDateDef(&text, 0, &number) == KIV_OK && number == 1.5);
+  EXPECT(KivVarToIntDef(&amount, 0, &parts[0]) == KIV_OK && parts[0] == 2);
+  EXPECT(KivVarToIntDef(&unknown, 0, &parts[0]) == -KIV_ERROR_ARGUMENT);
+  EXPECT(KivLogOnUserName(buffer, sizeof buffer) > 0 && KivEsteWindowsVista() >= 0);
+  EXPECT(KivCopiazaTextInClipboard("text", 4) == KIV_OK);
+
+  EXPECT(KivAnalizeazaNrVersiune(&parts[0], &parts[1], &parts[2], &parts[3], "4.5x", 4) == 0);
+  EXPECT(parts[0] == 4 && parts[1] == 5 && parts[2] == 0 && parts[3] == 0);
+  EXPECT(KivNumarulDeVersiuneEsteValid("1.2.3.", KIV_ZERO_ENDED) == 1);
+  EXPECT(KivCompareNrVersiune("1.10", 4, "1.9", 3, &parts[0]) == KIV_OK && parts[0] == 1);
+  EXPECT(KivCompareNrVersiune("x", 1, "1.9", 3, &parts[0]) == -KIV_ERROR_GENERAL);
+  EXPECT(LastMessageIs("x nu este un numar de versiune valid"));
+  EXPECT(Gave(KivGetFileVersionKiv("", 0, buffer, sizeof buffer), "<info not available>"));
+  EXPECT(KivNamedFileVersionInfo("", 0, buffer, sizeof buffer) == 83 && KivThisExeVersionInfo(NULL, 0) == 83);
+  EXPECT(KivVersionInfo("", 0, list, &fixedInfo) == KIV_OK && KivStringListCount(list) == KIV_VERSION_FIELDS);
+  EXPECT(fixedInfo.numbers[0] == 0);
+  EXPECT(Gave(KivVersionFieldName(KIV_VERSION_INTERNAL_NAME, buffer, sizeof buffer), "InternalName"));
+  EXPECT(Gave(KivVersionFieldName(KIV_VERSION_BUILD, buffer, sizeof buffer), "Build"));
+  EXPECT(KivVersionFieldName(14, buffer, sizeof buffer) == -KIV_ERROR_ARGUMENT);
+  KivStringListFree(list);
+  KivStringListFree(NULL);
+}
+
 int main(void) {
   EXPECT(KivLastError() == KIV_OK);
   EXPECT(KivInitialize() == KIV_OK);
@@ -160,6 +210,7 @@ int main(void) {
   TestAvlIndex();
   TestLifetimeTracker();
   TestOperations();
+  TestListsAndVersions();
   EXPECT(KivFinalize() == KIV_OK);
   printf("%d failures\n", failures);
   return failures != 0;

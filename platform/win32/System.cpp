@@ -1,0 +1,34 @@
+#include "platform/System.h"
+
+#include <windows.h>
+
+#include <array>
+
+#include "core/WideText.h"
+
+namespace kiv::platform {
+
+Text UserName() {
+  std::array<wchar_t, 1024> wide{};
+  auto length = static_cast<DWORD>(wide.size());
+  if (GetUserNameW(wide.data(), &length) == 0) {
+    return {};
+  }
+  Text name;
+  for (const wchar_t* at = wide.data(); *at != L'\0'; ++at) {
+    name.push_back(ShownByte(static_cast<char16_t>(*at)));
+  }
+  return name;
+}
+
+std::int32_t MajorVersion() {
+  OSVERSIONINFOW version{};
+  version.dwOSVersionInfoSize = sizeof version;
+  return GetVersionExW(&version) != 0 ? static_cast<std::int32_t>(version.dwMajorVersion) : 0;
+}
+
+std::uint16_t UserLanguage() {
+  return GetUserDefaultLangID();
+}
+
+}  // namespace kiv::platform

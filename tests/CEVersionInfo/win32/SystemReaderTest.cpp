@@ -1,0 +1,222 @@
+// The library's reader of version resources against the system's own.
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <filesystem>
+#include <fstream>
+#include <optional>
+#include <random>
+#include <sstream>
+#include <string>
+
+#include "kivtools/CEVersionInfo.h"
+#include "kivtools/WinUtil/Versions.h"
+
+namespace kiv {
+namespace {
+
+using namespace literals;
+namespace fs = std::filesystem;
+
+constexpr TextView kNone = "<info not available>";
+
+/// The ten strings in the order of InfoStr, then the fixed information as bytes; kNone ten times and nothing where
+/// there is no resource.
+using Answer = StringList;
+
+/// An answer in one line.
+std::string Joined(const Answer& answer) {
+  std::string joined;
+  for (const Text& text : answer) {
+    for (const char byte : text) {
+      char hexadecimal[3];
+      std::snprintf(hexadecimal, sizeof hexadecimal, "%02x", static_cast<unsigned char>(byte));
+      joined += hexadecimal;
+    }
+    joined += ' ';
+  }
+  return joined;
+}
+
+Text To1250(const wchar_t* text, UINT length) {
+  std::wstring cut(text, length);
+  cut.resize(std::min(cut.find(L'\0'), cut.size()));
+  for (wchar_t& letter : cut) {  // the library takes today's letters with a comma below for those with a cedilla
+    letter = letter == L'\u0219' ? L'\u015F' : letter == L'\u021B' ? L'\u0163' : letter;
+  }
+  Text bytes(cut.size() * 2, '\0');
+  const int count = WideCharToMultiByte(1250, WC_NO_BEST_FIT_CHARS, cut.data(), static_cast<int>(cut.size()),
+                                        bytes.data(), static_cast<int>(bytes.size()), "?", nullptr);
+  bytes.resize(static_cast<std::size_t>(count));
+  return bytes;
+}
+
+/// What the system says; nothing where it has no translation, which the library answers in its own way.
+std::optional<Answer> AskSystem(const fs::path& path) {
+  Answer answer(10, Text(kNone));
+  DWORD ignored = 0;
+  const DWORD size = GetFileVersionInfoSizeW(path.c_str(), &ignored);
+  std::vector<std::uint8_t> block(size);
+  if (size == 0 || GetFileVersionInfoW(path.c_str(), 0, size, block.data()) == 0) {
+    answer.emplace_back();
+    return answer;
+  }
+  void* value = nullptr;
+  UINT length = 0;
+  const bool narrow = block[4] >= ' ';  // of a 16-bit program: single bytes, as they are
+  const BOOL listed = narrow ? VerQueryValueA(block.data(), "\\\\VarFileInfo\\\\Translation", &value, &length)
+                             : VerQueryValueW(block.data(), L"\\\\VarFileInfo\\\\Translation", &value, &length);
+  if (listed == 0 || length < 4) {
+    return std::nullopt;
+  }
+  char table[64];
+  const auto* const translation = static_cast<const std::uint16_t*>(value);
+  wsprintfA(table, "\\\\StringFileInfo\\\\%.4x%.4x\\\\", translation[0], translation[1]);
+  for (std::size_t i = 0; i < answer.size(); ++i) {
+    const Text key = table + InfoStr[i];
+    if (narrow) {
+      const bool found = VerQueryValueA(block.data(), key.c_str(), &value, &length) != 0;
+      answer[i] = found ? static_cast<const char*>(value) : "";
+    } else {
+      const std::wstring wideKey(key.begin(), key.end());
+      const bool found = VerQueryValueW(block.data(), wideKey.c_str(), &value, &length) != 0;
+      answer[i] = found ? To1250(static_cast<const wchar_t*>(value), length) : Text();
+    }
+  }
+  const bool found = VerQueryValueW(block.data(), L"\\", &value, &length) != 0;
+  answer.emplace_back(static_cast<const char*>(value), found ? std::min<UINT>(length, 52) : 0);
+  return answer;
+}
+
+Answer AskLibrary(const fs::path& path) {
+  TCEVersionInfo info;
+  info.GetInfo(path.string());
+  Answer answer = {info.CompanyName,    info.FileDescription, info.FileVersion,      info.Internalname,
+                   info.LegalCopyright, info.LegalTradeMarks, info.OriginalFilename, info.ProductName,
+                   info.ProductVersion, info.Comments};
+  static_assert(sizeof(FixedFileInfo) == 52);
+  const bool available = answer[0] != kNone;
+  answer.emplace_back(reinterpret_cast<const char*>(&info.FixedInfo()), available ? 52 : 0);
+  return answer;
+}
+
+TEST(SystemReader, AgreesOnEveryFileOfTheSystem) {
+  std::size_t files = 0;
+  std::size_t withResource = 0;
+  for (const auto& entry : fs::recursive_directory_iterator(L"C:\\", fs::directory_options::skip_permission_denied)) {
+    const auto extension = entry.path().extension();
+    if (entry.is_regular_file() && (extension == L".dll" || extension == L".exe")) {
+      const auto expected = AskSystem(entry.path());
+      ASSERT_TRUE(expected) << entry.path();
+      EXPECT_EQ(AskLibrary(entry.path()), *expected) << entry.path();
+      ++files;
+      withResource += (*expected)[0] != kNone ? 1 : 0;
+    }
+  }
+  std::cout << files << " files, " << withResource << " with a version resource\n";
+  EXPECT_GT(files, 500U);
+  EXPECT_GT(withResource, 100U);
+}
+
+TEST(SystemReader, AgreesOnFilesWithOneByteWrong) {
+  // The system's reader crashes on some damaged files, so it is asked in child processes: one at a time answers file
+  // after file until it ends or dies, and the next one goes on behind the file that killed it.
+  const fs::path folder = fs::temp_directory_path() / "damaged";
+  fs::create_directories(folder);
+  std::ifstream original(fs::path(KIV_VERSION_FILES) / "complet_i686.dll", std::ios::binary);
+  const std::string image{std::istreambuf_iterator<char>(original), {}};
+  if (image.empty()) {
+    GTEST_SKIP() << "no complet_i686.dll: install the package binutils-mingw-w64-i686";
+  }
+  std::mt19937 random(1'205);
+  const std::size_t resources = image.find("V\0S\0_\0V\0E\0R\0", 0, 12) - 6;
+  constexpr int kFiles = 1'000;
+  for (int i = 0; i < kFiles; ++i) {
+    std::string damaged = image;
+    const std::size_t at = i % 4 == 0 ? random() % damaged.size() : resources + random() % (damaged.size() - resources);
+    damaged[at] = static_cast<char>(random());
+    std::ofstream(folder / (std::to_string(i) + ".dll"), std::ios::binary) << damaged;
+  }
+
+  int crashes = 0;
+  int available = 0;
+  int same = 0;
+  const std::string kRefused = Joined(*AskSystem(folder));
+  for (int next = 0; next < kFiles;) {
+    SetEnvironmentVariableW(L"KIV_FIRST_DAMAGED", std::to_wstring(next).c_str());
+    wchar_t command[MAX_PATH * 2];
+    GetModuleFileNameW(nullptr, command, MAX_PATH);
+    wcscat(command, L" --gtest_also_run_disabled_tests --gtest_brief=1 --gtest_filter=*DISABLED_AnswersAsAChild");
+    STARTUPINFOW startup{};
+    startup.cb = sizeof startup;
+    PROCESS_INFORMATION child{};
+    ASSERT_NE(CreateProcessW(nullptr, command, nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &child), 0);
+    WaitForSingleObject(child.hProcess, INFINITE);
+    CloseHandle(child.hProcess);
+    CloseHandle(child.hThread);
+    std::ifstream answers(folder / "answers", std::ios::binary);
+    std::string line;
+    const int first = next;
+    while (std::getline(answers, line)) {
+      const Answer mine = AskLibrary(folder / (std::to_string(next) + ".dll"));
+      // Each may refuse what the other still reads; but the same text they read the same, up to where the library sees
+      // the block end that the text stands in.
+      if (mine[0] != kNone && line != "no answer" && line != kRefused) {
+        std::istringstream mineTexts(Joined(mine));
+        std::istringstream theirTexts(line);
+        std::string mineText;
+        std::string theirText;
+        while (std::getline(mineTexts, mineText, ' ') && std::getline(theirTexts, theirText, ' ')) {
+          EXPECT_TRUE(theirText.starts_with(mineText)) << next << ": " << mineText << " and " << theirText;
+        }
+        same += Joined(mine) == line ? 1 : 0;
+        ++available;
+      }
+      ++next;
+    }
+    if (next < kFiles) {
+      ++crashes;
+      ++next;
+    }
+    ASSERT_GT(next, first);
+  }
+  std::cout << kFiles << " damaged files, " << available << " still read by both, " << same << " alike, " << crashes
+            << " crashes of the system\n";
+  EXPECT_GT(available, kFiles / 2);
+  EXPECT_GT(same, available - available / 50);
+  fs::remove_all(folder);
+}
+
+LONG WINAPI EndAtOnce(EXCEPTION_POINTERS* /*what*/) {
+  TerminateProcess(GetCurrentProcess(), 1);
+  return EXCEPTION_EXECUTE_HANDLER;
+}
+
+TEST(SystemReader, DISABLED_AnswersAsAChild) {
+  SetUnhandledExceptionFilter(EndAtOnce);
+  const fs::path folder = fs::temp_directory_path() / "damaged";
+  std::ofstream answers(folder / "answers", std::ios::binary | std::ios::trunc);
+  for (int i = std::stoi(std::getenv("KIV_FIRST_DAMAGED")); fs::exists(folder / (std::to_string(i) + ".dll")); ++i) {
+    std::optional<Answer> answer;
+    try {
+      answer = AskSystem(folder / (std::to_string(i) + ".dll"));
+    } catch (const std::bad_alloc&) {  // the system believes in a resource of gigabytes
+    }
+    answers << (answer ? Joined(*answer) : "no answer") << std::endl;
+  }
+}
+
+TEST(SystemReader, PathsHaveTheLibrarysLetters) {
+  const fs::path folder = fs::temp_directory_path();
+  copy_file(fs::path(KIV_VERSION_FILES) / "complet_i686.dll", folder / L"\u0162ar\u0103.dll");
+  EXPECT_EQ(GetFileVersionKiv(folder.string() + Text("Ţară.dll"_ro)), "5.12.0.341");
+  remove(folder / L"\u0162ar\u0103.dll");
+}
+
+TEST(SystemReader, ThisProgramsOwnVersion) {
+  EXPECT_EQ(ThisExeVersionInfo(), "5.12.0.341") << "the resource linked into this program";
+  EXPECT_EQ(TCEVersionInfo().Internalname, "facturi");
+}
+
+}  // namespace
+}  // namespace kiv

@@ -79,7 +79,7 @@ class BoostAvlSet {
     Payload payload;
   };
   struct KeyOf {
-    using type = std::int32_t;
+    using type = std::int32_t;  // NOLINT(readability-identifier-naming): the name that boost looks for
     const type& operator()(const Node& node) const { return node.key; }
   };
   using Set = boost::intrusive::avl_set<Node, boost::intrusive::key_of_value<KeyOf>,
@@ -249,7 +249,7 @@ void RegisterAll(const std::string& who) {
   } kKinds[] = {{"random", &RandomKeys}, {"ascending", &AscendingKeys}, {"clustered", &ClusteredKeys}};
   for (const std::size_t count : {1'000U, 10'000U, 100'000U, 1'000'000U, 10'000'000U}) {
     for (const auto& [kind, make] : kKinds) {
-      const auto add = [&, make = make](const std::string& operation, auto* run) {
+      const auto add = [&, kind = kind, make = make](const std::string& operation, auto* run) {
         const std::string name = "Avl/" + operation + "_" + kind + "_" + std::to_string(count) + "/" + who;
         benchmark::RegisterBenchmark(name.c_str(), run, make, count)->Unit(benchmark::kMillisecond);
       };

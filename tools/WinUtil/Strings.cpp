@@ -32,6 +32,9 @@ class Separators {
 
   /// The first separator from `at` on, `end` where there is none.
   [[nodiscard]] const char* Next(const char* at, const char* end) const {
+    if (at == end) {
+      return end;  // an empty text may have no address
+    }
     if (single_) {
       const void* const found = std::memchr(at, character_, static_cast<std::size_t>(end - at));
       return found != nullptr ? static_cast<const char*>(found) : end;

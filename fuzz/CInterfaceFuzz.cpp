@@ -17,6 +17,12 @@ namespace {
 
 constexpr unsigned char kUntouched = 0xA5;
 
+/// The one list that all calls of an input fill, read and clear.
+KivStringList* SharedList() {
+  static KivStringList* const list = KivStringListNew();
+  return list;
+}
+
 /// Makes arguments by their types, from left to right: a size follows the pointer that it belongs to.
 class Arguments {
  public:
@@ -30,6 +36,8 @@ class Arguments {
       return NextBuffer<std::remove_pointer_t<Type>>();
     } else if constexpr (std::is_same_v<Type, std::size_t>) {
       return size_;
+    } else if constexpr (std::is_convertible_v<KivStringList*, Type>) {
+      return data_.ConsumeIntegralInRange(0, 9) == 0 ? nullptr : SharedList();
     } else if constexpr (std::is_pointer_v<Type>) {
       return NextObject<std::remove_const_t<std::remove_pointer_t<Type>>>();
     } else if constexpr (std::is_floating_point_v<Type>) {
@@ -151,7 +159,9 @@ constexpr auto Calls() {
 }
 
 constexpr auto kCalls =
-    Calls<KivTextToUtf8, KivUtf8ToText, KivVersion,         //
+    Calls<KivTextToUtf8, KivUtf8ToText, KivVersion,  //
+          KivExplode, KivSplitTextOnSeparator, KivStringListAdd, KivStringListClear, KivStringListCount,
+          KivStringListItem,                                //
           KivInLitere, KivInLitereCurrency, KivInLitereMF,  //
           KivCurrencyToRoStr, KivCurrencyToRoStrFaraSpatiu, KivCurrencyToRoStrRON, KivRoStrToCurrency,
           KivScrieFoarteFrumos, KivEncodeDate, KivDecodeDate, KivDateToRoText, KivDateToRoText2, KivDateToRoText3,
@@ -177,6 +187,7 @@ constexpr auto kCalls =
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
   FuzzedDataProvider data(bytes, size);
+  KivStringListClear(SharedList());
   while (data.remaining_bytes() > 0) {
     kCalls[data.ConsumeIntegralInRange<std::size_t>(0, kCalls.size() - 1)](data);
   }

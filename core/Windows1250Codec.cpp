@@ -54,18 +54,21 @@ std::size_t AppendCharacter(Text& text, std::string_view utf8, std::size_t posit
 
 WideText ToWide(TextView text, const Kernels& kernels) {
   WideText wide;
-  wide.reserve(text.size());
-  while (!text.empty()) {
-    const TextView piece = text.substr(0, kPiece);
+  const auto append = [&](TextView piece) {
     const std::size_t length = std::min(piece.find('\0'), piece.size());
     AppendFilled(wide, length, [&](char16_t* out) {
       kernels.toWide(Bytes(piece), length, out);
       return length;
     });
-    if (length < piece.size()) {
-      break;
-    }
-    text.remove_prefix(length);
+    return length == piece.size();
+  };
+  if (text.size() <= kPiece) {
+    append(text);
+    return wide;
+  }
+  wide.reserve(text.size());
+  while (!text.empty() && append(text.substr(0, kPiece))) {
+    text.remove_prefix(std::min(text.size(), kPiece));
   }
   return wide;
 }

@@ -1,4 +1,5 @@
-// Calls every function of the C interface with random, null and contradictory arguments. Whatever it is given, it must
+// Calls the functions of the C interface with random, null and contradictory arguments; handles, tracked addresses and
+// variants, whose bytes cannot be made up, have tests of their own. Whatever it is given, it must
 // keep its promises: a length or a negated code that KivLastError confirms, results untouched on failure, a terminated
 // buffer on success, and no byte touched outside what the caller owns (the sanitizers watch that).
 #include <fuzzer/FuzzedDataProvider.h>

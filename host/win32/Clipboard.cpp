@@ -76,9 +76,8 @@ class Win32Clipboard : public Clipboard {
     const auto* const wide = memory != nullptr ? static_cast<const wchar_t*>(GlobalLock(memory)) : nullptr;
     if (wide != nullptr) {
       const std::size_t most = GlobalSize(memory) / sizeof(wchar_t);
-      for (std::size_t i = 0; i < most && wide[i] != L'\0'; ++i) {
-        text.push_back(ShownByte(static_cast<char16_t>(wide[i])));
-      }
+      const std::wstring_view units(wide, most);
+      text = ShownText(units.substr(0, units.find(L'\0')));
       GlobalUnlock(memory);
     }
     return text;

@@ -21,11 +21,13 @@ namespace kiv {
 KIV_API bool DoNewInstance(const void* address, TextView className);
 
 /// The same for an object of the host framework, which knows its class. Throws Error for null.
+/// Example: `DoNewInstance(&form)`.
 KIV_API bool DoNewInstance(const host::Object* object);
 
 /// Reports that an object was released. Always true. Throws Error
 /// "Dai FreeInstance pentru un obiect care nu exista!" for one never reported and "Dai FreeInstance de 2 ori!" for one
 /// released before, followed by " Apelul anterior a venit de la adresa " and the caller if RecordCaller named one.
+/// Example: `DoFreeInstance(p)` after `DoNewInstance(p, "TBuffer")`.
 KIV_API bool DoFreeInstance(const void* object);
 
 /// Whether an object was reported and is not released.
@@ -36,14 +38,16 @@ KIV_API bool IsValid(const void* object);
 /// ("Obiectul pe care-l verifici NU A EXISTAT NICIODATA!!!! (4096)", with the low 32 bits of the address as a signed
 /// number), one released by a recorded caller ("Obiectul a fost distrus! Apelul anterior a venit de la adresa
 /// 4198400"), one released by an unknown one ("Obiectul nu-i bun si nu pot verifica apelul").
+/// Example: `IsValidOrBust(p)` is true between `DoNewInstance(p, "TBuffer")` and `DoFreeInstance(p)`.
 KIV_API bool IsValidOrBust(const void* object);
 
 /// Notes that an object must not be destroyed for now; noting it twice changes nothing. Null is ignored. A record only:
-/// DoFreeInstance does not consult it.
+/// DoFreeInstance does not consult it. Example: `LockObjectDestruction(p)`.
 KIV_API void LockObjectDestruction(const void* object);
 
 /// Takes an object off that record. Null is ignored. Throws Error
 /// "Incerci sa deblochezi un obiect care nu a fost in prealabil blocat" for one that is not on it.
+/// Example: `UnLockObjectDestruction(p)`; a second one throws.
 KIV_API void UnLockObjectDestruction(const void* object);
 
 /// Adds a caller to what is known about a reported object, so that a later error can say where the call before it came
@@ -56,6 +60,7 @@ KIV_API void UnLockObjectDestruction(const void* object);
 KIV_API void RecordCaller(const void* object, TextView caller);
 
 /// The same for a code address, such as KIV_CALLER_ADDRESS(); shown as the low 32 bits in decimal, signed.
+/// Example: `RecordCaller(p, KIV_CALLER_ADDRESS())`.
 KIV_API void RecordCaller(const void* object, const void* caller);
 
 /// Within a function: the address to which it returns, that is the place it was called from.

@@ -14,11 +14,7 @@ Text UserName() {
   if (GetUserNameW(wide.data(), &length) == 0) {
     return {};
   }
-  Text name;
-  for (const wchar_t* at = wide.data(); *at != L'\0'; ++at) {
-    name.push_back(ShownByte(static_cast<char16_t>(*at)));
-  }
-  return name;
+  return ShownText(std::wstring_view(wide.data()));
 }
 
 std::int32_t MajorVersion() {

@@ -4,6 +4,8 @@
 
 #include <array>
 
+#include "core/WideText.h"
+
 namespace kiv::platform {
 
 // In the user's language, as Windows-1250; "?" stands for letters that the code page lacks.
@@ -14,10 +16,7 @@ Text SystemText(std::int32_t code) {
   while (length > 0 && (wide[length - 1] == L'\r' || wide[length - 1] == L'\n' || wide[length - 1] == L' ')) {
     --length;
   }
-  Text text;
-  for (DWORD i = 0; i < length; ++i) {
-    text.push_back(static_cast<char>(windows1250::FromUnicode(wide[i]).value_or('?')));
-  }
+  Text text = ShownText(std::wstring_view(wide.data(), length));
   return text.empty() ? "eroarea " + std::to_string(code) : text;
 }
 

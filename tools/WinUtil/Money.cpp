@@ -15,10 +15,6 @@ namespace {
 constexpr std::int64_t kUnit = 10'000;  // ten-thousandths in one leu
 constexpr std::uint64_t kMostRaw = std::numeric_limits<std::int64_t>::max();
 
-bool IsDigit(char character) {
-  return character >= '0' && character <= '9';
-}
-
 /// The magnitude as an unsigned number: the smallest amount has no positive counterpart in 64 signed bits.
 std::uint64_t Magnitude(std::int64_t value) {
   const auto bits = static_cast<std::uint64_t>(value);

@@ -9,10 +9,6 @@ namespace {
 
 constexpr TextView kBlanks = "\t\n\r ";
 
-bool IsDigit(char character) {
-  return character >= '0' && character <= '9';
-}
-
 /// The word at the front of `text`, which then starts behind it.
 TextView TakeWord(TextView& text) {
   text.remove_prefix(std::min(text.find_first_not_of(kBlanks), text.size()));

@@ -17,10 +17,6 @@ struct Overloaded : Cases... {
 template <class... Cases>
 Overloaded(Cases...) -> Overloaded<Cases...>;
 
-bool IsDigit(char character) {
-  return character >= '0' && character <= '9';
-}
-
 /// Takes the digits at the front off `rest`; returns them.
 TextView TakeDigits(TextView& rest) {
   std::size_t count = 0;

@@ -37,6 +37,7 @@ KIV_API Text WideStringToString(std::u16string_view wide, std::int32_t codePage)
 /// True where the operating system is of the Unicode family (every current one). The first answer is kept. Throws Error
 /// on a system of an older family that has no answer: "*NU* Rulez pe Win 3.1" on the 16-bit one, "Nu am reusit sa
 /// determin daca OS-ul are suport pentru Unicode sau nu" on one that is not known.
+/// Example: true on Linux and on every Windows since 2000.
 KIV_API bool IsWinOsUnicode();
 
 /// Always the empty Text, whatever the arguments: hosts rely on it. Example: `UpCaseAsCodePage("a", 1250)` is "".

@@ -31,7 +31,7 @@ typedef int32_t (*KivAvlForEach)(void* context, int32_t key, void* payload);
  */
 KIV_API KivStatus KivAVLIndexCreate(int32_t payloadSize, int32_t largeBuffers, KivAVLIndex** index);
 
-/** Frees an index; null is ignored. Payload addresses end with it. */
+/** Frees an index; null is ignored. Payload addresses end with it. Example: KivAVLIndexDestroy(index); */
 KIV_API void KivAVLIndexDestroy(KivAVLIndex* index);
 
 /**

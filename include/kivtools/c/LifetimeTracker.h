@@ -21,7 +21,7 @@ KIV_API KivAnswer KivDoFreeInstance(const void* object);
 /** Whether an object was reported and is not released. Example: 0 after KivDoFreeInstance. */
 KIV_API KivAnswer KivIsValid(const void* object);
 
-/** 1 for an object that was reported and is not released; fails for any other. */
+/** 1 for an object that was reported and is not released; fails for any other. Example: 1 after KivDoNewInstance. */
 KIV_API KivAnswer KivIsValidOrBust(const void* object);
 
 /** Notes that an object must not be destroyed for now; null is ignored. Example: 0. */

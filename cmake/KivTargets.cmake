@@ -1,3 +1,17 @@
+# The library's sources are what the folders hold: a new file needs no list. kiv_library_sources(PATTERN...) adds those of
+# the calling folder; a pattern is a path from there, "**" goes through the folders below.
+function(kiv_library_sources)
+  foreach(pattern ${ARGN})
+    if(pattern MATCHES "\\*\\*/")
+      string(REPLACE "**/" "" pattern ${pattern})
+      file(GLOB_RECURSE found CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${pattern})
+    else()
+      file(GLOB found CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${pattern})
+    endif()
+    target_sources(kiv_sources INTERFACE ${found})
+  endforeach()
+endfunction()
+
 # What every target of this build shares.
 function(kiv_setup_target target)
   target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wshadow $<$<COMPILE_LANGUAGE:CXX>:-Wconversion>)

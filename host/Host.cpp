@@ -2,12 +2,18 @@
 
 #include <algorithm>
 
+#include "core/Service.h"
 #include "host/BuiltIn.h"
 
 namespace kiv::host {
 namespace {
 
-Host* installed = nullptr;
+Host& BuiltInHost() noexcept {
+  static Host builtIn;
+  return builtIn;
+}
+
+constinit Service<Host> host_service(&BuiltInHost);
 
 }  // namespace
 
@@ -30,9 +36,7 @@ Component::~Component() {
 }
 
 Host::~Host() {
-  if (installed == this) {
-    installed = nullptr;
-  }
+  host_service.Withdraw(*this);
 }
 
 Clipboard& Host::Clipboard() {
@@ -52,12 +56,11 @@ void Host::RegisterComponent(const ComponentClass& componentClass) {
 }
 
 void Install(Host& host) noexcept {
-  installed = &host;
+  host_service.Replace(&host);
 }
 
 Host& Current() noexcept {
-  static Host builtIn;
-  return installed != nullptr ? *installed : builtIn;
+  return host_service.Current();
 }
 
 }  // namespace kiv::host

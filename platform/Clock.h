@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/Service.h"
 #include "kivtools/DateTime.h"
 
 namespace kiv::platform {
@@ -17,19 +18,6 @@ class Clock {
 const Clock& SystemClock() noexcept;
 
 /// The clock that everything in the library reads: the system's, unless another one is in use.
-const Clock& CurrentClock() noexcept;
-
-/// Puts another clock in use for the whole process while this object lives; for tests. Not for several threads at a
-/// time.
-class ClockInUse {
- public:
-  explicit ClockInUse(const Clock& clock) noexcept;
-  ~ClockInUse();
-  ClockInUse(const ClockInUse&) = delete;
-  ClockInUse& operator=(const ClockInUse&) = delete;
-
- private:
-  const Clock* previous_;
-};
+extern constinit Service<const Clock> clock_service;
 
 }  // namespace kiv::platform

@@ -3,21 +3,13 @@
 namespace kiv::platform {
 namespace {
 
-const CodePages kSystem;
-const CodePages* in_use = &kSystem;
+const CodePages& SystemCodePages() noexcept {
+  static const CodePages system;
+  return system;
+}
 
 }  // namespace
 
-const CodePages& CurrentCodePages() noexcept {
-  return *in_use;
-}
-
-CodePagesInUse::CodePagesInUse(const CodePages& replacement) noexcept : before_(in_use) {
-  in_use = &replacement;
-}
-
-CodePagesInUse::~CodePagesInUse() {
-  in_use = before_;
-}
+constinit Service<const CodePages> code_pages_service(&SystemCodePages);
 
 }  // namespace kiv::platform

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 
+#include "core/Service.h"
 #include "kivtools/Text.h"
 
 namespace kiv::platform {
@@ -30,19 +31,7 @@ class CodePages {
   [[nodiscard]] virtual std::int32_t FamilyOfSystem() const;
 };
 
-/// The answers in use: the system's own.
-const CodePages& CurrentCodePages() noexcept;
-
-/// Puts other answers in use for as long as this object lives; for tests, which do so on one thread.
-class CodePagesInUse {
- public:
-  explicit CodePagesInUse(const CodePages& replacement) noexcept;
-  ~CodePagesInUse();
-  CodePagesInUse(const CodePagesInUse&) = delete;
-  CodePagesInUse& operator=(const CodePagesInUse&) = delete;
-
- private:
-  const CodePages* before_;
-};
+/// The answers in use: the system's own, unless a test puts others in their place.
+extern constinit Service<const CodePages> code_pages_service;
 
 }  // namespace kiv::platform

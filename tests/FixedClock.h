@@ -14,7 +14,7 @@ class FixedClock : public platform::Clock {
 
  private:
   DateTime now_;
-  platform::ClockInUse inUse_{*this};
+  Replacement<const platform::Clock> inUse_{platform::clock_service, *this};
 };
 
 }  // namespace kiv

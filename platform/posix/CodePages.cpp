@@ -45,7 +45,7 @@ constexpr struct {
 
 /// The numbers 0, 1 and 3 stand for the system's own narrow code page.
 std::uint32_t Resolved(std::uint32_t codePage) {
-  return codePage == 0 || codePage == 1 || codePage == 3 ? CurrentCodePages().AnsiCodePage() : codePage;
+  return codePage == 0 || codePage == 1 || codePage == 3 ? code_pages_service.Current().AnsiCodePage() : codePage;
 }
 
 const char* ConverterName(std::uint32_t codePage) {

@@ -157,7 +157,7 @@ class WideToolsStartUp : public testing::Test {
 
 TEST_F(WideToolsStartUp, FallsBackOnTheAnsiCodePageWhere1250LosesLetters) {
   const OtherSystem other;
-  const platform::CodePagesInUse replace(other);
+  const Replacement<const platform::CodePages> replace(platform::code_pages_service, other);
   EXPECT_EQ(StringToWideString("\xFE", 1250), u"?") << "before the start 1250 is 1250";
   units::WideTools::StartUp();
   EXPECT_FALSE(page_1250_ok);
@@ -169,7 +169,7 @@ TEST_F(WideToolsStartUp, FallsBackOnTheAnsiCodePageWhere1250LosesLetters) {
 TEST_F(WideToolsStartUp, AsksForTheFamilyOfTheSystemUntilItIsKnown) {
   EXPECT_TRUE(IsWinOsUnicode());
   OtherSystem other;
-  const platform::CodePagesInUse replace(other);
+  const Replacement<const platform::CodePages> replace(platform::code_pages_service, other);
   units::WideTools::StartUp();
   const auto messageFor = [&other](std::int32_t family) -> Text {
     other.family = family;

@@ -24,16 +24,16 @@ TEST(Clock, SystemClockTellsLocalTime) {
 }
 
 TEST(Clock, AnotherClockIsInUseWhileItLives) {
-  EXPECT_EQ(&platform::CurrentClock(), &platform::SystemClock());
+  EXPECT_EQ(&platform::clock_service.Current(), &platform::SystemClock());
   {
     const FixedClock outer(DateTime(1));
     {
       const FixedClock inner(DateTime(2));
-      EXPECT_EQ(platform::CurrentClock().Now(), DateTime(2));
+      EXPECT_EQ(platform::clock_service.Current().Now(), DateTime(2));
     }
-    EXPECT_EQ(platform::CurrentClock().Now(), DateTime(1));
+    EXPECT_EQ(platform::clock_service.Current().Now(), DateTime(1));
   }
-  EXPECT_EQ(&platform::CurrentClock(), &platform::SystemClock());
+  EXPECT_EQ(&platform::clock_service.Current(), &platform::SystemClock());
 }
 
 }  // namespace

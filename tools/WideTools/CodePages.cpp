@@ -28,16 +28,16 @@ std::uint32_t CodePageInUse(std::int32_t asked) {
 }  // namespace
 
 WideText StringToWideString(TextView text, std::int32_t codePage) {
-  return platform::CurrentCodePages().ToWide(text, CodePageInUse(codePage));
+  return platform::code_pages_service.Current().ToWide(text, CodePageInUse(codePage));
 }
 
 Text WideStringToString(std::u16string_view wide, std::int32_t codePage) {
-  return platform::CurrentCodePages().FromWide(wide, CodePageInUse(codePage));
+  return platform::code_pages_service.Current().FromWide(wide, CodePageInUse(codePage));
 }
 
 bool IsWinOsUnicode() {
   if (unicode_system == UnicodeSystem::Unknown) {
-    switch (platform::CurrentCodePages().FamilyOfSystem()) {
+    switch (platform::code_pages_service.Current().FamilyOfSystem()) {
       case 0:
         throw Error("*NU* Rulez pe Win 3.1");
       case 1:
@@ -63,7 +63,7 @@ void units::WideTools::StartUp() {
   page_1250_replace = 0;
   page_1250_ok = WideStringToString(StringToWideString(kProbe, kWindows1250), kWindows1250) == kProbe;
   page_1250_replace =
-      page_1250_ok ? kWindows1250 : static_cast<std::int32_t>(platform::CurrentCodePages().AnsiCodePage());
+      page_1250_ok ? kWindows1250 : static_cast<std::int32_t>(platform::code_pages_service.Current().AnsiCodePage());
 }
 
 }  // namespace kiv

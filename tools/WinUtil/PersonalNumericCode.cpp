@@ -121,7 +121,7 @@ std::int32_t VarstaDinCNP(TextView code) {
     return 0;
   }
   const std::int32_t birthYear = Century(code[0]) + TwoDigits(code, 1);
-  const std::int32_t age = platform::CurrentClock().Now().Decode().year - birthYear;
+  const std::int32_t age = platform::clock_service.Current().Now().Decode().year - birthYear;
   return age < 0 ? 0 : age;
 }
 

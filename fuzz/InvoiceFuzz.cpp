@@ -2,7 +2,7 @@
 
 #include "apps/kivtools/CsvWriting.h"
 #include "apps/kivtools/InputError.h"
-#include "apps/kivtools/InvoiceReader.h"
+#include "apps/kivtools/invoice/InvoiceReader.h"
 
 // An invoice that is accepted, written back and read again is the same invoice, and its totals add up.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

@@ -1,12 +1,15 @@
 #pragma once
 
 #include <cstddef>
+#include <limits>
 #include <optional>
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "apps/kivtools/Arguments.h"
+#include "apps/kivtools/InputError.h"
 #include "apps/kivtools/Library.h"
 #include "apps/kivtools/Output.h"
 
@@ -40,28 +43,41 @@ struct Option {
   std::string_view help;
 };
 
-/// A row of the table of commands.
+/// For commands that take as many values as are given.
+inline constexpr std::size_t kAnyNumber = std::numeric_limits<std::size_t>::max();
+
+/// A command: what its usage is made from, and what it does. The program's help and dispatch come from these.
 struct Command {
   std::string_view name;
-  std::string_view summary;    ///< one line
+  std::string_view summary;    ///< one line without a full stop
   std::string_view arguments;  ///< as the usage line shows them
   std::size_t fewestValues;
   std::size_t mostValues;
   std::span<const Option> options;
   std::string_view details;  ///< what --help says below the options, examples included
+  /// Returns an ExitCode; throws InputError, or kiv::Error of the library, for what ends the program with kBadInput.
   int (*run)(Session&, const Arguments&);
 };
 
-extern const Command kCheckCommand;
-extern const Command kCnpCommand;
-extern const Command kCompareVersionsCommand;
-extern const Command kConvertCommand;
-extern const Command kDateCommand;
-extern const Command kGradeCommand;
-extern const Command kInvoiceCommand;
-extern const Command kMoneyCommand;
-extern const Command kStripCommand;
-extern const Command kVersionCommand;
-extern const Command kWordsCommand;
+/// Makes a command known to the program. One of these in a file of the folder commands/ is all that a command needs:
+///
+///     constexpr Command kCommand = {"strip", "Take the Romanian diacritics off a text", ...};
+///     const Registration kRegistered(kCommand);
+class Registration {
+ public:
+  /// The command has to stay as long as the program.
+  explicit Registration(const Command& command) noexcept;
+
+ private:
+  friend std::vector<const Command*> Commands();
+  const Command& command_;
+  const Registration* next_;
+};
+
+/// All commands in the order of their names.
+std::vector<const Command*> Commands();
+
+/// Runs what the arguments of the program say; returns its exit code. Failures are told on standard error.
+int RunProgram(std::span<const std::string> arguments);
 
 }  // namespace kivtools

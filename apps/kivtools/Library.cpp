@@ -4,9 +4,10 @@
 #include <array>
 #include <memory>
 
-#include "platform/Console.h"
-#include "platform/Paths.h"
-#include "platform/Program.h"
+#include "apps/kivtools/system/Console.h"
+#include "apps/kivtools/system/Paths.h"
+#include "kivtools/Errors.h"
+#include "kivtools/Text.h"
 
 /// The exported C function of that name, with its declared type.
 #define KIVTOOLS_ENTRY(name) package_.Function<decltype(name)>(#name)
@@ -14,29 +15,21 @@
 namespace kivtools {
 namespace {
 
-std::filesystem::path FindLibrary() {
-  if (const auto named = kiv::platform::PathFromEnvironment("KIVTOOLS_LIBRARY")) {
-    return *named;
+kiv::LoadedPackage Load() {
+  // By its name alone the system looks for it where programs have their libraries: beside the program on Windows, in
+  // the lib folder next to the program's elsewhere (the run path), then in its own folders.
+  const auto named = PathFromEnvironment("KIVTOOLS_LIBRARY");
+  try {
+    return kiv::LoadedPackage::FromNativePath(named ? std::filesystem::absolute(*named) : KIVTOOLS_LIBRARY_FILE);
+  } catch (const kiv::Error& error) {
+    throw InputError(kiv::ToUtf8(error.what()) + (named ? "" : "; KIVTOOLS_LIBRARY can name the library"));
   }
-  const std::filesystem::path program = kiv::platform::ProgramFile();
-  if (program.empty()) {
-    throw InputError("the system does not tell where this program is; KIVTOOLS_LIBRARY can name the library");
-  }
-  const std::filesystem::path folder = program.parent_path();
-  for (const char* const place : {".", "../lib", KIVTOOLS_LIBRARY_FOLDER}) {
-    const std::filesystem::path file = (folder / place / KIVTOOLS_LIBRARY_FILE).lexically_normal();
-    std::error_code error;
-    if (std::filesystem::is_regular_file(file, error)) {
-      return file;
-    }
-  }
-  throw InputError(KIVTOOLS_LIBRARY_FILE " is neither beside the program nor in ../lib; KIVTOOLS_LIBRARY can name it");
 }
 
 }  // namespace
 
 Library::Library()
-    : package_(kiv::LoadedPackage::FromNativePath(FindLibrary())),
+    : package_(Load()),
       textToUtf8_(KIVTOOLS_ENTRY(KivTextToUtf8)),
       moneyNoSpace_(KIVTOOLS_ENTRY(KivCurrencyToRoStrFaraSpatiu)),
       scaledNumber_(KIVTOOLS_ENTRY(KivScrieFoarteFrumos)),
@@ -192,7 +185,7 @@ std::int32_t Library::CompareVersions(std::string_view a, std::string_view b) co
 }
 
 std::vector<Library::VersionField> Library::VersionFields(const std::filesystem::path& file) const {
-  const std::string path = kiv::platform::TextFromPath(file);
+  const std::string path = LibraryPath(file);
   const std::unique_ptr<KivStringList, decltype(KivStringListFree)*> list(KIVTOOLS_ENTRY(KivStringListNew)(),
                                                                           KIVTOOLS_ENTRY(KivStringListFree));
   Check(KIVTOOLS_ENTRY(KivVersionInfo)(path.data(), path.size(), list.get(), nullptr));

@@ -23,8 +23,8 @@ class LibraryError : public InputError {
 /// letters; amounts are ten-thousandths. Every operation throws LibraryError where the library refuses its input.
 class Library {
  public:
-  /// Loads the library that KIVTOOLS_LIBRARY names, else the one beside the program or in the lib folder next to the
-  /// program's. Throws kiv::Error.
+  /// Loads the library that the environment variable KIVTOOLS_LIBRARY names, else the one that the program was
+  /// installed with. Throws InputError.
   Library();
 
   /// The library's version. Example: "0.1.0".

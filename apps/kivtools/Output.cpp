@@ -3,9 +3,8 @@
 #include <algorithm>
 
 #include "apps/kivtools/Layout.h"
-#include "kivtools/Errors.h"
-#include "kivtools/Text.h"
-#include "platform/Console.h"
+#include "apps/kivtools/system/Console.h"
+#include "apps/kivtools/system/SystemError.h"
 
 namespace kivtools {
 namespace {
@@ -34,28 +33,28 @@ void Output::Flush() {
 
 void Output::Pass(std::string_view bytes) {
   try {
-    kiv::platform::WriteAll(kiv::platform::StandardStream::Output, bytes);
-  } catch (const kiv::OsError& error) {
-    throw OutputError("standard output: " + kiv::ToUtf8(error.what()));
+    WriteAll(StandardStream::Output, bytes);
+  } catch (const SystemError& error) {
+    throw OutputError(error.what());
   }
 }
 
 void WriteError(std::string_view line) noexcept {
   try {
-    kiv::platform::WriteAll(kiv::platform::StandardStream::Error, std::string(line) + "\n");
+    WriteAll(StandardStream::Error, std::string(line) + "\n");
   } catch (...) {  // NOLINT(bugprone-empty-catch): there is no other place to tell it
   }
 }
 
 Progress::Progress(std::optional<std::uint64_t> total)
     : total_(total),
-      watched_(kiv::platform::IsTerminal(kiv::platform::StandardStream::Error)),
+      watched_(TerminalWidth(StandardStream::Error).has_value()),
       next_(Clock::now() + std::chrono::seconds(1)) {}
 
 Progress::~Progress() {
   if (drawn_) {
     try {
-      kiv::platform::WriteAll(kiv::platform::StandardStream::Error, kEraseLine);
+      WriteAll(StandardStream::Error, kEraseLine);
     } catch (...) {  // NOLINT(bugprone-empty-catch): only the bar stays on the screen
     }
   }
@@ -81,7 +80,7 @@ void Progress::Draw() const {
   } else {
     line += std::to_string(done_ / 1'048'576) + " MiB";
   }
-  kiv::platform::WriteAll(kiv::platform::StandardStream::Error, line);
+  WriteAll(StandardStream::Error, line);
 }
 
 }  // namespace kivtools

@@ -44,6 +44,10 @@ std::string Shown(std::string_view value) {
   return shown += '"';
 }
 
+std::string ShownName(std::string_view name) {
+  return WhyNotPrintable(name).empty() ? std::string(name) : Shown(name);
+}
+
 std::string_view WhyNotPrintable(std::string_view text, bool lines) {
   for (std::size_t at = 0; at < text.size();) {
     const kiv::utf8::Decoded decoded = kiv::utf8::DecodeAt(text, at);

@@ -9,6 +9,9 @@ namespace kivtools {
 /// Example: `Shown("a\tb")` is "\"a\\x09b\"".
 std::string Shown(std::string_view value);
 
+/// The name of a file as a message shows it: as it is, or as Shown where it would disturb a terminal.
+std::string ShownName(std::string_view name);
+
 /// Why a text cannot be printed as it is: nothing if it can, else "is not UTF-8" or "has a control character". Line
 /// feeds pass where `lines` is true.
 std::string_view WhyNotPrintable(std::string_view text, bool lines = false);

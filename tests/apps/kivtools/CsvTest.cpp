@@ -2,8 +2,8 @@
 
 #include <random>
 
-#include "apps/kivtools/Csv.h"
 #include "apps/kivtools/CsvWriting.h"
+#include "apps/kivtools/input/Csv.h"
 
 namespace kivtools {
 namespace {

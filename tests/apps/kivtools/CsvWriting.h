@@ -5,9 +5,9 @@
 #include <vector>
 
 #include "apps/kivtools/Amount.h"
-#include "apps/kivtools/BlockReader.h"
-#include "apps/kivtools/Csv.h"
-#include "apps/kivtools/Invoice.h"
+#include "apps/kivtools/input/BlockReader.h"
+#include "apps/kivtools/input/Csv.h"
+#include "apps/kivtools/invoice/Invoice.h"
 
 /// The way back from what the command line reads, for tests and fuzzers: reading what is written here must give the
 /// same again.

@@ -5,8 +5,8 @@
 
 #include "apps/kivtools/CsvWriting.h"
 #include "apps/kivtools/InputError.h"
-#include "apps/kivtools/Invoice.h"
-#include "apps/kivtools/InvoiceReader.h"
+#include "apps/kivtools/invoice/Invoice.h"
+#include "apps/kivtools/invoice/InvoiceReader.h"
 
 namespace kivtools {
 namespace {

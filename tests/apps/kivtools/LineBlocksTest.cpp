@@ -4,7 +4,7 @@
 #include <string>
 
 #include "apps/kivtools/CsvWriting.h"
-#include "apps/kivtools/LineBlocks.h"
+#include "apps/kivtools/input/LineBlocks.h"
 
 namespace kivtools {
 namespace {

@@ -1,4 +1,4 @@
-#include "apps/kivtools/BlockReader.h"
+#include "apps/kivtools/input/BlockReader.h"
 
 #include <cstring>
 #include <utility>

@@ -19,8 +19,9 @@ int RunCnp(Session& session, const Arguments& arguments) {
   return kDone;
 }
 
+constexpr Command kCommand = {"cnp", "Tell what a personal numeric code says", "CODE", 1, 1, {}, kDetails, RunCnp};
+
+const Registration kRegistered(kCommand);
+
 }  // namespace
-
-const Command kCnpCommand = {"cnp", "Tell what a personal numeric code says", "CODE", 1, 1, {}, kDetails, RunCnp};
-
 }  // namespace kivtools

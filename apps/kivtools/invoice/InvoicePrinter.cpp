@@ -1,4 +1,4 @@
-#include "apps/kivtools/InvoicePrinter.h"
+#include "apps/kivtools/invoice/InvoicePrinter.h"
 
 #include <algorithm>
 #include <array>

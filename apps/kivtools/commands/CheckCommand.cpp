@@ -3,15 +3,14 @@
 #include <charconv>
 #include <cstdint>
 #include <cstring>
-#include <limits>
 #include <memory>
 #include <span>
 
 #include "apps/kivtools/Command.h"
-#include "apps/kivtools/Csv.h"
-#include "apps/kivtools/LineBlocks.h"
 #include "apps/kivtools/Shown.h"
-#include "platform/Console.h"
+#include "apps/kivtools/input/Csv.h"
+#include "apps/kivtools/input/LineBlocks.h"
+#include "apps/kivtools/system/InputStream.h"
 
 namespace kivtools {
 namespace {
@@ -215,7 +214,7 @@ int RunCheck(Session& session, const Arguments& arguments) {
     }
     return report.Result();
   }
-  auto stream = kiv::platform::InputStream::Standard();
+  auto stream = InputStream::Standard();
   Progress progress(stream.Size());
   const ByteSource source = [&](char* into, std::size_t capacity) {
     const std::size_t count = stream.Read(into, capacity);
@@ -231,15 +230,16 @@ int RunCheck(Session& session, const Arguments& arguments) {
   return report.Result();
 }
 
+constexpr Command kCommand = {"check",
+                              "Check account numbers, personal, fiscal or locality codes",
+                              "KIND [CODE ...|-]",
+                              1,
+                              kAnyNumber,
+                              kOptions,
+                              kDetails,
+                              RunCheck};
+
+const Registration kRegistered(kCommand);
+
 }  // namespace
-
-const Command kCheckCommand = {"check",
-                               "Check account numbers, personal, fiscal or locality codes",
-                               "KIND [CODE ...|-]",
-                               1,
-                               std::numeric_limits<std::size_t>::max(),
-                               kOptions,
-                               kDetails,
-                               RunCheck};
-
 }  // namespace kivtools

@@ -5,12 +5,12 @@
 #include <vector>
 
 #include "apps/kivtools/Amount.h"
-#include "apps/kivtools/BlockReader.h"
 #include "apps/kivtools/Command.h"
 #include "apps/kivtools/Shown.h"
+#include "apps/kivtools/input/BlockReader.h"
+#include "apps/kivtools/system/InputStream.h"
 #include "kivtools/Utf8.h"
 #include "kivtools/Windows1250.h"
-#include "platform/Console.h"
 
 namespace kivtools {
 namespace {
@@ -172,7 +172,7 @@ void ConvertLines(const Converter& converter, std::string_view lines, std::uint6
 
 int RunConvert(Session& session, const Arguments& arguments) {
   const Converter converter(session.Lib(), arguments);
-  auto stream = kiv::platform::InputStream::Standard();
+  auto stream = InputStream::Standard();
   Progress progress(stream.Size());
   BlockReader reader([&](char* into, std::size_t capacity) {
     const std::size_t count = stream.Read(into, capacity);
@@ -197,9 +197,10 @@ int RunConvert(Session& session, const Arguments& arguments) {
   return kDone;
 }
 
-}  // namespace
-
-const Command kConvertCommand = {
+constexpr Command kCommand = {
     "convert", "Convert text between code pages", "--from CP --to CP", 0, 0, kOptions, kDetails, RunConvert};
 
+const Registration kRegistered(kCommand);
+
+}  // namespace
 }  // namespace kivtools

@@ -52,8 +52,9 @@ int RunWords(Session& session, const Arguments& arguments) {
   return kDone;
 }
 
+constexpr Command kCommand = {"words", "Write an amount in words", "AMOUNT", 1, 1, kOptions, kDetails, RunWords};
+
+const Registration kRegistered(kCommand);
+
 }  // namespace
-
-const Command kWordsCommand = {"words", "Write an amount in words", "AMOUNT", 1, 1, kOptions, kDetails, RunWords};
-
 }  // namespace kivtools

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "apps/kivtools/Invoice.h"
 #include "apps/kivtools/Library.h"
 #include "apps/kivtools/Output.h"
+#include "apps/kivtools/invoice/Invoice.h"
 
 namespace kivtools {
 

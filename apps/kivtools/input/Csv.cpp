@@ -1,4 +1,4 @@
-#include "apps/kivtools/Csv.h"
+#include "apps/kivtools/input/Csv.h"
 
 #include <algorithm>
 #include <cstring>

@@ -1,4 +1,4 @@
-#include "apps/kivtools/Invoice.h"
+#include "apps/kivtools/invoice/Invoice.h"
 
 #include <functional>
 #include <limits>

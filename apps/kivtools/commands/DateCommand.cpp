@@ -88,9 +88,10 @@ int RunDate(Session& session, const Arguments& arguments) {
   return kDone;
 }
 
-}  // namespace
-
-const Command kDateCommand = {
+constexpr Command kCommand = {
     "date", "Write a date in Romanian, in every form", "YYYY-MM-DD[THH:MM:SS]", 1, 1, kOptions, kDetails, RunDate};
 
+const Registration kRegistered(kCommand);
+
+}  // namespace
 }  // namespace kivtools

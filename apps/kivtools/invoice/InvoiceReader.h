@@ -2,8 +2,8 @@
 
 #include <string>
 
-#include "apps/kivtools/BlockReader.h"
-#include "apps/kivtools/Invoice.h"
+#include "apps/kivtools/input/BlockReader.h"
+#include "apps/kivtools/invoice/Invoice.h"
 
 namespace kivtools {
 

@@ -1,4 +1,4 @@
-#include "apps/kivtools/InvoiceReader.h"
+#include "apps/kivtools/invoice/InvoiceReader.h"
 
 #include <algorithm>
 #include <array>
@@ -6,8 +6,8 @@
 #include <utility>
 
 #include "apps/kivtools/Amount.h"
-#include "apps/kivtools/Csv.h"
 #include "apps/kivtools/Shown.h"
+#include "apps/kivtools/input/Csv.h"
 
 namespace kivtools {
 namespace {

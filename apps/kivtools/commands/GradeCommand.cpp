@@ -44,8 +44,9 @@ int RunGrade(Session& session, const Arguments& arguments) {
   return kDone;
 }
 
+constexpr Command kCommand = {"grade", "Write a school grade in words", "GRADE", 1, 1, kOptions, kDetails, RunGrade};
+
+const Registration kRegistered(kCommand);
+
 }  // namespace
-
-const Command kGradeCommand = {"grade", "Write a school grade in words", "GRADE", 1, 1, kOptions, kDetails, RunGrade};
-
 }  // namespace kivtools

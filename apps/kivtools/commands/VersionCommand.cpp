@@ -1,12 +1,12 @@
 #include <array>
 #include <filesystem>
-#include <limits>
 
 #include "apps/kivtools/Command.h"
 #include "apps/kivtools/Layout.h"
 #include "apps/kivtools/Shown.h"
+#include "apps/kivtools/system/InputStream.h"
+#include "apps/kivtools/system/Paths.h"
 #include "kivtools/Utf8.h"
-#include "platform/Console.h"
 
 namespace kivtools {
 namespace {
@@ -19,13 +19,6 @@ constexpr std::string_view kDetails =
     "Examples:\n"
     "  kivtools version app.exe\n"
     "  kivtools version --json *.dll\n";
-
-constexpr std::string_view kCompareDetails =
-    "A version has at most four numbers joined by dots. The difference of the first numbers that differ is printed.\n"
-    "Exit code: 0 the versions are equal, 10 A is below B, 11 A is above B, 2 one of them is no version.\n\n"
-    "Examples:\n"
-    "  kivtools compare-versions 1.10 1.9       1\n"
-    "  kivtools compare-versions 1.2 1.2.0.0    0\n";
 
 using Fields = std::vector<Library::VersionField>;
 
@@ -57,17 +50,17 @@ std::string AsJson(const std::string& file, const Fields& fields) {
 }
 
 std::string AsTable(const std::string& file, const Fields& fields) {
-  const auto printable = [](const std::string& text) { return WhyNotPrintable(text).empty() ? text : Shown(text); };
-  std::string table = printable(file) + "\n";
+  std::string table = ShownName(file) + "\n";
   for (const auto& [name, value] : fields) {
-    table += "  " + (value.empty() ? name : PadEnd(name, 18) + printable(value)) + "\n";
+    table += "  " + (value.empty() ? name : PadEnd(name, 18) + ShownName(value)) + "\n";
   }
   return table;
 }
 
 Fields ReadFields(const Library& library, const std::string& file) {
-  const std::filesystem::path path(std::u8string(file.begin(), file.end()));
-  kiv::platform::InputStream::Open(path);  // says why a file cannot be read, which the library does not tell
+  const std::filesystem::path path = PathFromUtf8(file);
+  // Says why a file cannot be read, which the library does not tell, and never waits for the writer of a pipe.
+  InputStream::Open(path, InputStream::What::File);
   return library.VersionFields(path);
 }
 
@@ -80,8 +73,9 @@ int RunVersion(Session& session, const Arguments& arguments) {
       const Fields fields = ReadFields(session.Lib(), file);
       session.out.Write(separator + (json ? AsJson(file, fields) : AsTable(file, fields)));
       separator = json ? ",\n " : "\n";
-    } catch (const kiv::OsError& error) {
-      session.Report(Shown(file) + ": " + kiv::ToUtf8(error.what()));
+    } catch (const InputError& error) {
+      session.out.Flush();  // so that the message comes after the files before it
+      session.Report(error.what());
       result = kBadInput;
     }
   }
@@ -91,27 +85,11 @@ int RunVersion(Session& session, const Arguments& arguments) {
   return result;
 }
 
-int RunCompareVersions(Session& session, const Arguments& arguments) {
-  constexpr int kBelow = 10;
-  constexpr int kAbove = 11;
-  constexpr int kEqual = kDone;
-  const std::int32_t difference = session.Lib().CompareVersions(arguments.Values()[0], arguments.Values()[1]);
-  session.out.Write(std::to_string(difference) + "\n");
-  return difference == 0 ? kEqual : difference < 0 ? kBelow : kAbove;
-}
+constexpr Command kCommand = {
+    "version", "Show the version resources of Windows programs", "FILE...", 1, kAnyNumber, kOptions, kDetails,
+    RunVersion};
+
+const Registration kRegistered(kCommand);
 
 }  // namespace
-
-const Command kVersionCommand = {"version",
-                                 "Show the version resources of Windows programs",
-                                 "FILE...",
-                                 1,
-                                 std::numeric_limits<std::size_t>::max(),
-                                 kOptions,
-                                 kDetails,
-                                 RunVersion};
-
-const Command kCompareVersionsCommand = {
-    "compare-versions", "Compare two version numbers", "A B", 2, 2, {}, kCompareDetails, RunCompareVersions};
-
 }  // namespace kivtools

@@ -14,9 +14,9 @@ int RunStrip(Session& session, const Arguments& arguments) {
   return kDone;
 }
 
+constexpr Command kCommand = {"strip", "Take the Romanian diacritics off a text", "TEXT", 1, 1, {}, kDetails, RunStrip};
+
+const Registration kRegistered(kCommand);
+
 }  // namespace
-
-const Command kStripCommand = {"strip", "Take the Romanian diacritics off a text", "TEXT", 1, 1, {}, kDetails,
-                               RunStrip};
-
 }  // namespace kivtools

@@ -52,9 +52,10 @@ int RunMoney(Session& session, const Arguments& arguments) {
   return kDone;
 }
 
-}  // namespace
-
-const Command kMoneyCommand = {
+constexpr Command kCommand = {
     "money", "Write an amount with Romanian separators, or read one", "AMOUNT", 0, 1, kOptions, kDetails, RunMoney};
 
+const Registration kRegistered(kCommand);
+
+}  // namespace
 }  // namespace kivtools

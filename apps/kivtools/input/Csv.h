@@ -6,8 +6,8 @@
 #include <string_view>
 #include <vector>
 
-#include "apps/kivtools/BlockReader.h"
 #include "apps/kivtools/InputError.h"
+#include "apps/kivtools/input/BlockReader.h"
 
 namespace kivtools {
 

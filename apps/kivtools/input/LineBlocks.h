@@ -10,8 +10,8 @@
 #include <utility>
 #include <vector>
 
-#include "apps/kivtools/BlockReader.h"
 #include "apps/kivtools/InputError.h"
+#include "apps/kivtools/input/BlockReader.h"
 
 namespace kivtools {
 

@@ -1,15 +1,14 @@
 #include <algorithm>
 #include <filesystem>
-#include <limits>
 #include <vector>
 
 #include "apps/kivtools/Command.h"
-#include "apps/kivtools/InvoicePrinter.h"
-#include "apps/kivtools/InvoiceReader.h"
 #include "apps/kivtools/Shown.h"
-#include "kivtools/Errors.h"
-#include "kivtools/Text.h"
-#include "platform/Console.h"
+#include "apps/kivtools/invoice/InvoicePrinter.h"
+#include "apps/kivtools/invoice/InvoiceReader.h"
+#include "apps/kivtools/system/InputStream.h"
+#include "apps/kivtools/system/Paths.h"
+#include "apps/kivtools/system/SystemError.h"
 
 namespace kivtools {
 namespace {
@@ -35,17 +34,8 @@ constexpr std::string_view kDetails =
     "Example:\n"
     "  kivtools invoice examples/invoice.csv\n";
 
-std::filesystem::path PathFromUtf8(const std::string& name) {
-  return {std::u8string(name.begin(), name.end())};
-}
-
-std::string NameOf(const std::filesystem::path& path) {
-  const std::u8string name = path.generic_u8string();
-  return {name.begin(), name.end()};
-}
-
 bool EndsInCsv(const std::filesystem::path& path) {
-  std::string extension = NameOf(path.extension());
+  std::string extension = Utf8FromPath(path.extension());
   std::transform(extension.begin(), extension.end(), extension.begin(),
                  [](char letter) { return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter + 32) : letter; });
   return extension == ".csv";
@@ -54,10 +44,16 @@ bool EndsInCsv(const std::filesystem::path& path) {
 /// The folder's *.csv files in the order of their names.
 std::vector<std::string> FilesIn(const std::string& folder) {
   std::vector<std::string> files;
-  for (const auto& entry : std::filesystem::directory_iterator(PathFromUtf8(folder))) {
-    if (EndsInCsv(entry.path()) && !entry.is_directory()) {
-      files.push_back(NameOf(entry.path()));
+  std::error_code error;
+  std::filesystem::directory_iterator at(PathFromUtf8(folder), error);
+  for (; !error && at != std::filesystem::directory_iterator(); at.increment(error)) {
+    std::error_code unknown;  // what cannot be asked is tried as a file
+    if (EndsInCsv(at->path()) && !at->is_directory(unknown)) {
+      files.push_back(Utf8FromPath(at->path()));
     }
+  }
+  if (error) {
+    throw SystemError(ShownName(folder) + ": cannot be listed", error);
   }
   if (files.empty()) {
     throw InputError(Shown(folder) + " holds no *.csv file");
@@ -67,20 +63,15 @@ std::vector<std::string> FilesIn(const std::string& folder) {
 }
 
 Invoice ReadInvoiceFile(const std::string& file, const std::string& shownName) {
-  using kiv::platform::InputStream;
-  try {
-    InputStream stream = file == "-" ? InputStream::Standard() : InputStream::Open(PathFromUtf8(file));
-    Progress progress(stream.Size());
-    return ReadInvoice(
-        [&](char* into, std::size_t capacity) {
-          const std::size_t count = stream.Read(into, capacity);
-          progress.Advance(count);
-          return count;
-        },
-        shownName);
-  } catch (const kiv::OsError& error) {
-    throw InputError(shownName + ": " + kiv::ToUtf8(error.what()));
-  }
+  InputStream stream = file == "-" ? InputStream::Standard() : InputStream::Open(PathFromUtf8(file));
+  Progress progress(stream.Size());
+  return ReadInvoice(
+      [&](char* into, std::size_t capacity) {
+        const std::size_t count = stream.Read(into, capacity);
+        progress.Advance(count);
+        return count;
+      },
+      shownName);
 }
 
 /// Says which numbers of the parties are wrong.
@@ -108,7 +99,7 @@ int ReportFaults(Session& session, const Invoice& invoice, const InvoiceFaults& 
 }
 
 int PrintFile(Session& session, const std::string& file, bool first) {
-  const std::string shownName = WhyNotPrintable(file).empty() ? file : Shown(file);
+  const std::string shownName = ShownName(file);
   const Invoice invoice = ReadInvoiceFile(file, shownName);
   InvoiceTotals totals;
   try {
@@ -148,15 +139,10 @@ int RunInvoice(Session& session, const Arguments& arguments) {
   return result;
 }
 
+constexpr Command kCommand = {
+    "invoice", "Print an invoice from a CSV file", "FILE.csv|FOLDER|- ...", 1, kAnyNumber, {}, kDetails, RunInvoice};
+
+const Registration kRegistered(kCommand);
+
 }  // namespace
-
-const Command kInvoiceCommand = {"invoice",
-                                 "Print an invoice from a CSV file",
-                                 "FILE.csv|FOLDER|- ...",
-                                 1,
-                                 std::numeric_limits<std::size_t>::max(),
-                                 {},
-                                 kDetails,
-                                 RunInvoice};
-
 }  // namespace kivtools

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// What a command-line program asks of the system. Names and arguments are UTF-8 here, bytes are passed on as they are.
+namespace kivtools {
+
+enum class StandardStream : std::uint8_t { Input, Output, Error };
+
+/// Sets the process up: UTF-8 on the terminal; a reader that goes away is an error of the write instead of the end of
+/// the process; a standard stream that the process was started without is an error of its use, not the next file that
+/// is opened. What it changed on the terminal is put back with this object.
+class PreparedConsole {
+ public:
+  PreparedConsole();
+  ~PreparedConsole();
+  PreparedConsole(const PreparedConsole&) = delete;
+  PreparedConsole& operator=(const PreparedConsole&) = delete;
+
+ private:
+  unsigned formerCodePage_ = 0;
+};
+
+/// The arguments of main() as UTF-8, without the program's name.
+std::vector<std::string> ArgumentsAsUtf8(int count, char** arguments);
+
+/// The columns of the terminal on which a person sees, or types, what goes through the stream; 80 for a terminal that
+/// does not tell. Nothing where the stream is no terminal.
+std::optional<std::size_t> TerminalWidth(StandardStream stream) noexcept;
+
+/// The path in an environment variable, nothing where it is not set or empty.
+std::optional<std::filesystem::path> PathFromEnvironment(const char* name);
+
+/// Writes all bytes to a standard stream. Throws SystemError for a full disk, a reader that is gone, a closed stream.
+void WriteAll(StandardStream stream, std::string_view bytes);
+
+}  // namespace kivtools

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+namespace kivtools {
+
+/// Names are UTF-8 in this program; on POSIX bytes that are no UTF-8 pass as they are.
+std::filesystem::path PathFromUtf8(std::string_view name);
+std::string Utf8FromPath(const std::filesystem::path& path);
+
+/// The path as the library's functions take it: the bytes on POSIX; Windows-1250 on Windows, by its short name where
+/// the code page lacks a letter. Throws InputError, naming the path, where it has no such name.
+std::string LibraryPath(const std::filesystem::path& path);
+
+}  // namespace kivtools

@@ -1,19 +1,18 @@
 #include "kivtools/Host.h"
 
 #include <algorithm>
+#include <thread>
 
 #include "core/Service.h"
 #include "host/BuiltIn.h"
+#include "kivtools/Host/Headless.h"
 
 namespace kiv::host {
 namespace {
 
-Host& BuiltInHost() noexcept {
-  static Host builtIn;
-  return builtIn;
-}
-
 constinit Service<Host> host_service(&BuiltInHost);
+
+const std::thread::id loading_thread = std::this_thread::get_id();
 
 }  // namespace
 
@@ -35,12 +34,43 @@ Component::~Component() {
   }
 }
 
+void Control::SetWidth(std::int32_t width) {
+  const Rect now = Bounds();
+  SetBounds(Rect::At(now.left, now.top, width, now.Height()));
+}
+
+Host& BuiltInHost() noexcept {
+  static headless::Host withoutWindows;
+  Host* const withWindows = WindowedHost();
+  return withWindows != nullptr ? *withWindows : withoutWindows;
+}
+
+bool OnLoadingThread() noexcept {
+  return std::this_thread::get_id() == loading_thread;
+}
+
 Host::~Host() {
   host_service.Withdraw(*this);
 }
 
-Clipboard& Host::Clipboard() {
-  return BuiltInClipboard();
+Application& Host::GetApplication() {
+  return BuiltInHost().GetApplication();
+}
+
+Screen& Host::GetScreen() {
+  return BuiltInHost().GetScreen();
+}
+
+Dialogs& Host::GetDialogs() {
+  return BuiltInHost().GetDialogs();
+}
+
+Clipboard& Host::GetClipboard() {
+  return BuiltInHost().GetClipboard();
+}
+
+Colours& Host::GetColours() {
+  return BuiltInHost().GetColours();
 }
 
 void Host::RegisterComponent(const ComponentClass& componentClass) {

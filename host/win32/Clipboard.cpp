@@ -3,10 +3,10 @@
 #include <memory>
 
 #include "core/WideText.h"
-#include "host/BuiltIn.h"
+#include "host/win32/Services.h"
 #include "platform/SystemError.h"
 
-namespace kiv::host {
+namespace kiv::host::win32 {
 namespace {
 
 struct WindowDeleter {
@@ -58,37 +58,29 @@ OwnedGlobal WideCopy(TextView text) {
   return memory;
 }
 
-class Win32Clipboard : public Clipboard {
- public:
-  void SetText(TextView text) override {
-    OwnedGlobal copy = WideCopy(text);
-    const OpenedClipboard opened;
-    if (EmptyClipboard() == 0 || SetClipboardData(CF_UNICODETEXT, copy.get()) == nullptr) {
-      throw platform::LastSystemError("Nu pot scrie in clipboard");
-    }
-    [[maybe_unused]] const HGLOBAL nowTheSystems = copy.release();
-  }
-
-  [[nodiscard]] Text GetText() override {
-    const OpenedClipboard opened;
-    Text text;
-    const HANDLE memory = GetClipboardData(CF_UNICODETEXT);
-    const auto* const wide = memory != nullptr ? static_cast<const wchar_t*>(GlobalLock(memory)) : nullptr;
-    if (wide != nullptr) {
-      const std::size_t most = GlobalSize(memory) / sizeof(wchar_t);
-      const std::wstring_view units(wide, most);
-      text = ShownText(units.substr(0, units.find(L'\0')));
-      GlobalUnlock(memory);
-    }
-    return text;
-  }
-};
-
 }  // namespace
 
-Clipboard& BuiltInClipboard() {
-  static Win32Clipboard clipboard;
-  return clipboard;
+void Clipboard::SetText(TextView text) {
+  OwnedGlobal copy = WideCopy(text);
+  const OpenedClipboard opened;
+  if (EmptyClipboard() == 0 || SetClipboardData(CF_UNICODETEXT, copy.get()) == nullptr) {
+    throw platform::LastSystemError("Nu pot scrie in clipboard");
+  }
+  [[maybe_unused]] const HGLOBAL nowTheSystems = copy.release();
 }
 
-}  // namespace kiv::host
+Text Clipboard::GetText() {
+  const OpenedClipboard opened;
+  Text text;
+  const HANDLE memory = GetClipboardData(CF_UNICODETEXT);
+  const auto* const wide = memory != nullptr ? static_cast<const wchar_t*>(GlobalLock(memory)) : nullptr;
+  if (wide != nullptr) {
+    const std::size_t most = GlobalSize(memory) / sizeof(wchar_t);
+    const std::wstring_view units(wide, most);
+    text = ShownText(units.substr(0, units.find(L'\0')));
+    GlobalUnlock(memory);
+  }
+  return text;
+}
+
+}  // namespace kiv::host::win32

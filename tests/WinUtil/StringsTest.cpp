@@ -303,7 +303,7 @@ TEST(Clipboard, GoesThroughTheInstalledHost) {
     Text last;
   };
   struct MyHost : host::Host {
-    [[nodiscard]] host::Clipboard& Clipboard() override { return recorder; }
+    [[nodiscard]] host::Clipboard& GetClipboard() override { return recorder; }
     Recorder recorder;
   };
   {
@@ -314,7 +314,7 @@ TEST(Clipboard, GoesThroughTheInstalledHost) {
     EXPECT_EQ(&host::Current(), &mine);
   }
   CopiazaTextInClipboard("şi fără el"_ro);  // the built-in host is back
-  EXPECT_EQ(host::Current().Clipboard().GetText(), "şi fără el"_ro);
+  EXPECT_EQ(host::Current().GetClipboard().GetText(), "şi fără el"_ro);
 }
 
 }  // namespace

@@ -198,7 +198,7 @@ bool EsteWindowsVista() {
 }
 
 void CopiazaTextInClipboard(TextView text) {
-  host::Current().Clipboard().SetText(text);
+  host::Current().GetClipboard().SetText(text);
 }
 
 }  // namespace kiv

@@ -29,12 +29,12 @@ TEST(Clipboard, HoldsTextForOtherPrograms) {
   CopiazaTextInClipboard("Şapte ţări, ăâîş ŞŢĂÂÎ: 10 €"_ro);
   EXPECT_EQ(SystemText(),
             L"\u015Eapte \u0163\u0103ri, \u0103\u00E2\u00EE\u015F \u015E\u0162\u0102\u00C2\u00CE: 10 \u20AC");
-  EXPECT_EQ(host::Current().Clipboard().GetText(), "Şapte ţări, ăâîş ŞŢĂÂÎ: 10 €"_ro);
+  EXPECT_EQ(host::Current().GetClipboard().GetText(), "Şapte ţări, ăâîş ŞŢĂÂÎ: 10 €"_ro);
   CopiazaTextInClipboard("");
   EXPECT_EQ(SystemText(), L"");
   const Text large(1'000'000, 'x');
   CopiazaTextInClipboard(large);
-  EXPECT_EQ(host::Current().Clipboard().GetText(), large);
+  EXPECT_EQ(host::Current().GetClipboard().GetText(), large);
 }
 
 TEST(Clipboard, WaitsForItAMomentAndThenSaysSo) {

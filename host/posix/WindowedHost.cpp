@@ -1,0 +1,10 @@
+#include "host/BuiltIn.h"
+
+namespace kiv::host {
+
+// There is no one window system here to be built in.
+Host* WindowedHost() noexcept {
+  return nullptr;
+}
+
+}  // namespace kiv::host

@@ -1,7 +1,8 @@
-// Calls the functions of the C interface with random, null and contradictory arguments; handles, tracked addresses and
-// variants, whose bytes cannot be made up, have tests of their own. Whatever it is given, it must
-// keep its promises: a length or a negated code that KivLastError confirms, results untouched on failure, a terminated
-// buffer on success, and no byte touched outside what the caller owns (the sanitizers watch that).
+// Calls the functions of the C interface with random, null and contradictory arguments: all those that the headers
+// declare, without those whose arguments cannot be made up (nodes, callbacks, tracked addresses) or that act on the
+// system. Whatever it is given, it must keep its promises: a length or a negated code that KivLastError confirms,
+// results untouched on failure, a terminated buffer on success, and no byte touched outside what the caller owns (the
+// sanitizers watch that).
 #include <fuzzer/FuzzedDataProvider.h>
 
 #include <algorithm>
@@ -12,17 +13,27 @@
 #include <vector>
 
 #include "fuzz/Property.h"
-#include "kivtools/kiv.h"
+#include "tests/c/Handles.h"
 
 namespace {
 
 constexpr unsigned char kUntouched = 0xA5;
 
-/// The one list that all calls of an input fill, read and clear.
-KivStringList* SharedList() {
-  static KivStringList* const list = KivStringListNew();
-  return list;
-}
+/// What an argument points to; for any other argument the argument itself.
+template <class Type>
+using Pointed = std::remove_const_t<std::remove_pointer_t<Type>>;
+
+/// A handle, of which there is one that all calls share.
+template <class Type>
+constexpr bool kIsHandle = std::is_pointer_v<Type>&& requires {
+  RealObject<Pointed<Type>>();
+};
+
+/// Whether an argument can be made up from random bytes.
+template <class Type>
+constexpr bool kIsMadeUp =
+    !std::is_same_v<Pointed<Type>, KivAVLNode> && !std::is_function_v<Pointed<Type>> &&
+    !std::is_void_v<Pointed<Type>> && (!std::is_pointer_v<Pointed<Type>> || std::is_same_v<Type, const char* const*>);
 
 /// Makes arguments by their types, from left to right: a size follows the pointer that it belongs to.
 class Arguments {
@@ -37,10 +48,16 @@ class Arguments {
       return NextBuffer<std::remove_pointer_t<Type>>();
     } else if constexpr (std::is_same_v<Type, std::size_t>) {
       return size_;
-    } else if constexpr (std::is_convertible_v<KivStringList*, Type>) {
-      return data_.ConsumeIntegralInRange(0, 9) == 0 ? nullptr : SharedList();
+    } else if constexpr (kIsHandle<Type>) {
+      return data_.ConsumeIntegralInRange(0, 9) == 0 ? nullptr : RealObject<Pointed<Type>>();
+    } else if constexpr (std::is_same_v<Type, const KivVariant*>) {
+      return NextVariant();
+    } else if constexpr (std::is_same_v<Type, const char* const*>) {
+      return NextTexts();
+    } else if constexpr (std::is_same_v<Type, const std::size_t*>) {
+      return nullptr;
     } else if constexpr (std::is_pointer_v<Type>) {
-      return NextObject<std::remove_const_t<std::remove_pointer_t<Type>>>();
+      return NextObject<Pointed<Type>>();
     } else if constexpr (std::is_floating_point_v<Type>) {
       return data_.ConsumeBool() ? data_.ConsumeFloatingPoint<Type>()
                                  : data_.ConsumeFloatingPointInRange<Type>(-1e6, 4e6);
@@ -119,6 +136,29 @@ class Arguments {
     return buffer.data();
   }
 
+  /// Zero-terminated texts; their number is the size that follows.
+  const char* const* NextTexts() {
+    auto& texts = lists_.emplace_back(data_.ConsumeIntegralInRange<std::size_t>(0, 5));
+    for (const char*& text : texts) {
+      text = NextText<char>();
+      if (text != nullptr && size_ != KIV_ZERO_ENDED) {
+        text = "%a%";
+      }
+    }
+    size_ = texts.size();
+    return texts.data();
+  }
+
+  const KivVariant* NextVariant() {
+    KivVariant& value = variants_.emplace_back();
+    value.kind = data_.ConsumeIntegralInRange(-1, 7);
+    value.integer = Next<std::int64_t>();
+    value.number = Next<double>();
+    value.text = NextText<char>();
+    value.length = size_;
+    return &value;
+  }
+
   template <class Object>
   Object* NextObject() {
     if (data_.ConsumeIntegralInRange(0, 9) == 0) {
@@ -132,65 +172,59 @@ class Arguments {
   std::size_t size_ = 0;
   std::tuple<Memory<char>, Memory<std::uint16_t>> memory_;
   std::list<std::vector<char>> outputs_;
+  std::list<std::vector<const char*>> lists_;
+  std::list<KivVariant> variants_;
   int textResults_ = 0;
 };
 
-template <auto Function>
-struct Call;
+using Call = void (*)(FuzzedDataProvider&);
 
-template <class Result, class... Parameters, Result (*Function)(Parameters...)>
-struct Call<Function> {
-  static void Run(FuzzedDataProvider& data) {
-    Arguments arguments(data);
-    const std::tuple<Parameters...> values{arguments.Next<Parameters>()...};  // braces: from left to right
-    const Result result = std::apply(Function, values);
-    if (result < 0) {
-      REQUIRE(KivLastError() == -result);
-      REQUIRE(KivLastErrorMessage(nullptr, 0) > 0);
-      arguments.CheckFailure();
-    } else {
-      arguments.CheckSuccess(result);
-    }
+template <class... Parameters>
+constexpr bool kCanFail = (std::is_pointer_v<Parameters> || ...);
+
+/// The call of one function; null where it is left out.
+template <auto Function, class Result, class... Parameters>
+constexpr Call CallOf(Result (* /*type*/)(Parameters...)) {
+  if constexpr (sizeof...(Parameters) == 0 || !std::is_integral_v<Result> || !(kIsMadeUp<Parameters> && ...)) {
+    return nullptr;
+  } else {
+    return [](FuzzedDataProvider& data) {
+      Arguments arguments(data);
+      const std::tuple<Parameters...> values{arguments.Next<Parameters>()...};  // braces: from left to right
+      const Result result = std::apply(Function, values);
+      if (result >= 0) {
+        arguments.CheckSuccess(result);
+      } else if (kCanFail<Parameters...>) {
+        REQUIRE(KivLastError() == -result);
+        REQUIRE(KivLastErrorMessage(nullptr, 0) > 0);
+        arguments.CheckFailure();
+      }
+    };
   }
-};
-
-template <auto... Functions>
-constexpr auto Calls() {
-  return std::array{&Call<Functions>::Run...};
 }
 
-constexpr auto kCalls =
-    Calls<KivTextToUtf8, KivUtf8ToText, KivVersion,  //
-          KivExplode, KivSplitTextOnSeparator, KivStringListAdd, KivStringListClear, KivStringListCount,
-          KivStringListItem,                                //
-          KivInLitere, KivInLitereCurrency, KivInLitereMF,  //
-          KivCurrencyToRoStr, KivCurrencyToRoStrFaraSpatiu, KivCurrencyToRoStrRON, KivRoStrToCurrency,
-          KivScrieFoarteFrumos, KivEncodeDate, KivDecodeDate, KivDateToRoText, KivDateToRoText2, KivDateToRoText3,
-          KivDateToRoText4, KivDateToRoText5, KivDateToRoText6, KivDateToRoText7, KivDateToRoCode, KivDateToRoTextScurt,
-          KivDateToRoTextScurtCuAn, KivDateToRoTextScurtCuAnPlusOra, KivNumeZiDinSaptamana, KivTimeToStrRoFrumos,
-          KivTimeToStrRo, KivTimeToStrRo2, KivRoCodeToDate, KivDateToRoText_WithCode,  //
-          KivTextIntreGhilimele, KivTextInGhilimele, KivQuoteText, KivTextDinGhilimele, KivPadLeft, KivPadRight,
-          KivTextDeLatimeFixa, KivStripDot, KivStripDotExtract2CifreDupaVirgula, KivPunePuncteInSimbol,
-          KivRespectaMasca, KivGuidEgal, KivNumeDinNumeSiPrenume, KivPrenumeDinNumeSiPrenume,
-          KivScrieFrumosNrTelefon,  //
-          KivNotaToStr, KivNotaToTextLung, KivNotaToTextScurt, KivTestCNP, KivAnulNasteriiDinCnp, KivDataNasteriiDinCNP,
-          KivDataNasteriiDinCNP_scurt, KivVarstaDinCNP, KivTestCodFiscal, KivValideazaIBAN, KivEsteIBAN,
-          KivExtrageIBANdinIBANCuAnalitic, KivEliminaCoduriDinIBAN, KivValideazaSIRUTA, KivIncMonth, KivSetDayOfDate,
-          KivSetShortDateFormat, KivCalcDurataTotala, KivCalcDurataTotalaText, KivTimeToStrDurataMS,
-          KivDateTimeToSmartStrimg, KivSmartStringToDateTime,  //
-          KivStringToWideString, KivWideStringToString, KivUpCaseAsCodePage, KivRoToEn, KivRoText, KivCharReplace,
-          KivEncodeM1String, KivDecodeM1String,  //
-          KivStringHash, KivRemoveDualSlshPath, KivSmartRound, KivSmartRoundTo, KivCopiazaTextInClipboard,
-          KivAnalizeazaNrVersiune, KivNumarulDeVersiuneEsteValid, KivCompareNrVersiune, KivGetFileVersionKiv,
-          KivNamedFileVersionInfo, KivVersionFieldName>();
+constexpr Call kAll[] = {
+#define KIV_C_FUNCTION(name, parameters) CallOf<name>(name),
+#define KIV_C_SYSTEM_FUNCTION(name, parameters)
+#include "c_functions.inc"
+};
+
+const std::vector<Call>& Calls() {
+  static const std::vector<Call> calls = [] {
+    std::vector<Call> made(std::begin(kAll), std::end(kAll));
+    std::erase(made, nullptr);
+    return made;
+  }();
+  return calls;
+}
 
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
   FuzzedDataProvider data(bytes, size);
-  KivStringListClear(SharedList());
+  KivStringListClear(RealObject<KivStringList>());
   while (data.remaining_bytes() > 0) {
-    kCalls[data.ConsumeIntegralInRange<std::size_t>(0, kCalls.size() - 1)](data);
+    Calls()[data.ConsumeIntegralInRange<std::size_t>(0, Calls().size() - 1)](data);
   }
   return 0;
 }

@@ -20,9 +20,18 @@ class ArgumentError : public Error {
 };
 
 /// Turns the exception in flight into this thread's last error; returns the negated code. Only within a catch block.
-std::int32_t ReportCurrentException() noexcept;
+/// `operation` stands before the message of an ArgumentError, which knows its argument only.
+std::int32_t ReportCurrentException(const char* operation) noexcept;
 
-/// The Text argument `name` of `operation`. Throws ArgumentError for a null pointer with a length.
+// The arguments of an operation, each checked under the name that it has there. To be used in the body that GiveText,
+// GiveAnswer, GiveLength or Run is given: the exported function's own name comes before it in the message.
+#define KIV_TEXT(text, length) (::kiv::c::TextArgument((text), (length), #text))
+#define KIV_WIDE(wide, length) (::kiv::c::WideArgument((wide), (length), #wide))
+#define KIV_LIST(texts, lengths, count) (::kiv::c::ListArgument((texts), (lengths), (count), #texts))
+#define KIV_REQUIRED(pointer) (::kiv::c::PointerArgument((pointer), #pointer))
+#define KIV_BUFFER(buffer, capacity) (::kiv::c::BufferArgument((buffer), (capacity), #buffer))
+
+/// The Text argument `name`. Throws ArgumentError for a null pointer with a length.
 inline TextView TextArgument(const char* text, std::size_t length, const char* name) {
   if (text == nullptr && length != 0) {
     throw ArgumentError(Text(name) + ": pointer nul");
@@ -64,6 +73,14 @@ Value& PointerArgument(Value* value, const char* name) {
   return *value;
 }
 
+/// Throws ArgumentError where a buffer that has room has no address.
+template <class Unit>
+void BufferArgument(const Unit* buffer, std::size_t capacity, const char* name) {
+  if (capacity > 0) {
+    PointerArgument(buffer, name);
+  }
+}
+
 /// Copies `text` into the caller's buffer as far as it fits, zero-terminated; returns its whole length.
 template <class Unit, class View>
 KivLength CopyOut(const View& text, Unit* buffer, std::size_t capacity) noexcept {
@@ -78,37 +95,47 @@ KivLength CopyOut(const View& text, Unit* buffer, std::size_t capacity) noexcept
   return static_cast<KivLength>(text.size());
 }
 
-/// Runs an operation that gives Text, or UTF-16 for a buffer of 16-bit units, and copies it out.
+/// Runs an operation that gives Text, or UTF-16 for a buffer of 16-bit units, and copies it out. Here and below, `name`
+/// is the exported function's, of itself.
 template <class Unit, class Operation>
-KivLength GiveText(Unit* buffer, std::size_t capacity, Operation&& operation) noexcept {
+KivLength GiveText(Unit* buffer, std::size_t capacity, Operation&& operation,
+                   const char* name = __builtin_FUNCTION()) noexcept {
   try {
-    if (capacity > 0) {
-      PointerArgument(buffer, "buffer");
-    }
+    KIV_BUFFER(buffer, capacity);
     return CopyOut(std::forward<Operation>(operation)(), buffer, capacity);
   } catch (...) {
-    return ReportCurrentException();
+    return ReportCurrentException(name);
+  }
+}
+
+/// Runs an operation that gives a length or a count.
+template <class Operation>
+KivLength GiveLength(Operation&& operation, const char* name = __builtin_FUNCTION()) noexcept {
+  try {
+    return static_cast<KivLength>(std::forward<Operation>(operation)());
+  } catch (...) {
+    return ReportCurrentException(name);
   }
 }
 
 /// Runs an operation that gives yes or no.
 template <class Operation>
-KivAnswer GiveAnswer(Operation&& operation) noexcept {
+KivAnswer GiveAnswer(Operation&& operation, const char* name = __builtin_FUNCTION()) noexcept {
   try {
     return std::forward<Operation>(operation)() ? 1 : 0;
   } catch (...) {
-    return ReportCurrentException();
+    return ReportCurrentException(name);
   }
 }
 
 /// Runs an operation that gives nothing, or stores its results itself as its last step.
 template <class Operation>
-KivStatus Run(Operation&& operation) noexcept {
+KivStatus Run(Operation&& operation, const char* name = __builtin_FUNCTION()) noexcept {
   try {
     std::forward<Operation>(operation)();
     return KIV_OK;
   } catch (...) {
-    return ReportCurrentException();
+    return ReportCurrentException(name);
   }
 }
 

@@ -36,14 +36,11 @@ TKivAVLIndex::NodeView ViewOf(const KivAVLNode& node) {
   return std::bit_cast<TKivAVLIndex::NodeView>(Place{node.place[0], node.place[1]});
 }
 
-std::int32_t Walk(const char* operation, KivAVLIndex* index, KivAvlForEach callback, void* context,
-                  void (TKivAVLIndex::*walk)(const kiv::TKivAvlForEach&)) noexcept {
+std::int32_t Walk(void (TKivAVLIndex::*walk)(const kiv::TKivAvlForEach&), KivAVLIndex* index, KivAvlForEach callback,
+                  void* context, const char* name = __builtin_FUNCTION()) noexcept {
   try {
-    KivAVLIndex& walked = PointerArgument(index, operation);
-    if (callback == nullptr) {
-      throw ArgumentError(kiv::Text(operation) + ": callback nul");
-    }
-    (walked.*walk)([=](std::int32_t key, void* payload) {
+    KIV_REQUIRED(callback);
+    (KIV_REQUIRED(index).*walk)([=](std::int32_t key, void* payload) {
       if (const std::int32_t answer = callback(context, key, payload); answer > 0) {
         throw EndOfWalk{answer};
       }
@@ -52,7 +49,7 @@ std::int32_t Walk(const char* operation, KivAVLIndex* index, KivAvlForEach callb
   } catch (const EndOfWalk& end) {
     return end.answer;
   } catch (...) {
-    return ReportCurrentException();
+    return ReportCurrentException(name);
   }
 }
 
@@ -62,7 +59,7 @@ extern "C" {
 
 KivStatus KivAVLIndexCreate(int32_t payloadSize, int32_t largeBuffers, KivAVLIndex** index) {
   return Run([=] {
-    KivAVLIndex*& result = PointerArgument(index, "KivAVLIndexCreate: index");
+    KivAVLIndex*& result = KIV_REQUIRED(index);
     result = new KivAVLIndex(payloadSize, largeBuffers != 0);
   });
 }
@@ -73,45 +70,36 @@ void KivAVLIndexDestroy(KivAVLIndex* index) {
 
 KivStatus KivAVLIndexFind(KivAVLIndex* index, int32_t key, int32_t insert, void** payload) {
   return Run([=] {
-    void*& result = PointerArgument(payload, "KivAVLIndexFind: payload");
-    result = PointerArgument(index, "KivAVLIndexFind: index").Find(key, insert != 0);
+    void*& result = KIV_REQUIRED(payload);
+    result = KIV_REQUIRED(index).Find(key, insert != 0);
   });
 }
 
 KivStatus KivAVLIndexHeight(const KivAVLIndex* index, int32_t* height) {
   return Run([=] {
-    int32_t& result = PointerArgument(height, "KivAVLIndexHeight: height");
-    result = PointerArgument(index, "KivAVLIndexHeight: index").Height();
+    int32_t& result = KIV_REQUIRED(height);
+    result = KIV_REQUIRED(index).Height();
   });
 }
 
 KivAnswer KivAVLIndexRoot(const KivAVLIndex* index, KivAVLNode* node) {
-  return GiveAnswer([=] {
-    return GiveNode(PointerArgument(index, "KivAVLIndexRoot: index").Root(),
-                    PointerArgument(node, "KivAVLIndexRoot: node"));
-  });
+  return GiveAnswer([=] { return GiveNode(KIV_REQUIRED(index).Root(), KIV_REQUIRED(node)); });
 }
 
 KivAnswer KivAVLNodeLeft(const KivAVLNode* node, KivAVLNode* left) {
-  return GiveAnswer([=] {
-    return GiveNode(ViewOf(PointerArgument(node, "KivAVLNodeLeft: node")).Left(),
-                    PointerArgument(left, "KivAVLNodeLeft: left"));
-  });
+  return GiveAnswer([=] { return GiveNode(ViewOf(KIV_REQUIRED(node)).Left(), KIV_REQUIRED(left)); });
 }
 
 KivAnswer KivAVLNodeRight(const KivAVLNode* node, KivAVLNode* right) {
-  return GiveAnswer([=] {
-    return GiveNode(ViewOf(PointerArgument(node, "KivAVLNodeRight: node")).Right(),
-                    PointerArgument(right, "KivAVLNodeRight: right"));
-  });
+  return GiveAnswer([=] { return GiveNode(ViewOf(KIV_REQUIRED(node)).Right(), KIV_REQUIRED(right)); });
 }
 
 int32_t KivAVLIndexForEachInOrder(KivAVLIndex* index, KivAvlForEach callback, void* context) {
-  return Walk("KivAVLIndexForEachInOrder", index, callback, context, &TKivAVLIndex::ForEachInOrder);
+  return Walk(&TKivAVLIndex::ForEachInOrder, index, callback, context);
 }
 
 int32_t KivAVLIndexForEachPreOrder(KivAVLIndex* index, KivAvlForEach callback, void* context) {
-  return Walk("KivAVLIndexForEachPreOrder", index, callback, context, &TKivAVLIndex::ForEachPreOrder);
+  return Walk(&TKivAVLIndex::ForEachPreOrder, index, callback, context);
 }
 
 int32_t KivAvlMemory(void) {

@@ -18,21 +18,35 @@ struct LastError {
 
 thread_local LastError last_error;
 
+/// Appends to the message what still fits.
+void Append(const char* text) noexcept {
+  const std::size_t length = std::min(std::strlen(text), last_error.message.size() - 1 - last_error.length);
+  std::memcpy(last_error.message.data() + last_error.length, text, length);
+  last_error.length += length;
+  last_error.message[last_error.length] = '\0';
+}
+
 std::int32_t Report(std::int32_t code, const char* message) noexcept {
   last_error.code = code;
-  last_error.length = std::min(std::strlen(message), last_error.message.size() - 1);
-  std::memcpy(last_error.message.data(), message, last_error.length);
-  last_error.message[last_error.length] = '\0';
+  last_error.length = 0;
+  Append(message);
+  return -code;
+}
+
+std::int32_t Report(std::int32_t code, const char* operation, const char* message) noexcept {
+  Report(code, operation);
+  Append(": ");
+  Append(message);
   return -code;
 }
 
 }  // namespace
 
-std::int32_t ReportCurrentException() noexcept {
+std::int32_t ReportCurrentException(const char* operation) noexcept {
   try {
     throw;
   } catch (const ArgumentError& error) {
-    return Report(KIV_ERROR_ARGUMENT, error.what());
+    return Report(KIV_ERROR_ARGUMENT, operation, error.what());
   } catch (const ConversionError& error) {
     return Report(KIV_ERROR_CONVERSION, error.what());
   } catch (const DateEncodingError& error) {
@@ -87,13 +101,13 @@ KivLength KivVersion(char* buffer, size_t capacity) {
 
 KivLength KivTextToUtf8(const char* text, size_t length, int32_t commaBelow, char* buffer, size_t capacity) {
   return GiveText(buffer, capacity, [=] {
-    return kiv::ToUtf8(TextArgument(text, length, "KivTextToUtf8: text"),
+    return kiv::ToUtf8(KIV_TEXT(text, length),
                        commaBelow != 0 ? kiv::DiacriticForm::CommaBelow : kiv::DiacriticForm::Cedilla);
   });
 }
 
 KivLength KivUtf8ToText(const char* utf8, size_t length, char* buffer, size_t capacity) {
-  return GiveText(buffer, capacity, [=] { return kiv::FromUtf8(TextArgument(utf8, length, "KivUtf8ToText: utf8")); });
+  return GiveText(buffer, capacity, [=] { return kiv::FromUtf8(KIV_TEXT(utf8, length)); });
 }
 
 }  // extern "C"

@@ -8,15 +8,11 @@ using namespace kiv::c;
 extern "C" {
 
 KivLength KivStringToWideString(const char* text, size_t length, int32_t codePage, uint16_t* buffer, size_t capacity) {
-  return GiveText(buffer, capacity, [=] {
-    return kiv::StringToWideString(TextArgument(text, length, "KivStringToWideString: text"), codePage);
-  });
+  return GiveText(buffer, capacity, [=] { return kiv::StringToWideString(KIV_TEXT(text, length), codePage); });
 }
 
 KivLength KivWideStringToString(const uint16_t* wide, size_t length, int32_t codePage, char* buffer, size_t capacity) {
-  return GiveText(buffer, capacity, [=] {
-    return kiv::WideStringToString(WideArgument(wide, length, "KivWideStringToString: wide"), codePage);
-  });
+  return GiveText(buffer, capacity, [=] { return kiv::WideStringToString(KIV_WIDE(wide, length), codePage); });
 }
 
 KivAnswer KivIsWinOsUnicode(void) {
@@ -24,9 +20,7 @@ KivAnswer KivIsWinOsUnicode(void) {
 }
 
 KivLength KivUpCaseAsCodePage(const char* text, size_t length, int32_t codePage, char* buffer, size_t capacity) {
-  return GiveText(buffer, capacity, [=] {
-    return kiv::UpCaseAsCodePage(TextArgument(text, length, "KivUpCaseAsCodePage: text"), codePage);
-  });
+  return GiveText(buffer, capacity, [=] { return kiv::UpCaseAsCodePage(KIV_TEXT(text, length), codePage); });
 }
 
 KivAnswer KivPage1250Ok(void) {

@@ -7,13 +7,7 @@ using namespace kiv::c;
 
 namespace {
 
-void RequireBuffer(const char* buffer, size_t capacity, const char* name) {
-  if (capacity > 0) {
-    PointerArgument(buffer, name);
-  }
-}
-
-void GiveLength(KivLength length, KivLength* stored) {
+void StoreLength(KivLength length, KivLength* stored) {
   if (stored != nullptr) {
     *stored = length;
   }
@@ -24,24 +18,22 @@ void GiveLength(KivLength length, KivLength* stored) {
 extern "C" {
 
 KivStatus KivIncMonth(double date, int32_t months, double* result) {
-  return Run(
-      [=] { PointerArgument(result, "KivIncMonth: result") = kiv::IncMonth(kiv::DateTime(date), months).Days(); });
+  return Run([=] { KIV_REQUIRED(result) = kiv::IncMonth(kiv::DateTime(date), months).Days(); });
 }
 
 KivStatus KivSetDayOfDate(double date, int32_t day, double* result) {
-  return Run(
-      [=] { PointerArgument(result, "KivSetDayOfDate: result") = kiv::SetDayOfDate(kiv::DateTime(date), day).Days(); });
+  return Run([=] { KIV_REQUIRED(result) = kiv::SetDayOfDate(kiv::DateTime(date), day).Days(); });
 }
 
 KivStatus KivSetShortDateFormat(const char* format, size_t length) {
-  return Run([=] { kiv::SetShortDateFormat(TextArgument(format, length, "KivSetShortDateFormat: format")); });
+  return Run([=] { kiv::SetShortDateFormat(KIV_TEXT(format, length)); });
 }
 
 KivStatus KivCalcDurataTotala(double start, double now, int32_t totalCount, int32_t doneCount, double* total,
                               double* remaining) {
   return Run([=] {
-    double& totalDays = PointerArgument(total, "KivCalcDurataTotala: total");
-    double& remainingDays = PointerArgument(remaining, "KivCalcDurataTotala: remaining");
+    double& totalDays = KIV_REQUIRED(total);
+    double& remainingDays = KIV_REQUIRED(remaining);
     kiv::DateTime totalTime;
     kiv::DateTime remainingTime;
     kiv::CalcDurataTotala(kiv::DateTime(start), kiv::DateTime(now), totalCount, doneCount, totalTime, remainingTime);
@@ -54,13 +46,13 @@ KivStatus KivCalcDurataTotalaText(double start, double now, int32_t totalCount, 
                                   size_t totalCapacity, KivLength* totalLength, char* remaining,
                                   size_t remainingCapacity, KivLength* remainingLength) {
   return Run([=] {
-    RequireBuffer(total, totalCapacity, "KivCalcDurataTotalaText: total");
-    RequireBuffer(remaining, remainingCapacity, "KivCalcDurataTotalaText: remaining");
+    KIV_BUFFER(total, totalCapacity);
+    KIV_BUFFER(remaining, remainingCapacity);
     kiv::Text totalText;
     kiv::Text remainingText;
     kiv::CalcDurataTotala(kiv::DateTime(start), kiv::DateTime(now), totalCount, doneCount, totalText, remainingText);
-    GiveLength(CopyOut(totalText, total, totalCapacity), totalLength);
-    GiveLength(CopyOut(remainingText, remaining, remainingCapacity), remainingLength);
+    StoreLength(CopyOut(totalText, total, totalCapacity), totalLength);
+    StoreLength(CopyOut(remainingText, remaining, remainingCapacity), remainingLength);
   });
 }
 
@@ -74,8 +66,8 @@ KivLength KivDateTimeToSmartStrimg(double moment, char* buffer, size_t capacity)
 
 KivStatus KivSmartStringToDateTime(const char* text, size_t length, double* moment) {
   return Run([=] {
-    double& result = PointerArgument(moment, "KivSmartStringToDateTime: moment");
-    result = kiv::SmartStringToDateTime(TextArgument(text, length, "KivSmartStringToDateTime: text")).Days();
+    double& result = KIV_REQUIRED(moment);
+    result = kiv::SmartStringToDateTime(KIV_TEXT(text, length)).Days();
   });
 }
 

@@ -7,8 +7,10 @@ using namespace kiv::c;
 
 namespace {
 
-KivLength WriteDate(kiv::Text (*form)(kiv::DateTime), double days, char* buffer, size_t capacity) {
-  return GiveText(buffer, capacity, [=] { return form(kiv::DateTime(days)); });
+KivLength WriteDate(kiv::Text (*form)(kiv::DateTime), double days, char* buffer, size_t capacity,
+                    const char* name = __builtin_FUNCTION()) {
+  return GiveText(
+      buffer, capacity, [=] { return form(kiv::DateTime(days)); }, name);
 }
 
 }  // namespace
@@ -18,14 +20,14 @@ extern "C" {
 KivStatus KivEncodeDate(int32_t year, int32_t month, int32_t day, int32_t hour, int32_t minute, int32_t second,
                         int32_t millisecond, double* days) {
   return Run([=] {
-    double& result = PointerArgument(days, "KivEncodeDate: days");
+    double& result = KIV_REQUIRED(days);
     result = kiv::DateTime::Encode(year, month, day, hour, minute, second, millisecond).Days();
   });
 }
 
 KivStatus KivDecodeDate(double days, KivDateParts* parts) {
   return Run([=] {
-    KivDateParts& result = PointerArgument(parts, "KivDecodeDate: parts");
+    KivDateParts& result = KIV_REQUIRED(parts);
     const auto [year, month, day, hour, minute, second, millisecond, dayOfWeek] = kiv::DateTime(days).Decode();
     result = {year, month, day, hour, minute, second, millisecond, dayOfWeek};
   });
@@ -93,17 +95,14 @@ KivLength KivTimeToStrRo2(double days, char* buffer, size_t capacity) {
 
 KivStatus KivRoCodeToDate(const char* text, size_t length, double* days) {
   return Run([=] {
-    double& result = PointerArgument(days, "KivRoCodeToDate: days");
-    result = kiv::RoCodeToDate(TextArgument(text, length, "KivRoCodeToDate: text")).Days();
+    double& result = KIV_REQUIRED(days);
+    result = kiv::RoCodeToDate(KIV_TEXT(text, length)).Days();
   });
 }
 
 KivLength KivDateToRoText_WithCode(double days, int32_t first, int32_t second, int32_t month, int32_t third,
                                    char* buffer, size_t capacity) {
   return GiveText(buffer, capacity, [=] {
-    if (month < kiv::scriu_1_cifre_luna || month > kiv::scriu_nume_luna) {
-      throw ArgumentError("KivDateToRoText_WithCode: month " + std::to_string(month) + " nu exista");
-    }
     return kiv::DateToRoText_WithCode(kiv::DateTime(days), first != 0, second != 0,
                                       static_cast<kiv::TCumScriuLuna>(month), third != 0);
   });

@@ -8,7 +8,7 @@ using namespace kiv::c;
 extern "C" {
 
 KivAnswer KivTestCodFiscal(const char* code, size_t length) {
-  return GiveAnswer([=] { return kiv::TestCodFiscal(TextArgument(code, length, "KivTestCodFiscal: code")); });
+  return GiveAnswer([=] { return kiv::TestCodFiscal(KIV_TEXT(code, length)); });
 }
 
 }  // extern "C"

@@ -8,8 +8,7 @@ using namespace kiv::c;
 extern "C" {
 
 KivAnswer KivDoNewInstance(const void* address, const char* className, size_t length) {
-  return GiveAnswer(
-      [=] { return kiv::DoNewInstance(address, TextArgument(className, length, "KivDoNewInstance: className")); });
+  return GiveAnswer([=] { return kiv::DoNewInstance(address, KIV_TEXT(className, length)); });
 }
 
 KivAnswer KivDoFreeInstance(const void* object) {
@@ -33,7 +32,7 @@ KivStatus KivUnLockObjectDestruction(const void* object) {
 }
 
 KivStatus KivRecordCaller(const void* object, const char* caller, size_t length) {
-  return Run([=] { kiv::RecordCaller(object, TextArgument(caller, length, "KivRecordCaller: caller")); });
+  return Run([=] { kiv::RecordCaller(object, KIV_TEXT(caller, length)); });
 }
 
 }  // extern "C"

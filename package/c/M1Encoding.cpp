@@ -8,13 +8,11 @@ using namespace kiv::c;
 extern "C" {
 
 KivLength KivEncodeM1String(const char* text, size_t length, char* buffer, size_t capacity) {
-  return GiveText(buffer, capacity,
-                  [=] { return kiv::EncodeM1String(TextArgument(text, length, "KivEncodeM1String: text")); });
+  return GiveText(buffer, capacity, [=] { return kiv::EncodeM1String(KIV_TEXT(text, length)); });
 }
 
 KivLength KivDecodeM1String(const char* encoded, size_t length, char* buffer, size_t capacity) {
-  return GiveText(buffer, capacity,
-                  [=] { return kiv::DecodeM1String(TextArgument(encoded, length, "KivDecodeM1String: encoded")); });
+  return GiveText(buffer, capacity, [=] { return kiv::DecodeM1String(KIV_TEXT(encoded, length)); });
 }
 
 }  // extern "C"

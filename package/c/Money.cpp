@@ -25,8 +25,8 @@ KivLength KivCurrencyToRoStrRON(int64_t tenThousandths, int32_t decimals, char* 
 
 KivStatus KivRoStrToCurrency(const char* text, size_t length, int64_t* tenThousandths) {
   return Run([=] {
-    int64_t& result = PointerArgument(tenThousandths, "KivRoStrToCurrency: tenThousandths");
-    result = kiv::RoStrToCurrency(TextArgument(text, length, "KivRoStrToCurrency: text")).Raw();
+    int64_t& result = KIV_REQUIRED(tenThousandths);
+    result = kiv::RoStrToCurrency(KIV_TEXT(text, length)).Raw();
   });
 }
 

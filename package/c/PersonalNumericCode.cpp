@@ -8,31 +8,28 @@ using namespace kiv::c;
 extern "C" {
 
 KivAnswer KivTestCNP(const char* code, size_t length) {
-  return GiveAnswer([=] { return kiv::TestCNP(TextArgument(code, length, "KivTestCNP: code")); });
+  return GiveAnswer([=] { return kiv::TestCNP(KIV_TEXT(code, length)); });
 }
 
 KivStatus KivAnulNasteriiDinCnp(const char* code, size_t length, int32_t* year) {
   return Run([=] {
-    int32_t& result = PointerArgument(year, "KivAnulNasteriiDinCnp: year");
-    result = kiv::AnulNasteriiDinCnp(TextArgument(code, length, "KivAnulNasteriiDinCnp: code"));
+    int32_t& result = KIV_REQUIRED(year);
+    result = kiv::AnulNasteriiDinCnp(KIV_TEXT(code, length));
   });
 }
 
 KivLength KivDataNasteriiDinCNP(const char* code, size_t length, char* buffer, size_t capacity) {
-  return GiveText(buffer, capacity,
-                  [=] { return kiv::DataNasteriiDinCNP(TextArgument(code, length, "KivDataNasteriiDinCNP: code")); });
+  return GiveText(buffer, capacity, [=] { return kiv::DataNasteriiDinCNP(KIV_TEXT(code, length)); });
 }
 
 KivLength KivDataNasteriiDinCNP_scurt(const char* code, size_t length, char* buffer, size_t capacity) {
-  return GiveText(buffer, capacity, [=] {
-    return kiv::DataNasteriiDinCNP_scurt(TextArgument(code, length, "KivDataNasteriiDinCNP_scurt: code"));
-  });
+  return GiveText(buffer, capacity, [=] { return kiv::DataNasteriiDinCNP_scurt(KIV_TEXT(code, length)); });
 }
 
 KivStatus KivVarstaDinCNP(const char* code, size_t length, int32_t* age) {
   return Run([=] {
-    int32_t& result = PointerArgument(age, "KivVarstaDinCNP: age");
-    result = kiv::VarstaDinCNP(TextArgument(code, length, "KivVarstaDinCNP: code"));
+    int32_t& result = KIV_REQUIRED(age);
+    result = kiv::VarstaDinCNP(KIV_TEXT(code, length));
   });
 }
 

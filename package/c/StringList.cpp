@@ -17,22 +17,19 @@ void KivStringListFree(KivStringList* list) {
 }
 
 KivLength KivStringListCount(const KivStringList* list) {
-  std::size_t count = 0;
-  const KivStatus status =
-      Run([&count, list] { count = PointerArgument(list, "KivStringListCount: list").items.size(); });
-  return status == KIV_OK ? static_cast<KivLength>(count) : status;
+  return GiveLength([=] { return KIV_REQUIRED(list).items.size(); });
 }
 
 KivStatus KivStringListAdd(KivStringList* list, const char* text, size_t length) {
   return Run([=] {
-    const kiv::TextView item = TextArgument(text, length, "KivStringListAdd: text");
-    PointerArgument(list, "KivStringListAdd: list").items.emplace_back(item);
+    const kiv::TextView item = KIV_TEXT(text, length);
+    KIV_REQUIRED(list).items.emplace_back(item);
   });
 }
 
 KivLength KivStringListItem(const KivStringList* list, size_t index, char* buffer, size_t capacity) {
   return GiveText(buffer, capacity, [=]() -> kiv::TextView {
-    const kiv::StringList& items = PointerArgument(list, "KivStringListItem: list").items;
+    const kiv::StringList& items = KIV_REQUIRED(list).items;
     if (index >= items.size()) {
       throw kiv::ListIndexError("KivStringListItem: indicele " + std::to_string(index) + " nu exista intr-o lista de " +
                                 std::to_string(items.size()));
@@ -42,7 +39,7 @@ KivLength KivStringListItem(const KivStringList* list, size_t index, char* buffe
 }
 
 KivStatus KivStringListClear(KivStringList* list) {
-  return Run([=] { PointerArgument(list, "KivStringListClear: list").items.clear(); });
+  return Run([=] { KIV_REQUIRED(list).items.clear(); });
 }
 
 }  // extern "C"

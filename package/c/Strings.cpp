@@ -10,25 +10,24 @@ using namespace kiv::c;
 
 namespace {
 
-kiv::Variant VariantArgument(const KivVariant* value, const char* name) {
-  const KivVariant& given = PointerArgument(value, name);
-  switch (given.kind) {
+kiv::Variant ToVariant(const KivVariant& value) {
+  switch (value.kind) {
     case KIV_VARIANT_NULL:
       return kiv::Null{};
     case KIV_VARIANT_BOOLEAN:
-      return given.integer != 0;
+      return value.integer != 0;
     case KIV_VARIANT_INTEGER:
-      return given.integer;
+      return value.integer;
     case KIV_VARIANT_DOUBLE:
-      return given.number;
+      return value.number;
     case KIV_VARIANT_CURRENCY:
-      return kiv::Currency::FromRaw(given.integer);
+      return kiv::Currency::FromRaw(value.integer);
     case KIV_VARIANT_DATE_TIME:
-      return kiv::DateTime(given.number);
+      return kiv::DateTime(value.number);
     case KIV_VARIANT_TEXT:
-      return kiv::Text(TextArgument(given.text, given.length, name));
+      return kiv::Text(KIV_TEXT(value.text, value.length));
     default:
-      throw ArgumentError(kiv::Text(name) + ": felul " + std::to_string(given.kind) + " nu exista");
+      throw ArgumentError("value.kind " + std::to_string(value.kind) + " nu exista");
   }
 }
 
@@ -39,41 +38,37 @@ extern "C" {
 KivStatus KivExplode(const char* separators, size_t separatorsLength, const char* text, size_t length, int32_t limit,
                      KivStringList* pieces) {
   return Run([=] {
-    kiv::StringList& result = PointerArgument(pieces, "KivExplode: pieces").items;
-    result = kiv::Explode(TextArgument(separators, separatorsLength, "KivExplode: separators"),
-                          TextArgument(text, length, "KivExplode: text"), limit);
+    kiv::StringList& result = KIV_REQUIRED(pieces).items;
+    result = kiv::Explode(KIV_TEXT(separators, separatorsLength), KIV_TEXT(text, length), limit);
   });
 }
 
 KivStatus KivSplitTextOnSeparator(const char* text, size_t length, const char* separators, size_t separatorsLength,
                                   KivStringList* list) {
   return Run([=] {
-    kiv::StringList& result = PointerArgument(list, "KivSplitTextOnSeparator: list").items;
-    kiv::SplitTextOnSeparator(TextArgument(text, length, "KivSplitTextOnSeparator: text"),
-                              TextArgument(separators, separatorsLength, "KivSplitTextOnSeparator: separators"),
-                              result);
+    kiv::StringList& result = KIV_REQUIRED(list).items;
+    kiv::SplitTextOnSeparator(KIV_TEXT(text, length), KIV_TEXT(separators, separatorsLength), result);
   });
 }
 
 KivLength KivStringHash(const char* text, size_t length, char* buffer, size_t capacity) {
-  return GiveText(buffer, capacity, [=] { return kiv::StringHash(TextArgument(text, length, "KivStringHash: text")); });
+  return GiveText(buffer, capacity, [=] { return kiv::StringHash(KIV_TEXT(text, length)); });
 }
 
 KivLength KivRemoveDualSlshPath(const char* path, size_t length, char* buffer, size_t capacity) {
-  return GiveText(buffer, capacity,
-                  [=] { return kiv::RemoveDualSlshPath(TextArgument(path, length, "KivRemoveDualSlshPath: path")); });
+  return GiveText(buffer, capacity, [=] { return kiv::RemoveDualSlshPath(KIV_TEXT(path, length)); });
 }
 
 KivStatus KivSmartRound(double value, double* result) {
-  return Run([=] { PointerArgument(result, "KivSmartRound: result") = kiv::SmartRound(value); });
+  return Run([=] { KIV_REQUIRED(result) = kiv::SmartRound(value); });
 }
 
 KivStatus KivSmartRoundTo(double value, int32_t digit, double* result) {
   return Run([=] {
-    double& rounded = PointerArgument(result, "KivSmartRoundTo: result");
+    double& rounded = KIV_REQUIRED(result);
     using Digits = std::numeric_limits<std::int8_t>;
     if (digit < Digits::min() || digit > Digits::max()) {
-      throw ArgumentError("KivSmartRoundTo: digit " + std::to_string(digit) + " nu este in -128..127");
+      throw ArgumentError("digit " + std::to_string(digit) + " nu este in -128..127");
     }
     rounded = kiv::SmartRoundTo(value, static_cast<std::int8_t>(digit));
   });
@@ -85,15 +80,15 @@ int32_t KivTrimestruLuna(int32_t month) {
 
 KivStatus KivVarToDateDef(const KivVariant* value, double defaultDays, double* days) {
   return Run([=] {
-    double& result = PointerArgument(days, "KivVarToDateDef: days");
-    result = kiv::VarToDateDef(VariantArgument(value, "KivVarToDateDef: value"), kiv::DateTime(defaultDays)).Days();
+    double& result = KIV_REQUIRED(days);
+    result = kiv::VarToDateDef(ToVariant(KIV_REQUIRED(value)), kiv::DateTime(defaultDays)).Days();
   });
 }
 
 KivStatus KivVarToIntDef(const KivVariant* value, int32_t defaultValue, int32_t* result) {
   return Run([=] {
-    int32_t& integer = PointerArgument(result, "KivVarToIntDef: result");
-    integer = kiv::VarToIntDef(VariantArgument(value, "KivVarToIntDef: value"), defaultValue);
+    int32_t& integer = KIV_REQUIRED(result);
+    integer = kiv::VarToIntDef(ToVariant(KIV_REQUIRED(value)), defaultValue);
   });
 }
 
@@ -114,7 +109,7 @@ KivAnswer KivEsteWindowsVista(void) {
 }
 
 KivStatus KivCopiazaTextInClipboard(const char* text, size_t length) {
-  return Run([=] { kiv::CopiazaTextInClipboard(TextArgument(text, length, "KivCopiazaTextInClipboard: text")); });
+  return Run([=] { kiv::CopiazaTextInClipboard(KIV_TEXT(text, length)); });
 }
 
 }  // extern "C"

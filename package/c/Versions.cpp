@@ -22,39 +22,32 @@ extern "C" {
 KivAnswer KivAnalizeazaNrVersiune(int32_t* major, int32_t* minor, int32_t* release, int32_t* build, const char* version,
                                   size_t length) {
   return GiveAnswer([=] {
-    int32_t& first = PointerArgument(major, "KivAnalizeazaNrVersiune: major");
-    int32_t& second = PointerArgument(minor, "KivAnalizeazaNrVersiune: minor");
-    int32_t& third = PointerArgument(release, "KivAnalizeazaNrVersiune: release");
-    int32_t& fourth = PointerArgument(build, "KivAnalizeazaNrVersiune: build");
-    const kiv::TextView text = TextArgument(version, length, "KivAnalizeazaNrVersiune: version");
+    int32_t& first = KIV_REQUIRED(major);
+    int32_t& second = KIV_REQUIRED(minor);
+    int32_t& third = KIV_REQUIRED(release);
+    int32_t& fourth = KIV_REQUIRED(build);
+    const kiv::TextView text = KIV_TEXT(version, length);
     return kiv::AnalizeazaNrVersiune(first, second, third, fourth, text);
   });
 }
 
 KivAnswer KivNumarulDeVersiuneEsteValid(const char* version, size_t length) {
-  return GiveAnswer([=] {
-    return kiv::NumarulDeVersiuneEsteValid(TextArgument(version, length, "KivNumarulDeVersiuneEsteValid: version"));
-  });
+  return GiveAnswer([=] { return kiv::NumarulDeVersiuneEsteValid(KIV_TEXT(version, length)); });
 }
 
 KivStatus KivCompareNrVersiune(const char* a, size_t aLength, const char* b, size_t bLength, int32_t* difference) {
   return Run([=] {
-    int32_t& result = PointerArgument(difference, "KivCompareNrVersiune: difference");
-    result = kiv::CompareNrVersiune(TextArgument(a, aLength, "KivCompareNrVersiune: a"),
-                                    TextArgument(b, bLength, "KivCompareNrVersiune: b"));
+    int32_t& result = KIV_REQUIRED(difference);
+    result = kiv::CompareNrVersiune(KIV_TEXT(a, aLength), KIV_TEXT(b, bLength));
   });
 }
 
 KivLength KivGetFileVersionKiv(const char* fileName, size_t length, char* buffer, size_t capacity) {
-  return GiveText(buffer, capacity, [=] {
-    return kiv::GetFileVersionKiv(TextArgument(fileName, length, "KivGetFileVersionKiv: fileName"));
-  });
+  return GiveText(buffer, capacity, [=] { return kiv::GetFileVersionKiv(KIV_TEXT(fileName, length)); });
 }
 
 KivLength KivNamedFileVersionInfo(const char* fileName, size_t length, char* buffer, size_t capacity) {
-  return GiveText(buffer, capacity, [=] {
-    return kiv::NamedFileVersionInfo(TextArgument(fileName, length, "KivNamedFileVersionInfo: fileName"));
-  });
+  return GiveText(buffer, capacity, [=] { return kiv::NamedFileVersionInfo(KIV_TEXT(fileName, length)); });
 }
 
 KivLength KivThisExeVersionInfo(char* buffer, size_t capacity) {
@@ -63,8 +56,8 @@ KivLength KivThisExeVersionInfo(char* buffer, size_t capacity) {
 
 KivStatus KivVersionInfo(const char* fileName, size_t length, KivStringList* fields, KivFixedFileInfo* fixedInfo) {
   return Run([=] {
-    kiv::StringList& items = PointerArgument(fields, "KivVersionInfo: fields").items;
-    const kiv::TextView path = TextArgument(fileName, length, "KivVersionInfo: fileName");
+    kiv::StringList& items = KIV_REQUIRED(fields).items;
+    const kiv::TextView path = KIV_TEXT(fileName, length);
     const auto texts = kiv::version::ReadVersionTexts(kiv::platform::PathFromText(path));
     kiv::StringList all(texts.strings.begin(), texts.strings.end());
     all.insert(all.end(), texts.parts.begin(), texts.parts.end());
@@ -79,7 +72,7 @@ KivStatus KivVersionInfo(const char* fileName, size_t length, KivStringList* fie
 KivLength KivVersionFieldName(int32_t field, char* buffer, size_t capacity) {
   return GiveText(buffer, capacity, [=]() -> kiv::TextView {
     if (field < 0 || field >= KIV_VERSION_FIELDS) {
-      throw ArgumentError("KivVersionFieldName: field " + std::to_string(field) + " nu exista");
+      throw ArgumentError("field " + std::to_string(field) + " nu exista");
     }
     const auto index = static_cast<std::size_t>(field);
     const std::size_t strings = kiv::version::kKeyNames.size();

@@ -80,10 +80,7 @@ KIV_API KivLength KivTimeToStrRo2(double days, char* buffer, size_t capacity);
  */
 KIV_API KivStatus KivRoCodeToDate(const char* text, size_t length, double* days);
 
-/**
- * Always the empty Text. month is 0 to 3 (digits, two digits, three letters, name); any other value is
- * KIV_ERROR_ARGUMENT. Example: "".
- */
+/** Always the empty Text, whatever the arguments; hosts rely on it. Example: the length 0. */
 KIV_API KivLength KivDateToRoText_WithCode(double days, int32_t first, int32_t second, int32_t month, int32_t third,
                                            char* buffer, size_t capacity);
 

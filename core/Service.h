@@ -27,6 +27,10 @@ class Service {
     return replacement != nullptr ? *replacement : builtIn_();
   }
 
+  /// What is in use instead of the built-in service, null for nothing; for services that are asked on fast ways and
+  /// whose built-in form does nothing.
+  [[nodiscard]] Interface* InItsPlace() const noexcept { return replacement_.load(std::memory_order_acquire); }
+
   /// Puts `replacement` in use, the built-in service for null; returns what was in the built-in one's place, null for
   /// nothing.
   Interface* Replace(Interface* replacement) noexcept { return replacement_.exchange(replacement); }

@@ -7,7 +7,7 @@ namespace kiv::platform {
 /// A shared library loaded at run time; unloaded with this object.
 class DynamicLibrary {
  public:
-  /// Loads the library. Throws OsError, naming the path, where the system cannot.
+  /// Loads the library. Throws OsError with the path and the system's code where the system cannot.
   explicit DynamicLibrary(const std::filesystem::path& path);
   ~DynamicLibrary();
   DynamicLibrary(const DynamicLibrary&) = delete;
@@ -17,7 +17,7 @@ class DynamicLibrary {
   [[nodiscard]] void* Symbol(const char* name) const noexcept;
 
  private:
-  void* handle_;
+  void* handle_ = nullptr;
 };
 
 }  // namespace kiv::platform

@@ -3,35 +3,150 @@
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
-#include <optional>
 #include <span>
 
+#include "platform/Handle.h"
+#include "platform/Paths.h"
+
+/// Files and folders of the system. Nothing here throws: every call gives a SystemStatus, and who wants an error says
+/// `.OrThrow(operation, path)`. Names are the system's own, so that no file is out of reach for its letters; on Windows
+/// there is no limit to the length of a path.
 namespace kiv::platform {
 
-/// A regular file opened for reading at any position; closed with this object. Others may write, rename and delete the
-/// file meanwhile.
-class ReadOnlyFile {
+/// A name within a folder, or a path, as it is handed to the system: zero-terminated. It does not own the letters. A
+/// text with a zero inside names nothing; the system would take it for the part before.
+class SystemName {
  public:
-  /// Opens the file. Empty for what does not exist, may not be read, or is no regular file (folders, pipes, devices):
-  /// opening those could wait for ever.
-  static std::optional<ReadOnlyFile> Open(const std::filesystem::path& path) noexcept;
+  using Letter = std::filesystem::path::value_type;
 
-  ~ReadOnlyFile();
-  ReadOnlyFile(ReadOnlyFile&& other) noexcept;
-  ReadOnlyFile& operator=(ReadOnlyFile&&) = delete;
+  SystemName(const Letter* name) noexcept : name_(name) {}
+  SystemName(const std::basic_string<Letter>& name) noexcept
+      : name_(name.find(Letter{}) == NativeView::npos ? name.c_str() : name.c_str() + name.size()) {}
+  SystemName(const std::filesystem::path& path) noexcept : SystemName(path.native()) {}
 
-  /// The size in bytes when the file was opened.
-  [[nodiscard]] std::uint64_t Size() const noexcept { return size_; }
-
-  /// Reads bytes from `offset` on; returns how many there were, fewer than wanted at the end of the file or where the
-  /// system cannot read.
-  std::size_t ReadAt(std::uint64_t offset, std::span<std::uint8_t> buffer) const noexcept;
+  [[nodiscard]] const Letter* Get() const noexcept { return name_; }
 
  private:
-  ReadOnlyFile(std::intptr_t handle, std::uint64_t size) noexcept : handle_(handle), size_(size) {}
-
-  std::intptr_t handle_;
-  std::uint64_t size_;
+  const Letter* name_;
 };
+
+/// A moment by the system's clock of files: seconds since 1 January 1970 UTC (negative before) and nanoseconds.
+struct FileTime {
+  std::int64_t seconds = 0;
+  std::int32_t nanoseconds = 0;
+  friend constexpr auto operator<=>(const FileTime&, const FileTime&) noexcept = default;
+};
+
+/// What an entry of a folder is. A link is a symbolic link, on Windows also a junction: an entry of its own, wherever
+/// it leads. Devices, pipes and sockets are `Other`.
+enum class EntryKind : std::uint8_t { File, Folder, Link, Other };
+
+/// What makes two names the same file: equal numbers, as long as both are open.
+struct FileIdentity {
+  std::uint64_t volume = 0;
+  std::uint64_t number = 0;
+  friend constexpr bool operator==(const FileIdentity&, const FileIdentity&) noexcept = default;
+};
+
+struct EntryInfo {
+  EntryKind kind = EntryKind::Other;
+  std::uint64_t size = 0;   ///< in bytes
+  std::uint64_t links = 0;  ///< how many names the file has
+  FileIdentity identity;
+  FileTime read;
+  FileTime written;
+  std::uint32_t attributes = 0;  ///< POSIX: the permission bits; Windows: the file attributes
+  std::uint32_t owner = 0;       ///< POSIX alone, as is the group
+  std::uint32_t group = 0;
+};
+
+/// Whether a name that is a link stands for itself or for what it leads to.
+enum class Links : std::uint8_t { AsThemselves, Followed };
+
+/// An open folder, which names are relative to: what happens to the path that led there does not matter any more.
+class Folder {
+ public:
+  Folder() noexcept = default;
+  /// The process's working folder: names may be whole paths. It is the same object for all, and is not open.
+  static const Folder& Working() noexcept;
+
+  /// Opens a folder for listing and for the names in it. Fails for everything else. What was open is closed.
+  SystemStatus Open(const Folder& at, SystemName name, Links links = Links::Followed) noexcept;
+
+  [[nodiscard]] bool IsOpen() const noexcept { return handle_.IsOpen(); }
+  SystemStatus Query(EntryInfo& info) const noexcept;
+  SystemStatus SetTimes(FileTime read, FileTime written) noexcept;
+  SystemStatus SetAttributes(const EntryInfo& like) noexcept;
+  /// Puts the names in it on the disk. On Windows the file system does so by itself, and this does nothing.
+  SystemStatus Flush() noexcept;
+
+  /// For the rest of the file layer.
+  [[nodiscard]] const FileHandle& Handle() const noexcept { return handle_; }
+
+ private:
+  FileHandle handle_;
+};
+
+/// How a file is opened. Others may read, write, rename and delete it meanwhile.
+enum class OpenMode : std::uint8_t {
+  ReadFile,    ///< a regular file; everything else is refused, without waiting for the other side of a pipe
+  ReadStream,  ///< whatever gives bytes: pipes and devices too
+  CreateNew,   ///< a file that nothing has the name of yet; a link that leads nowhere is a name as well
+  Overwrite,   ///< a file that is empty then, whether it existed or not
+  Append,      ///< a file that grows at its end, whether it existed or not
+};
+
+/// An open file.
+class File {
+ public:
+  /// Opens the file; what was open is closed. A new one gets `permissions` on POSIX, less what the process masks.
+  SystemStatus Open(const Folder& at, SystemName name, OpenMode mode, std::uint32_t permissions = 0666) noexcept;
+  SystemStatus Open(SystemName path, OpenMode mode) noexcept { return Open(Folder::Working(), path, mode); }
+
+  [[nodiscard]] bool IsOpen() const noexcept { return handle_.IsOpen(); }
+
+  /// Reads what there is at the file's position, as much as fits; `count` is 0 at the end only.
+  SystemStatus Read(std::span<std::uint8_t> buffer, std::size_t& count) noexcept;
+  /// Reads from `offset` on, until the buffer is full or the file ends; `count` is valid after a failure, too.
+  SystemStatus ReadAt(std::uint64_t offset, std::span<std::uint8_t> buffer, std::size_t& count) const noexcept;
+  /// Writes all bytes at the file's position.
+  SystemStatus Write(std::span<const std::uint8_t> bytes) noexcept;
+  /// Waits until what was written is on the disk.
+  SystemStatus Flush() noexcept;
+  /// Cuts the file off, or lengthens it with zeros. The position stays.
+  SystemStatus Resize(std::uint64_t size) noexcept;
+
+  SystemStatus Query(EntryInfo& info) const noexcept;
+  SystemStatus SetTimes(FileTime read, FileTime written) noexcept;
+  /// Gives it the attributes of another entry, and on POSIX its owner where this process may.
+  SystemStatus SetAttributes(const EntryInfo& like) noexcept;
+
+  /// Closes now: some file systems tell only then that bytes could not be written.
+  SystemStatus Close() noexcept { return handle_.Close(); }
+
+  /// For the rest of the file layer.
+  [[nodiscard]] const FileHandle& Handle() const noexcept { return handle_; }
+
+ private:
+  FileHandle handle_;
+};
+
+/// What has a name in the folder.
+SystemStatus Query(const Folder& at, SystemName name, Links links, EntryInfo& info) noexcept;
+
+/// Whether a name may be taken from another file.
+enum class Existing : std::uint8_t { Refused, Replaced };
+
+/// Gives an entry another name, in another folder of the same volume if need be. A replaced file is there until the new
+/// one has its name: nobody ever sees neither, and after a failure both are what they were.
+SystemStatus Rename(const Folder& from, SystemName name, const Folder& to, SystemName newName,
+                    Existing existing) noexcept;
+
+/// Removes a file or a link (what it leads to stays); folders are refused.
+SystemStatus RemoveFile(const Folder& at, SystemName name) noexcept;
+/// Removes an empty folder.
+SystemStatus RemoveFolder(const Folder& at, SystemName name) noexcept;
+/// Makes a folder. Fails where something has the name.
+SystemStatus MakeFolder(const Folder& at, SystemName name) noexcept;
 
 }  // namespace kiv::platform

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <string_view>
 
 #include "kivtools/Types.h"
 
@@ -13,6 +14,14 @@ std::filesystem::path PathFromText(TextView path);
 /// The reverse: a path as a Text. On Windows one with letters outside the code page is taken by its short name; throws
 /// OsError where it has none. Example: on Windows U+0163 becomes the byte 0xFE.
 Text TextFromPath(const std::filesystem::path& path);
+
+/// Names as the system has them: bytes on POSIX, UTF-16 units on Windows.
+using NativeView = std::basic_string_view<std::filesystem::path::value_type>;
+
+/// A path or a name to be read in a message: as Windows-1250, with "?" for letters that it lacks. On POSIX names are
+/// UTF-8; one that is not is taken for Windows-1250. Example: on both systems U+0163 is shown as the byte 0xFE and
+/// U+4E2D as "?".
+Text ShownPath(NativeView path);
 
 /// The system's temporary folder with its trailing separator. Throws OsError where the system names none.
 Text TemporaryFolder();

@@ -30,7 +30,7 @@ class OpenedClipboard {
     constexpr DWORD kPauseInMilliseconds = 10;
     for (int attempt = 0; OpenClipboard(window_.get()) == 0; ++attempt) {
       if (attempt == kAttempts) {
-        throw platform::LastSystemError("Nu pot deschide clipboard-ul");
+        platform::LastStatus().Throw("Nu pot deschide clipboard-ul");
       }
       Sleep(kPauseInMilliseconds);
     }
@@ -48,7 +48,7 @@ OwnedGlobal WideCopy(TextView text) {
   OwnedGlobal memory(GlobalAlloc(GMEM_MOVEABLE, (text.size() + 1) * sizeof(wchar_t)));
   auto* wide = memory != nullptr ? static_cast<wchar_t*>(GlobalLock(memory.get())) : nullptr;
   if (wide == nullptr) {
-    throw platform::LastSystemError("Clipboard: memorie insuficienta");
+    platform::LastStatus().Throw("Clipboard: memorie insuficienta");
   }
   for (const char byte : text) {
     *wide++ = static_cast<wchar_t>(windows1250::ToUnicode(static_cast<unsigned char>(byte)));
@@ -64,7 +64,7 @@ void Clipboard::SetText(TextView text) {
   OwnedGlobal copy = WideCopy(text);
   const OpenedClipboard opened;
   if (EmptyClipboard() == 0 || SetClipboardData(CF_UNICODETEXT, copy.get()) == nullptr) {
-    throw platform::LastSystemError("Nu pot scrie in clipboard");
+    platform::LastStatus().Throw("Nu pot scrie in clipboard");
   }
   [[maybe_unused]] const HGLOBAL nowTheSystems = copy.release();
 }

@@ -55,7 +55,7 @@ DialogAnswer Dialogs::Ask(DialogKind kind, TextView text, DialogButtons buttons)
     case IDRETRY:
       return DialogAnswer::Retry;
     default:
-      throw platform::LastSystemError("Nu pot arata dialogul \"" + Text(text) + "\"");
+      platform::LastStatus().Throw("Nu pot arata dialogul \"" + Text(text) + "\"");
   }
 }
 

@@ -45,7 +45,7 @@ std::vector<Monitor> Screen::Monitors() const {
     std::rethrow_exception(found.failure);
   }
   if (whole == 0) {
-    throw platform::LastSystemError("Nu pot enumera monitoarele");
+    platform::LastStatus().Throw("Nu pot enumera monitoarele");
   }
   return std::move(found.monitors);
 }
@@ -53,7 +53,7 @@ std::vector<Monitor> Screen::Monitors() const {
 Point Screen::MousePosition() const {
   POINT position{};
   if (GetCursorPos(&position) == 0) {
-    throw platform::LastSystemError("Nu pot afla pozitia mouse-ului");
+    platform::LastStatus().Throw("Nu pot afla pozitia mouse-ului");
   }
   return {position.x, position.y};
 }
@@ -61,7 +61,7 @@ Point Screen::MousePosition() const {
 std::int32_t Screen::PixelsPerInch() const {
   const HDC screen = GetDC(nullptr);
   if (screen == nullptr) {
-    throw platform::LastSystemError("Nu pot afla rezolutia ecranului");
+    platform::LastStatus().Throw("Nu pot afla rezolutia ecranului");
   }
   const std::int32_t pixels = GetDeviceCaps(screen, LOGPIXELSY);
   ReleaseDC(nullptr, screen);
@@ -72,7 +72,7 @@ std::int32_t Screen::MessageFontHeight() const {
   NONCLIENTMETRICSW metrics{};
   metrics.cbSize = sizeof metrics;
   if (SystemParametersInfoW(SPI_GETNONCLIENTMETRICS, sizeof metrics, &metrics, 0) == 0) {
-    throw platform::LastSystemError("Nu pot afla fontul mesajelor");
+    platform::LastStatus().Throw("Nu pot afla fontul mesajelor");
   }
   return metrics.lfMessageFont.lfHeight;
 }

@@ -1,59 +1,248 @@
 #include "platform/Files.h"
 
 #include <fcntl.h>
+#include <stdio.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <cerrno>
+#include <array>
 #include <limits>
-#include <string>
+
+#include "platform/posix/Call.h"
 
 namespace kiv::platform {
 namespace {
 
-constexpr std::intptr_t kNone = -1;
+int Descriptor(const FileHandle& handle) noexcept {
+  return static_cast<int>(handle.Get());
+}
+
+/// What a name is relative to; the working folder has a number of its own, and whole paths ignore the folder.
+int Base(const Folder& at) noexcept {
+  return at.IsOpen() ? Descriptor(at.Handle()) : AT_FDCWD;
+}
+
+SystemStatus OpenHandle(FileHandle& handle, const Folder& at, SystemName name, int flags, mode_t permissions) noexcept {
+  int descriptor = -1;
+  const SystemStatus opened = MakeCall(SystemCall::Open, descriptor, [&] {
+    return openat(Base(at), name.Get(), flags | O_CLOEXEC | O_NOCTTY, permissions);
+  });
+  handle = FileHandle(descriptor);
+  return opened;
+}
+
+EntryKind KindOf(mode_t mode) noexcept {
+  switch (mode & S_IFMT) {
+    case S_IFREG:
+      return EntryKind::File;
+    case S_IFDIR:
+      return EntryKind::Folder;
+    case S_IFLNK:
+      return EntryKind::Link;
+    default:
+      return EntryKind::Other;
+  }
+}
+
+FileTime TimeOf(const timespec& time) noexcept {
+  return {time.tv_sec, static_cast<std::int32_t>(time.tv_nsec)};
+}
+
+timespec TimeOf(FileTime time) noexcept {
+  return {time.seconds, time.nanoseconds};
+}
+
+EntryInfo InfoOf(const struct stat& status) noexcept {
+  EntryInfo info;
+  info.kind = KindOf(status.st_mode);
+  info.size = static_cast<std::uint64_t>(status.st_size);
+  info.links = status.st_nlink;
+  info.identity = {status.st_dev, status.st_ino};
+  info.read = TimeOf(status.st_atim);
+  info.written = TimeOf(status.st_mtim);
+  info.attributes = status.st_mode & 07777U;
+  info.owner = status.st_uid;
+  info.group = status.st_gid;
+  return info;
+}
+
+SystemStatus QueryHandle(const FileHandle& handle, EntryInfo& info) noexcept {
+  struct stat status {};
+  const SystemStatus asked = MakeCall(SystemCall::Query, [&] { return fstat(Descriptor(handle), &status); });
+  if (!asked.Failed()) {
+    info = InfoOf(status);
+  }
+  return asked;
+}
+
+SystemStatus SetHandleTimes(const FileHandle& handle, FileTime read, FileTime written) noexcept {
+  const std::array<timespec, 2> times = {TimeOf(read), TimeOf(written)};
+  return MakeCall(SystemCall::SetTimes, [&] { return futimens(Descriptor(handle), times.data()); });
+}
+
+SystemStatus SetHandleAttributes(const FileHandle& handle, const EntryInfo& like) noexcept {
+  // Only the superuser may give files away; the bits that lend the owner's rights are for the same owner alone.
+  const bool sameOwner = fchown(Descriptor(handle), like.owner, like.group) == 0;
+  const mode_t permissions = like.attributes & (sameOwner ? 07777U : 0777U);
+  return MakeCall(SystemCall::SetAttributes, [&] { return fchmod(Descriptor(handle), permissions); });
+}
+
+int FlagsOf(OpenMode mode) noexcept {
+  switch (mode) {
+    case OpenMode::ReadFile:
+      return O_RDONLY | O_NONBLOCK;
+    case OpenMode::ReadStream:
+      return O_RDONLY;
+    case OpenMode::CreateNew:
+      return O_WRONLY | O_CREAT | O_EXCL;
+    case OpenMode::Overwrite:
+      return O_WRONLY | O_CREAT | O_TRUNC;
+    case OpenMode::Append:
+      return O_WRONLY | O_CREAT | O_APPEND;
+  }
+  return O_RDONLY;
+}
 
 }  // namespace
 
-std::optional<ReadOnlyFile> ReadOnlyFile::Open(const std::filesystem::path& path) noexcept {
-  if (path.native().find('\0') != std::string::npos) {
-    return std::nullopt;  // the system would open the file named before the zero
-  }
-  int descriptor = -1;
-  do {
-    descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
-  } while (descriptor < 0 && errno == EINTR);
-  if (descriptor < 0) {
-    return std::nullopt;
-  }
-  struct stat status {};
-  const bool regular = fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode);
-  ReadOnlyFile file(descriptor, regular ? static_cast<std::uint64_t>(status.st_size) : 0);
-  return regular ? std::optional<ReadOnlyFile>(std::move(file)) : std::nullopt;
+SystemStatus CloseSystemHandle(std::intptr_t handle) noexcept {
+  const SystemStatus refused = Admitted(SystemCall::Close);
+  // An interrupted close has closed.
+  const bool closed = close(static_cast<int>(handle)) == 0 || errno == EINTR;
+  return refused.Failed() || closed ? refused : LastStatus();
 }
 
-ReadOnlyFile::ReadOnlyFile(ReadOnlyFile&& other) noexcept : handle_(other.handle_), size_(other.size_) {
-  other.handle_ = kNone;
+const Folder& Folder::Working() noexcept {
+  static const Folder working;
+  return working;
 }
 
-ReadOnlyFile::~ReadOnlyFile() {
-  if (handle_ != kNone) {
-    close(static_cast<int>(handle_));  // not retried: after an interruption the number may already be another file's
-  }
+SystemStatus Folder::Open(const Folder& at, SystemName name, Links links) noexcept {
+  const int followed = links == Links::Followed ? 0 : O_NOFOLLOW;
+  return OpenHandle(handle_, at, name, O_RDONLY | O_DIRECTORY | followed, 0);
 }
 
-std::size_t ReadOnlyFile::ReadAt(std::uint64_t offset, std::span<std::uint8_t> buffer) const noexcept {
-  std::size_t done = 0;
-  while (done < buffer.size() && offset + done <= static_cast<std::uint64_t>(std::numeric_limits<off_t>::max())) {
-    const ssize_t got =
-        pread(static_cast<int>(handle_), buffer.data() + done, buffer.size() - done, static_cast<off_t>(offset + done));
-    if (got > 0) {
-      done += static_cast<std::size_t>(got);
-    } else if (got == 0 || errno != EINTR) {
-      break;
-    }
+SystemStatus Folder::Query(EntryInfo& info) const noexcept {
+  return QueryHandle(handle_, info);
+}
+
+SystemStatus Folder::SetTimes(FileTime read, FileTime written) noexcept {
+  return SetHandleTimes(handle_, read, written);
+}
+
+SystemStatus Folder::SetAttributes(const EntryInfo& like) noexcept {
+  return SetHandleAttributes(handle_, like);
+}
+
+SystemStatus Folder::Flush() noexcept {
+  const SystemStatus flushed = MakeCall(SystemCall::Flush, [&] { return fsync(Descriptor(handle_)); });
+  // Some file systems have no such thing for folders.
+  return flushed.Code() == EINVAL ? SystemStatus() : flushed;
+}
+
+SystemStatus File::Open(const Folder& at, SystemName name, OpenMode mode, std::uint32_t permissions) noexcept {
+  const SystemStatus opened = OpenHandle(handle_, at, name, FlagsOf(mode), permissions);
+  if (opened.Failed() || mode != OpenMode::ReadFile) {
+    return opened;
   }
+  EntryInfo info;
+  SystemStatus regular = Query(info);
+  if (!regular.Failed() && info.kind != EntryKind::File) {
+    regular = SystemStatus(info.kind == EntryKind::Folder ? EISDIR : EOPNOTSUPP);
+  }
+  if (regular.Failed()) {
+    handle_ = FileHandle();
+  }
+  return regular;
+}
+
+SystemStatus File::Read(std::span<std::uint8_t> buffer, std::size_t& count) noexcept {
+  ssize_t got = 0;
+  const SystemStatus done =
+      MakeCall(SystemCall::Read, got, [&] { return read(Descriptor(handle_), buffer.data(), buffer.size()); });
+  count = done.Failed() ? 0 : static_cast<std::size_t>(got);
   return done;
+}
+
+SystemStatus File::ReadAt(std::uint64_t offset, std::span<std::uint8_t> buffer, std::size_t& count) const noexcept {
+  count = 0;
+  while (count < buffer.size() && offset + count <= std::uint64_t{std::numeric_limits<off_t>::max()}) {
+    const auto rest = buffer.subspan(count);
+    ssize_t got = 0;
+    const SystemStatus done = MakeCall(SystemCall::Read, got, [&] {
+      return pread(Descriptor(handle_), rest.data(), rest.size(), static_cast<off_t>(offset + count));
+    });
+    if (done.Failed() || got == 0) {
+      return done;
+    }
+    count += static_cast<std::size_t>(got);
+  }
+  return {};
+}
+
+SystemStatus File::Write(std::span<const std::uint8_t> bytes) noexcept {
+  while (!bytes.empty()) {
+    ssize_t written = 0;
+    const SystemStatus done =
+        MakeCall(SystemCall::Write, written, [&] { return write(Descriptor(handle_), bytes.data(), bytes.size()); });
+    if (done.Failed()) {
+      return done;
+    }
+    bytes = bytes.subspan(static_cast<std::size_t>(written));
+  }
+  return {};
+}
+
+SystemStatus File::Flush() noexcept {
+  return MakeCall(SystemCall::Flush, [&] { return fsync(Descriptor(handle_)); });
+}
+
+SystemStatus File::Resize(std::uint64_t size) noexcept {
+  if (size > std::uint64_t{std::numeric_limits<off_t>::max()}) {
+    return SystemStatus(EFBIG);
+  }
+  return MakeCall(SystemCall::Resize, [&] { return ftruncate(Descriptor(handle_), static_cast<off_t>(size)); });
+}
+
+SystemStatus File::Query(EntryInfo& info) const noexcept {
+  return QueryHandle(handle_, info);
+}
+
+SystemStatus File::SetTimes(FileTime read, FileTime written) noexcept {
+  return SetHandleTimes(handle_, read, written);
+}
+
+SystemStatus File::SetAttributes(const EntryInfo& like) noexcept {
+  return SetHandleAttributes(handle_, like);
+}
+
+SystemStatus Query(const Folder& at, SystemName name, Links links, EntryInfo& info) noexcept {
+  struct stat status {};
+  const int flags = links == Links::Followed ? 0 : AT_SYMLINK_NOFOLLOW;
+  const SystemStatus asked = MakeCall(SystemCall::Query, [&] { return fstatat(Base(at), name.Get(), &status, flags); });
+  if (!asked.Failed()) {
+    info = InfoOf(status);
+  }
+  return asked;
+}
+
+SystemStatus Rename(const Folder& from, SystemName name, const Folder& to, SystemName newName,
+                    Existing existing) noexcept {
+  const unsigned flags = existing == Existing::Replaced ? 0 : RENAME_NOREPLACE;
+  return MakeCall(SystemCall::Rename,
+                  [&] { return renameat2(Base(from), name.Get(), Base(to), newName.Get(), flags); });
+}
+
+SystemStatus RemoveFile(const Folder& at, SystemName name) noexcept {
+  return MakeCall(SystemCall::Remove, [&] { return unlinkat(Base(at), name.Get(), 0); });
+}
+
+SystemStatus RemoveFolder(const Folder& at, SystemName name) noexcept {
+  return MakeCall(SystemCall::Remove, [&] { return unlinkat(Base(at), name.Get(), AT_REMOVEDIR); });
+}
+
+SystemStatus MakeFolder(const Folder& at, SystemName name) noexcept {
+  return MakeCall(SystemCall::MakeFolder, [&] { return mkdirat(Base(at), name.Get(), 0777); });
 }
 
 }  // namespace kiv::platform

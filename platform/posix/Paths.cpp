@@ -2,6 +2,9 @@
 
 #include <cstdlib>
 
+#include "core/WideText.h"
+#include "kivtools/Utf8.h"
+
 namespace kiv::platform {
 
 std::filesystem::path PathFromText(TextView path) {
@@ -10,6 +13,20 @@ std::filesystem::path PathFromText(TextView path) {
 
 Text TextFromPath(const std::filesystem::path& path) {
   return path.native();
+}
+
+Text ShownPath(NativeView path) {
+  Text shown;
+  shown.reserve(path.size());
+  for (std::size_t at = 0; at < path.size();) {
+    const auto [character, length] = utf8::DecodeAt(path, at);
+    if (length == 0) {
+      return Text(path);
+    }
+    shown.push_back(character <= 0xFFFF ? ShownByte(static_cast<char16_t>(character)) : '?');
+    at += length;
+  }
+  return shown;
 }
 
 Text TemporaryFolder() {

@@ -5,16 +5,20 @@
 
 namespace kiv::platform {
 
+bool SystemStatus::IsMissing() const noexcept {
+  return code_ == ENOENT || code_ == ENOTDIR;
+}
+
+bool SystemStatus::IsExisting() const noexcept {
+  return code_ == EEXIST || code_ == ENOTEMPTY;
+}
+
+SystemStatus LastStatus() noexcept {
+  return SystemStatus(errno != 0 ? errno : EIO);
+}
+
 Text SystemText(std::int32_t code) {
   return std::system_category().message(code);
-}
-
-OsError SystemError(TextView context, std::int32_t code) {
-  return {code, Text(context) + ": " + SystemText(code)};
-}
-
-OsError LastSystemError(TextView context) {
-  return SystemError(context, errno);
 }
 
 }  // namespace kiv::platform

@@ -9,7 +9,7 @@ namespace kiv::platform {
 DynamicLibrary::DynamicLibrary(const std::filesystem::path& path)
     : handle_(LoadLibraryExW(path.c_str(), nullptr, path.is_absolute() ? LOAD_WITH_ALTERED_SEARCH_PATH : 0)) {
   if (handle_ == nullptr) {
-    throw LastSystemError("LoadedPackage: " + path.string());
+    LastStatus().Throw("LoadedPackage", path);
   }
 }
 

@@ -4,6 +4,7 @@
 
 #include <array>
 
+#include "core/WideText.h"
 #include "platform/SystemError.h"
 
 namespace kiv::platform {
@@ -43,11 +44,18 @@ Text TextFromPath(const std::filesystem::path& path) {
   return TextFromWidePath(path.c_str());
 }
 
+Text ShownPath(NativeView path) {
+  return ShownText(path);
+}
+
 Text TemporaryFolder() {
   std::array<wchar_t, 2048> wide{};
   const DWORD length = GetTempPathW(static_cast<DWORD>(wide.size()), wide.data());
-  if (length == 0 || length >= wide.size()) {
-    throw LastSystemError("ReadWindowsTempPath");
+  if (length == 0) {
+    LastStatus().Throw("ReadWindowsTempPath");
+  }
+  if (length >= wide.size()) {
+    SystemStatus(ERROR_INSUFFICIENT_BUFFER).OrThrow("ReadWindowsTempPath");
   }
   return TextFromWidePath(wide.data());
 }

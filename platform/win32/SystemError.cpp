@@ -8,6 +8,19 @@
 
 namespace kiv::platform {
 
+bool SystemStatus::IsMissing() const noexcept {
+  return code_ == ERROR_FILE_NOT_FOUND || code_ == ERROR_PATH_NOT_FOUND;
+}
+
+bool SystemStatus::IsExisting() const noexcept {
+  return code_ == ERROR_ALREADY_EXISTS || code_ == ERROR_FILE_EXISTS;
+}
+
+SystemStatus LastStatus() noexcept {
+  const auto code = static_cast<std::int32_t>(GetLastError());
+  return SystemStatus(code != 0 ? code : ERROR_GEN_FAILURE);
+}
+
 // In the user's language, as Windows-1250; "?" stands for letters that the code page lacks.
 Text SystemText(std::int32_t code) {
   std::array<wchar_t, 512> wide{};
@@ -18,14 +31,6 @@ Text SystemText(std::int32_t code) {
   }
   Text text = ShownText(std::wstring_view(wide.data(), length));
   return text.empty() ? "eroarea " + std::to_string(code) : text;
-}
-
-OsError SystemError(TextView context, std::int32_t code) {
-  return {code, Text(context) + ": " + SystemText(code)};
-}
-
-OsError LastSystemError(TextView context) {
-  return SystemError(context, static_cast<std::int32_t>(GetLastError()));
 }
 
 }  // namespace kiv::platform

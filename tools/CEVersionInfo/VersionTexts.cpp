@@ -13,16 +13,29 @@ namespace {
 
 constexpr TextView kNotAvailable = "<info not available>";
 
+/// A file as it is when it is opened; what cannot be read is as if the file ended there.
 class FileBytes : public ByteSource {
  public:
-  explicit FileBytes(const platform::ReadOnlyFile& file) : file_(file) {}
-  [[nodiscard]] std::uint64_t Size() const noexcept override { return file_.Size(); }
+  /// Whether there is a regular file that can be read.
+  bool Open(const std::filesystem::path& path) {
+    platform::EntryInfo info;
+    if (file_.Open(path, platform::OpenMode::ReadFile).Failed() || file_.Query(info).Failed()) {
+      return false;
+    }
+    size_ = info.size;
+    return true;
+  }
+
+  [[nodiscard]] std::uint64_t Size() const noexcept override { return size_; }
   std::size_t ReadAt(std::uint64_t offset, std::span<std::uint8_t> buffer) noexcept override {
-    return file_.ReadAt(offset, buffer);
+    std::size_t count = 0;
+    static_cast<void>(file_.ReadAt(offset, buffer, count));
+    return count;
   }
 
  private:
-  const platform::ReadOnlyFile& file_;
+  platform::File file_;
+  std::uint64_t size_ = 0;
 };
 
 /// The ten strings in the order of InfoStr.
@@ -101,11 +114,10 @@ VersionTexts ReadVersionTexts(ByteSource& source, std::uint16_t userLanguage) {
 }
 
 VersionTexts ReadVersionTexts(const std::filesystem::path& path) {
-  const auto file = platform::ReadOnlyFile::Open(path);
-  if (!file) {
+  FileBytes bytes;
+  if (!bytes.Open(path)) {
     return {NotAvailable<10>(), NotAvailable<4>(), {}};
   }
-  FileBytes bytes(*file);
   return ReadVersionTexts(bytes, platform::UserLanguage());
 }
 

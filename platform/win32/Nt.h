@@ -1,0 +1,53 @@
+#pragma once
+
+// winternl.h needs what windows.h defines.
+// clang-format off
+#include <windows.h>
+#include <winternl.h>
+// clang-format on
+
+#include <cstdint>
+
+#include "platform/Files.h"
+#include "platform/SystemCalls.h"
+
+namespace kiv::platform {
+
+inline HANDLE AsHandle(std::intptr_t handle) noexcept {
+  return reinterpret_cast<HANDLE>(handle);  // NOLINT(performance-no-int-to-ptr): a handle is a number in a pointer
+}
+
+inline std::intptr_t AsNumber(HANDLE handle) noexcept {
+  return reinterpret_cast<std::intptr_t>(handle);
+}
+
+/// What a call of the system's inner interface came to, as GetLastError() would say it.
+inline SystemStatus StatusOf(NTSTATUS status) noexcept {
+  return status >= 0 ? SystemStatus() : SystemStatus(static_cast<std::int32_t>(RtlNtStatusToDosError(status)));
+}
+
+/// Makes a system call that gives 0 for failure.
+template <class Call>
+SystemStatus MakeCall(SystemCall kind, Call&& call) noexcept {
+  if (const SystemStatus refused = Admitted(kind); refused.Failed()) {
+    return refused;
+  }
+  return call() != 0 ? SystemStatus() : LastStatus();
+}
+
+/// A name as the system's inner interface takes it: with a folder, relative to that; without one, whole.
+class NtName {
+ public:
+  /// Fails where a path makes no sense, or memory is short.
+  SystemStatus Set(const Folder& at, SystemName name) noexcept;
+
+  [[nodiscard]] UNICODE_STRING& Letters() noexcept { return letters_; }
+  [[nodiscard]] HANDLE Root() const noexcept { return root_; }
+
+ private:
+  std::wstring whole_;
+  UNICODE_STRING letters_{};
+  HANDLE root_ = nullptr;
+};
+
+}  // namespace kiv::platform

@@ -1,15 +1,41 @@
 include(CMakePackageConfigHelpers)
 
 set(KIV_CMAKE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/KivToolsRePack)
-install(TARGETS KivToolsRePack KivToolsRePackStatic kiv_loader EXPORT KivToolsRePackTargets)
-install(DIRECTORY include/kivtools DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
-install(EXPORT KivToolsRePackTargets NAMESPACE KivToolsRePack:: DESTINATION ${KIV_CMAKE_DIR})
+set(KIV_INSTALLED KivToolsRePack KivToolsRePackStatic kiv_loader kivtools)
+# ./run builds this, so that what it leaves can be installed.
+add_custom_target(kiv_installed DEPENDS ${KIV_INSTALLED})
+
+# All files are there, or nothing is copied.
+set(files)
+foreach(target ${KIV_INSTALLED})
+  list(APPEND files $<TARGET_FILE:${target}>)
+endforeach()
+install(CODE "foreach(file ${files})
+  if(NOT EXISTS \${file})
+    message(FATAL_ERROR \"nothing is installed: \${file} is not built; build first: cmake --build ${CMAKE_BINARY_DIR}\")
+  endif()
+endforeach()" ALL_COMPONENTS)
+# Symbol tables are for whoever has the build tree.
+install(CODE "if(CMAKE_INSTALL_CONFIG_NAME STREQUAL \"Release\")
+  set(CMAKE_INSTALL_DO_STRIP TRUE)
+endif()" ALL_COMPONENTS)
+
+# Runtime is what a host's user needs, Development what its author needs beside that.
+install(TARGETS KivToolsRePack EXPORT KivToolsRePackTargets
+  RUNTIME COMPONENT Runtime
+  LIBRARY COMPONENT Runtime NAMELINK_COMPONENT Development
+  ARCHIVE COMPONENT Development)
+install(TARGETS KivToolsRePackStatic kiv_loader EXPORT KivToolsRePackTargets ARCHIVE COMPONENT Development)
+install(TARGETS kivtools RUNTIME COMPONENT Runtime)
+install(DIRECTORY include/kivtools DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT Development)
+install(EXPORT KivToolsRePackTargets NAMESPACE KivToolsRePack:: DESTINATION ${KIV_CMAKE_DIR} COMPONENT Development)
 configure_package_config_file(cmake/KivToolsRePackConfig.cmake.in KivToolsRePackConfig.cmake
   INSTALL_DESTINATION ${KIV_CMAKE_DIR})
-write_basic_package_version_file(KivToolsRePackConfigVersion.cmake COMPATIBILITY SameMinorVersion)
+write_basic_package_version_file(KivToolsRePackConfigVersion.cmake COMPATIBILITY ${KIV_COMPATIBILITY})
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/KivToolsRePackConfig.cmake
-  ${CMAKE_CURRENT_BINARY_DIR}/KivToolsRePackConfigVersion.cmake DESTINATION ${KIV_CMAKE_DIR})
+  ${CMAKE_CURRENT_BINARY_DIR}/KivToolsRePackConfigVersion.cmake DESTINATION ${KIV_CMAKE_DIR} COMPONENT Development)
 # The way from the file's own folder to the prefix, so that an installed tree may be moved.
 file(RELATIVE_PATH KIV_PREFIX_FROM_PC ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
 configure_file(cmake/kivtoolsrepack.pc.in kivtoolsrepack.pc @ONLY)
-install(FILES ${CMAKE_CURRENT_BINARY_DIR}/kivtoolsrepack.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/kivtoolsrepack.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig
+  COMPONENT Development)

@@ -42,32 +42,70 @@ function(kiv_setup_library target)
   target_link_libraries(${target} PRIVATE ${KIV_SYSTEM_LIBRARIES})
 endfunction()
 
-# The two forms of the library, from the same sources.
-function(kiv_add_library target kind)
-  add_library(${target} ${kind} ${KIV_SOURCES})
-  add_library(KivToolsRePack::${target} ALIAS ${target})
+# What both forms of the library share beside that. On Linux they are made from one compilation: what is published is
+# settled when the shared library is linked. On Windows it is marked in the objects themselves, so each form has its own.
+function(kiv_setup_form target)
   kiv_setup_library(${target})
+  add_library(KivToolsRePack::${target} ALIAS ${target})
   set_target_properties(${target} PROPERTIES OUTPUT_NAME KivToolsRePack)
-  if(kind STREQUAL "SHARED")
-    target_compile_definitions(${target} PRIVATE KIV_BUILDING)
-    target_sources(${target} PRIVATE ${KIV_SHARED_ONLY_SOURCES})
-    if(WIN32)
-      set_target_properties(${target} PROPERTIES PREFIX "")
-      # Windows looks for a program's libraries beside the program.
-      add_custom_command(TARGET ${target} POST_BUILD
-        COMMAND ${CMAKE_COMMAND} -E make_directory ${CMAKE_BINARY_DIR}/bin
-        COMMAND ${CMAKE_COMMAND} -E copy_if_different $<TARGET_FILE:${target}> ${CMAKE_BINARY_DIR}/bin)
-    else()
-      target_link_options(${target} PRIVATE -Wl,--version-script=${PROJECT_SOURCE_DIR}/cmake/exports.map)
-      set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS ${PROJECT_SOURCE_DIR}/cmake/exports.map)
-    endif()
-    # What the static parts of the compiler's run-time library bring along is not published.
-    target_link_options(${target} PRIVATE -Wl,--exclude-libs,ALL)
-    set_target_properties(${target} PROPERTIES
-      VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR} RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/lib)
-  else()
-    target_compile_definitions(${target} PUBLIC KIV_STATIC)
+  if(WIN32)
+    target_sources(${target} PRIVATE ${KIV_SOURCES})
+    return()
   endif()
+  if(NOT TARGET kiv_objects)
+    add_library(kiv_objects OBJECT ${KIV_SOURCES})
+    kiv_setup_library(kiv_objects)
+    # Nobody puts a function of his own in the place of one of these, so they may be inlined.
+    target_compile_options(kiv_objects PRIVATE -fno-semantic-interposition)
+  endif()
+  target_sources(${target} PRIVATE $<TARGET_OBJECTS:kiv_objects>)
+endfunction()
+
+function(kiv_add_shared_library target)
+  add_library(${target} SHARED ${KIV_SHARED_ONLY_SOURCES})
+  kiv_setup_form(${target})
+  target_compile_definitions(${target} PRIVATE KIV_BUILDING)
+  if(WIN32)
+    set_target_properties(${target} PROPERTIES PREFIX "")
+    kiv_add_version_resource(${target} "${PROJECT_DESCRIPTION}" 0x2)
+    # Windows looks for a program's libraries beside the program.
+    add_custom_command(TARGET ${target} POST_BUILD
+      COMMAND ${CMAKE_COMMAND} -E make_directory ${CMAKE_BINARY_DIR}/bin
+      COMMAND ${CMAKE_COMMAND} -E copy_if_different $<TARGET_FILE:${target}> ${CMAKE_BINARY_DIR}/bin)
+  else()
+    target_link_options(${target} PRIVATE -Wl,--version-script=${PROJECT_SOURCE_DIR}/cmake/exports.map)
+    set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS ${PROJECT_SOURCE_DIR}/cmake/exports.map)
+  endif()
+  # What the static parts of the compiler's run-time library bring along is not published.
+  target_link_options(${target} PRIVATE -Wl,--exclude-libs,ALL)
+  set_target_properties(${target} PROPERTIES
+    VERSION ${PROJECT_VERSION} SOVERSION ${KIV_INTERFACE} RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/lib)
+endfunction()
+
+function(kiv_add_static_library target)
+  add_library(${target} STATIC)
+  kiv_setup_form(${target})
+  target_compile_definitions(${target} PUBLIC KIV_STATIC)
+  if(NOT WIN32)
+    # A host's own shared library that holds this one does not publish it.
+    target_link_options(${target} INTERFACE -Wl,--exclude-libs,libKivToolsRePack.a)
+  endif()
+endfunction()
+
+# What Windows shows of a file: kiv_add_version_resource(TARGET DESCRIPTION KIND), KIND being 0x1 for a program and 0x2 for a
+# library. The rest is what project() and LICENSE say.
+function(kiv_add_version_resource target KIV_FILE_DESCRIPTION KIV_FILE_KIND)
+  file(STRINGS ${PROJECT_SOURCE_DIR}/LICENSE KIV_COPYRIGHT REGEX "^Copyright ")
+  string(REGEX REPLACE "^Copyright \\(c\\) [0-9-]+ " "" KIV_AUTHORS "${KIV_COPYRIGHT}")
+  string(REPLACE . , KIV_VERSION_NUMBERS ${PROJECT_VERSION}.0)
+  set(KIV_INTERNAL_NAME ${target})
+  if(KIV_FILE_KIND EQUAL 0x1)
+    set(KIV_FILE_NAME ${target}${CMAKE_EXECUTABLE_SUFFIX})
+  else()
+    set(KIV_FILE_NAME ${target}${CMAKE_SHARED_LIBRARY_SUFFIX})
+  endif()
+  configure_file(${PROJECT_SOURCE_DIR}/cmake/Version.rc.in ${CMAKE_CURRENT_BINARY_DIR}/${target}.rc @ONLY)
+  target_sources(${target} PRIVATE ${CMAKE_CURRENT_BINARY_DIR}/${target}.rc)
 endfunction()
 
 # The part of the library that loads the rest at run time.

@@ -1,5 +1,5 @@
-# Installs the finished build into a folder of its own, and builds and runs the project examples/consumer against it, as
-# somebody does who has only the installed files.
+# Installs the finished build, whole and in parts, into folders of its own, and builds and runs the project
+# examples/consumer against it, as somebody does who has only the installed files.
 cmake_policy(VERSION 3.25)
 file(REMOVE_RECURSE ${WORK})
 set(prefix ${WORK}/installed)
@@ -19,6 +19,26 @@ function(expect_from)
     message(FATAL_ERROR "${result}: ${ARGN}\n${output}")
   endif()
 endfunction()
+
+# What a user needs, without what is for compilers and linkers: the program runs.
+run(${CMAKE_COMMAND} --install ${BUILD} --prefix ${WORK}/runtime --component Runtime)
+file(GLOB_RECURSE for_developers ${WORK}/runtime/*.h ${WORK}/runtime/*.a ${WORK}/runtime/*.cmake ${WORK}/runtime/*.so)
+if(for_developers)
+  message(FATAL_ERROR "not for users: ${for_developers}")
+endif()
+execute_process(COMMAND ${EMULATOR} ${WORK}/runtime/bin/kivtools${SUFFIX} words 12
+  OUTPUT_VARIABLE output COMMAND_ERROR_IS_FATAL ANY)
+string(STRIP "${output}" output)
+if(NOT output STREQUAL "DOUASPREZECE LEI")
+  message(FATAL_ERROR "kivtools words 12: ${output}")
+endif()
+file(GLOB binaries ${WORK}/runtime/bin/* ${WORK}/runtime/${LIBDIR}/*.so*)
+foreach(binary IN LISTS binaries)
+  execute_process(COMMAND ${NM} ${binary} OUTPUT_VARIABLE symbols ERROR_VARIABLE symbols)
+  if(NOT symbols MATCHES "no symbols")
+    message(FATAL_ERROR "${binary} is not stripped")
+  endif()
+endforeach()
 
 run(${CMAKE_COMMAND} --install ${BUILD} --prefix ${prefix})
 # The installed tree may be moved.
@@ -43,6 +63,10 @@ else()
   set(ENV{LD_LIBRARY_PATH} ${prefix}/${LIBDIR})
   set(library ${prefix}/${LIBDIR}/libKivToolsRePack.so)
   expect_from(${WORK}/build/shared_host)
+  execute_process(COMMAND ${NM} -D --defined-only ${WORK}/build/libplugin.so OUTPUT_VARIABLE symbols COMMAND_ERROR_IS_FATAL ANY)
+  if(NOT symbols MATCHES "PrintTotal" OR symbols MATCHES "InLitere")
+    message(FATAL_ERROR "a host's plugin publishes more than its own function:\n${symbols}")
+  endif()
 endif()
 expect_from(${EMULATOR} ${WORK}/build/static_host${SUFFIX})
 expect_from(${EMULATOR} ${WORK}/build/c_host${SUFFIX})

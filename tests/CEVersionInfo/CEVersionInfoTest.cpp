@@ -64,6 +64,7 @@ TEST(TCEVersionInfo, ReadsRealFiles) {
       {"fara_traducere", {"Prima", "", "1.2", "", "", "", "", "", "", "", "1", "", "", "2"}},
       {"alta_tabela", {"", "", "", "", "", "", "", "", "", "", n, n, n, n}},
       {"fara_versiune", StringList(14, n)},
+      {"cu_nume", StringList(14, n)},
   };
   for (const auto& [name, expected] : kCases) {
     for (const std::string machine : {"_i686", "_x86_64"}) {
@@ -229,6 +230,14 @@ TEST(VersionBlocks, TakesWhatCompilersWrite) {
   }
 }
 
+TEST(VersionBlocks, OnlyARootOfTheRightNameCounts) {
+  const Bytes value(52);
+  EXPECT_TRUE(version::VersionResource::Parse(MakeBlock(u"vs_version_info", 0, value, {})));
+  for (const auto* const key : {u"VS_VERSION_INF", u"VS_VERSION_INFX", u"VS_VERSION_INFO_", u""}) {
+    EXPECT_FALSE(version::VersionResource::Parse(MakeBlock(key, 0, value, {})));
+  }
+}
+
 TEST(VersionBlocks, ChildrenMayCountThePaddingButNotMore) {
   const Bytes odd = MakeBlock(u"KK", 1, Wide("abc"), {});  // ends two bytes past a multiple of four
   for (int extra = 0; extra <= 6; extra += 2) {
@@ -242,10 +251,11 @@ TEST(VersionBlocks, ChildrenMayCountThePaddingButNotMore) {
   EXPECT_TRUE(version::VersionResource::Parse(padded));
 }
 
+constexpr std::uint8_t kResourceSection[8] = {'.', 'r', 's', 'r', 'c'};
+
 /// The file offset of the resources in a small image, found by their section's name.
 std::size_t ResourceOffset(const Bytes& image) {
-  const std::string_view name(".rsrc\0\0\0", 8);
-  const auto header = std::search(image.begin(), image.end(), name.begin(), name.end());
+  const auto header = std::search(image.begin(), image.end(), std::begin(kResourceSection), std::end(kResourceSection));
   return header == image.end()
              ? 0
              : version::Number32(std::span(image).subspan(static_cast<std::size_t>(header - image.begin()) + 20));
@@ -275,6 +285,8 @@ TEST(VersionDamage, RefusesHostileDirectories) {
       {"data of no bytes", 76, 0},
       {"data of seven bytes", 76, 7},
       {"another type", 16, 17},
+      {"a version resource numbered 2", 40, 2},
+      {"a version resource by name", 40, 0x80000001},
       {"a type by name", 16, 0x80000010},
   };
   for (const auto& [what, at, value] : kCases) {
@@ -287,6 +299,33 @@ TEST(VersionDamage, RefusesHostileDirectories) {
     }
     EXPECT_THAT(Read(image, 0, at < 24 ? 4'096 : 65'536).strings, Each(kNone)) << what;
   }
+}
+
+TEST(VersionDamage, RefusesADirectoryThatTheOptionalHeaderIsTooShortFor) {
+  SKIP_WITHOUT("complet_i686");
+  const Bytes whole = Contents(VersionFile("complet_i686"));
+  const std::size_t header = version::Number32(std::span(whole).subspan(60)) + 24;
+  const std::size_t sections = header + version::Number16(std::span(whole).subspan(header - 4));
+  // The section headers come straight after the optional one, wherever that ends.
+  for (const std::size_t length : {120, 119, 116}) {
+    Bytes image = whole;
+    image[header - 4] = static_cast<std::uint8_t>(length);
+    std::copy_n(whole.begin() + static_cast<std::ptrdiff_t>(sections), 40 * whole[header - 18],
+                image.begin() + static_cast<std::ptrdiff_t>(header + length));
+    EXPECT_EQ(Read(image).strings[6], length == 120 ? "facturi.dll" : kNone) << length;
+  }
+}
+
+TEST(VersionDamage, AHugeResourceIsReadAsFarAsIsAllowed) {
+  SKIP_WITHOUT("complet_i686");
+  Bytes image = Contents(VersionFile("complet_i686"));
+  const std::size_t resources = ResourceOffset(image);
+  image.resize(image.size() + 0x100000);
+  const auto sectionHeader =
+      std::search(image.begin(), image.end(), std::begin(kResourceSection), std::end(kResourceSection));
+  sectionHeader[18] = 0x10;          // the section is a mebibyte longer in the file
+  image[resources + 76 + 2] = 0x08;  // and the resource half of one
+  EXPECT_EQ(Read(image).strings[6], "facturi.dll");
 }
 
 /// A block as 16-bit programs have it: characters of one byte, no kind.
@@ -328,8 +367,9 @@ TEST(TCEVersionInfo, ReadsSixteenBitPrograms) {
   put16(64 + 36, 64);                 // the table of resources, from the header on
   put16(128, 4);                      // its unit: 16 bytes
   put16(130, 0x8003), put16(132, 2);  // two icons before
-  put16(162, 0x8010), put16(164, 1);  // one version resource
-  put16(170, 512 / 16), put16(172, (resource.size() + 15) / 16);
+  put16(162, 0x8010), put16(164, 2);  // two version resources, of which that numbered 1 counts
+  put16(170, 0), put16(172, 4), put16(176, 0x8002);
+  put16(182, 512 / 16), put16(184, (resource.size() + 15) / 16), put16(188, 0x8001);
   program += resource + std::string(16, '\0');
 
   const Bytes image(program.begin(), program.end());

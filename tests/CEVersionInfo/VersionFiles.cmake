@@ -9,7 +9,7 @@ foreach(machine i686 x86_64)
   if(NOT KIV_WINDRES_${machine} OR NOT KIV_LINKER_${machine})
     continue()
   endif()
-  foreach(name alta_tabela complet fara_traducere fara_versiune limbi neutra virgule)
+  foreach(name alta_tabela complet cu_nume fara_traducere fara_versiune limbi neutra virgule)
     set(source ${CMAKE_CURRENT_LIST_DIR}/data/${name}.rc)
     set(file ${KIV_VERSION_FILES}/${name}_${machine})
     add_custom_command(OUTPUT ${file}.dll DEPENDS ${source}

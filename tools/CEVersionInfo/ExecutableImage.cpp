@@ -197,8 +197,9 @@ std::optional<std::uint32_t> FindDataEntry(Reader& reader, const Extent& resourc
     return std::nullopt;
   }
   reader.AllowWholeResource();
-  const auto name = BestEntry(reader, resources, type->target,
-                              [](const Entry& entry) { return !entry.named && entry.number == kVersionName ? 0 : 1; });
+  const auto name = BestEntry(reader, resources, type->target, [](const Entry& entry) {
+    return !entry.named && entry.number == kVersionName ? 0 : kRefused;
+  });
   if (!name || !name->directory || name->target == 0 || name->target == type->target) {
     return std::nullopt;
   }
@@ -225,12 +226,29 @@ std::optional<std::vector<std::uint8_t>> FindIn32Or64Bit(Reader& reader, std::ui
   return extent && length <= extent->length ? reader.Run(extent->offset, length) : std::nullopt;
 }
 
-/// In 16-bit programs the resources stand in one table: for each type its number and its resources, each with place and
+/// The numbers of types and resources in a table of resources have this bit set; names are places without it.
+constexpr std::uint16_t kNumbered = 0x8000;
+constexpr std::size_t kResource = 12;  // an entry's size
+
+/// The contents of the version resource among `count` resources at `at`, whose places are counted in 2^unit bytes.
+std::optional<std::vector<std::uint8_t>> FindNumbered(Reader& reader, std::uint64_t at, std::uint16_t count,
+                                                      std::uint16_t unit) {
+  for (std::uint16_t i = 0; i < count; ++i) {
+    const Bytes resource = reader.Record(at + i * kResource, kResource);
+    if (resource.empty()) {
+      break;
+    }
+    if (Number16(resource.subspan(6)) == (kNumbered | kVersionName)) {
+      return reader.Run(std::uint64_t{Number16(resource)} << unit, std::size_t{Number16(resource.subspan(2))} << unit);
+    }
+  }
+  return std::nullopt;
+}
+
+/// 16-bit programs have one table of resources: for each type its number and its resources, each with its place and
 /// length in units that the table's first number gives.
 std::optional<std::vector<std::uint8_t>> FindIn16Bit(Reader& reader, std::uint32_t header) {
-  constexpr std::uint32_t kNumbered = 0x8000;
   constexpr std::size_t kTypeHeader = 8;
-  constexpr std::size_t kResource = 12;
   const Bytes table = reader.Record(std::uint64_t{header} + 36, 2);
   std::uint64_t at = table.empty() ? 0 : std::uint64_t{header} + Number16(table);
   const Bytes shift = at != 0 ? reader.Record(at, 2) : Bytes();
@@ -243,12 +261,9 @@ std::optional<std::vector<std::uint8_t>> FindIn16Bit(Reader& reader, std::uint32
     const std::uint16_t number = Number16(type);
     const std::uint16_t count = Number16(type.subspan(2));
     at += kTypeHeader;
-    if (number == (kNumbered | kVersionType) && count > 0) {
+    if (number == (kNumbered | kVersionType)) {
       reader.AllowWholeResource();
-      const Bytes resource = reader.Record(at, kResource);
-      return resource.empty() ? std::nullopt
-                              : reader.Run(std::uint64_t{Number16(resource)} << unit,
-                                           std::size_t{Number16(resource.subspan(2))} << unit);
+      return FindNumbered(reader, at, count, unit);
     }
     if (number == 0) {
       break;

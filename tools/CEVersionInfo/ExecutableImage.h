@@ -16,7 +16,7 @@ inline constexpr std::size_t kMostBytesReadInVain = 4'096;
 /// nothing where the file is no executable, has no such resource, or is damaged, however badly. Only the headers and
 /// the resource itself are read.
 ///
-/// The resource numbered 1 is taken, another one where that is missing. Of several languages the neutral one is taken,
+/// Only the resource numbered 1 counts, as with the system's own reader. Of several languages the neutral one is taken,
 /// then the user's (`userLanguage` in the system's numbering, 0 if unknown), then English, then the file's first.
 std::optional<std::vector<std::uint8_t>> FindVersionResource(ByteSource& source, std::uint16_t userLanguage);
 

@@ -51,6 +51,14 @@ TEST(SystemReader, AgreesOnEveryFileOfTheSystem) {
   EXPECT_GT(withResource, 100U);
 }
 
+TEST(SystemReader, FindsNoResourceButThatNumberedOneEither) {
+  const fs::path named = fs::path(KIV_VERSION_FILES) / "cu_nume_i686.dll";
+  if (!exists(named)) {
+    GTEST_SKIP() << "no " << named << ": install the package binutils-mingw-w64-i686";
+  }
+  EXPECT_EQ(AskLibrary(named), *AskSystem(named));
+}
+
 TEST(SystemReader, AgreesOnFilesWithOneByteWrong) {
   // The system's reader crashes on some damaged files, so it is asked in child processes: one at a time answers file
   // after file until it ends or dies, and the next one goes on behind the file that killed it.

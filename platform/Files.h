@@ -78,7 +78,7 @@ class Folder {
   SystemStatus SetTimes(FileTime read, FileTime written) noexcept;
   SystemStatus SetAttributes(const EntryInfo& like) noexcept;
   /// Puts the names in it on the disk. On Windows the file system does so by itself, and this does nothing.
-  SystemStatus Flush() noexcept;
+  SystemStatus Flush() const noexcept;
 
   /// For the rest of the file layer.
   [[nodiscard]] const FileHandle& Handle() const noexcept { return handle_; }
@@ -134,6 +134,9 @@ class File {
 /// What has a name in the folder.
 SystemStatus Query(const Folder& at, SystemName name, Links links, EntryInfo& info) noexcept;
 
+/// Whether an entry may be replaced by a file: folders, devices, pipes and what is protected from writing may not.
+SystemStatus WhyNotReplaced(const EntryInfo& info) noexcept;
+
 /// Whether a name may be taken from another file.
 enum class Existing : std::uint8_t { Refused, Replaced };
 
@@ -141,6 +144,9 @@ enum class Existing : std::uint8_t { Refused, Replaced };
 /// one has its name: nobody ever sees neither, and after a failure both are what they were.
 SystemStatus Rename(const Folder& from, SystemName name, const Folder& to, SystemName newName,
                     Existing existing) noexcept;
+
+/// Gives a file one more name on the same volume. Fails where something has it.
+SystemStatus MakeHardLink(const Folder& from, SystemName name, const Folder& to, SystemName newName) noexcept;
 
 /// Removes a file or a link (what it leads to stays); folders are refused.
 SystemStatus RemoveFile(const Folder& at, SystemName name) noexcept;

@@ -18,6 +18,7 @@ enum class SystemCall : std::uint8_t {
   SetAttributes,
   SetTimes,
   Rename,
+  Link,
   Remove,
   MakeFolder,
   List,

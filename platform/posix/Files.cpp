@@ -87,6 +87,17 @@ SystemStatus SetHandleAttributes(const FileHandle& handle, const EntryInfo& like
   return MakeCall(SystemCall::SetAttributes, [&] { return fchmod(Descriptor(handle), permissions); });
 }
 
+SystemStatus WhyNoFile(EntryKind kind) noexcept {
+  switch (kind) {
+    case EntryKind::File:
+      return {};
+    case EntryKind::Folder:
+      return SystemStatus(EISDIR);
+    default:
+      return SystemStatus(EOPNOTSUPP);
+  }
+}
+
 int FlagsOf(OpenMode mode) noexcept {
   switch (mode) {
     case OpenMode::ReadFile:
@@ -134,7 +145,7 @@ SystemStatus Folder::SetAttributes(const EntryInfo& like) noexcept {
   return SetHandleAttributes(handle_, like);
 }
 
-SystemStatus Folder::Flush() noexcept {
+SystemStatus Folder::Flush() const noexcept {
   const SystemStatus flushed = MakeCall(SystemCall::Flush, [&] { return fsync(Descriptor(handle_)); });
   // Some file systems have no such thing for folders.
   return flushed.Code() == EINVAL ? SystemStatus() : flushed;
@@ -147,8 +158,8 @@ SystemStatus File::Open(const Folder& at, SystemName name, OpenMode mode, std::u
   }
   EntryInfo info;
   SystemStatus regular = Query(info);
-  if (!regular.Failed() && info.kind != EntryKind::File) {
-    regular = SystemStatus(info.kind == EntryKind::Folder ? EISDIR : EOPNOTSUPP);
+  if (!regular.Failed()) {
+    regular = WhyNoFile(info.kind);
   }
   if (regular.Failed()) {
     handle_ = FileHandle();
@@ -226,11 +237,24 @@ SystemStatus Query(const Folder& at, SystemName name, Links links, EntryInfo& in
   return asked;
 }
 
+SystemStatus WhyNotReplaced(const EntryInfo& info) noexcept {
+  if (info.kind == EntryKind::Link) {
+    return {};
+  }
+  const SystemStatus noFile = WhyNoFile(info.kind);
+  const bool isProtected = (info.attributes & 0222U) == 0;
+  return noFile.Failed() || !isProtected ? noFile : SystemStatus(EACCES);
+}
+
 SystemStatus Rename(const Folder& from, SystemName name, const Folder& to, SystemName newName,
                     Existing existing) noexcept {
   const unsigned flags = existing == Existing::Replaced ? 0 : RENAME_NOREPLACE;
   return MakeCall(SystemCall::Rename,
                   [&] { return renameat2(Base(from), name.Get(), Base(to), newName.Get(), flags); });
+}
+
+SystemStatus MakeHardLink(const Folder& from, SystemName name, const Folder& to, SystemName newName) noexcept {
+  return MakeCall(SystemCall::Link, [&] { return linkat(Base(from), name.Get(), Base(to), newName.Get(), 0); });
 }
 
 SystemStatus RemoveFile(const Folder& at, SystemName name) noexcept {

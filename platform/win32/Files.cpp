@@ -163,19 +163,29 @@ SystemStatus Remove(const Folder& at, SystemName name, ULONG options) noexcept {
   return removed.Failed() ? removed : closed;
 }
 
-/// The new name as the system wants it: behind the record's fixed part. Null where memory is short.
-std::unique_ptr<std::byte[]> RenameRecord(NtName& newName, Existing existing, ULONG& size) noexcept {
-  const UNICODE_STRING& letters = newName.Letters();
-  size = static_cast<ULONG>(sizeof(FILE_RENAME_INFORMATION)) + letters.Length;
-  std::unique_ptr<std::byte[]> bytes(new (std::nothrow) std::byte[size]());
-  if (bytes != nullptr) {
-    auto* const record = reinterpret_cast<FILE_RENAME_INFORMATION*>(bytes.get());
-    record->ReplaceIfExists = existing == Existing::Replaced ? TRUE : FALSE;
-    record->RootDirectory = newName.Root();
-    record->FileNameLength = letters.Length;
-    std::memcpy(record->FileName, letters.Buffer, letters.Length);
+/// Gives an entry another name or, as `kind` says, one more. Links and renames have the same record.
+SystemStatus SetName(SystemCall call, FILE_INFORMATION_CLASS kind, HANDLE handle, const Folder& to, SystemName newName,
+                     Existing existing) noexcept {
+  NtName target;
+  if (const SystemStatus named = target.Set(to, newName); named.Failed()) {
+    return named;
   }
-  return bytes;
+  const UNICODE_STRING& letters = target.Letters();
+  const ULONG size = static_cast<ULONG>(sizeof(FILE_RENAME_INFORMATION)) + letters.Length;
+  const std::unique_ptr<std::byte[]> bytes(new (std::nothrow) std::byte[size]());
+  if (bytes == nullptr) {
+    return SystemStatus(ERROR_NOT_ENOUGH_MEMORY);
+  }
+  auto* const record = reinterpret_cast<FILE_RENAME_INFORMATION*>(bytes.get());
+  record->ReplaceIfExists = existing == Existing::Replaced ? TRUE : FALSE;
+  record->RootDirectory = target.Root();
+  record->FileNameLength = letters.Length;
+  std::memcpy(record->FileName, letters.Buffer, letters.Length);
+  if (const SystemStatus refused = Admitted(call); refused.Failed()) {
+    return refused;
+  }
+  IO_STATUS_BLOCK result{};
+  return StatusOf(NtSetInformationFile(handle, &result, bytes.get(), size, kind));
 }
 
 }  // namespace
@@ -222,7 +232,7 @@ SystemStatus Folder::SetAttributes(const EntryInfo& like) noexcept {
   return SetHandleAttributes(handle_, like);
 }
 
-SystemStatus Folder::Flush() noexcept {
+SystemStatus Folder::Flush() const noexcept {
   return Admitted(SystemCall::Flush);
 }
 
@@ -316,6 +326,14 @@ SystemStatus Query(const Folder& at, SystemName name, Links links, EntryInfo& in
   return opened.Failed() ? opened : QueryHandle(handle, info);
 }
 
+SystemStatus WhyNotReplaced(const EntryInfo& info) noexcept {
+  if (info.kind == EntryKind::Other) {
+    return SystemStatus(ERROR_NOT_SUPPORTED);
+  }
+  const bool isProtected = (info.attributes & FILE_ATTRIBUTE_READONLY) != 0;
+  return info.kind == EntryKind::Folder || isProtected ? SystemStatus(ERROR_ACCESS_DENIED) : SystemStatus();
+}
+
 SystemStatus Rename(const Folder& from, SystemName name, const Folder& to, SystemName newName,
                     Existing existing) noexcept {
   FileHandle handle;
@@ -325,20 +343,17 @@ SystemStatus Rename(const Folder& from, SystemName name, const Folder& to, Syste
   if (const SystemStatus opened = OpenHandle(handle, from, name, SystemCall::Open, opening); opened.Failed()) {
     return opened;
   }
-  NtName target;
-  if (const SystemStatus named = target.Set(to, newName); named.Failed()) {
-    return named;
+  return SetName(SystemCall::Rename, FileRenameInformation, AsHandle(handle.Get()), to, newName, existing);
+}
+
+SystemStatus MakeHardLink(const Folder& from, SystemName name, const Folder& to, SystemName newName) noexcept {
+  FileHandle handle;
+  const Opening opening = {FILE_WRITE_ATTRIBUTES, FILE_OPEN,
+                           FILE_OPEN_REPARSE_POINT | FILE_OPEN_FOR_BACKUP_INTENT | FILE_WRITE_THROUGH};
+  if (const SystemStatus opened = OpenHandle(handle, from, name, SystemCall::Open, opening); opened.Failed()) {
+    return opened;
   }
-  ULONG size = 0;
-  const auto record = RenameRecord(target, existing, size);
-  if (record == nullptr) {
-    return SystemStatus(ERROR_NOT_ENOUGH_MEMORY);
-  }
-  if (const SystemStatus refused = Admitted(SystemCall::Rename); refused.Failed()) {
-    return refused;
-  }
-  IO_STATUS_BLOCK result{};
-  return StatusOf(NtSetInformationFile(AsHandle(handle.Get()), &result, record.get(), size, FileRenameInformation));
+  return SetName(SystemCall::Link, FileLinkInformation, AsHandle(handle.Get()), to, newName, Existing::Refused);
 }
 
 SystemStatus RemoveFile(const Folder& at, SystemName name) noexcept {

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -14,8 +15,9 @@ class TestFolder {
  public:
   TestFolder() {
     const auto* const test = testing::UnitTest::GetInstance()->current_test_info();
-    path_ = std::filesystem::temp_directory_path() /
-            ("kivtools-" + std::string(test->test_suite_name()) + "-" + test->name());
+    std::string name = "kivtools-" + std::string(test->test_suite_name()) + "-" + test->name();
+    std::ranges::replace(name, '/', '-');
+    path_ = std::filesystem::temp_directory_path() / name;
     std::filesystem::remove_all(path_);
     std::filesystem::create_directories(path_);
   }

@@ -1,9 +1,10 @@
 #include "kivtools/Package.h"
 
+#include <algorithm>
 #include <array>
-#include <span>
 
 #include "package/OnceOnly.h"
+#include "package/StartOrder.h"
 #include "tools/Units.h"
 
 namespace kiv {
@@ -14,32 +15,22 @@ namespace {
 constexpr UnitEntry kRuntimeUnit = {[] {}, [] {}};
 constexpr std::size_t kRuntimeUnits = 69;
 
-constexpr std::array kOwnUnits = {
-    OnceOnly<units::DatasetLib>::kEntry,       OnceOnly<units::Shfolder>::kEntry,
-    OnceOnly<units::CEVersionInfo>::kEntry,    OnceOnly<units::WinUtil>::kEntry,
-    OnceOnly<units::LargeFontScaler>::kEntry,  OnceOnly<units::BmpRoutines>::kEntry,
-    OnceOnly<units::WideTools>::kEntry,        OnceOnly<units::UTreeAVL2>::kEntry,
-    OnceOnly<units::UDepanarePointer>::kEntry, OnceOnly<units::UPanelElastic>::kEntry,
-};
+template <class... Units>
+constexpr std::array<UnitEntry, sizeof...(Units)> EntriesOf(const std::tuple<Units...>& /*all*/) {
+  return {OnceOnly<Units>::kEntry...};
+}
 
 constexpr auto kUnits = [] {
-  std::array<UnitEntry, kRuntimeUnits + kOwnUnits.size()> all{};
-  all.fill(kRuntimeUnit);
-  for (std::size_t i = 0; i < kOwnUnits.size(); ++i) {
-    all[kRuntimeUnits + i] = kOwnUnits[i];
-  }
+  constexpr auto kOwn = EntriesOf(units::InStartOrder());
+  std::array<UnitEntry, kRuntimeUnits + kOwn.size()> all{};
+  std::fill_n(all.begin(), kRuntimeUnits, kRuntimeUnit);
+  std::copy(kOwn.begin(), kOwn.end(), all.begin() + kRuntimeUnits);
   return all;
 }();
 
 constexpr PackageInfoTable kTable = {static_cast<std::int32_t>(kUnits.size()), kUnits.data()};
 
 PackageModule module_record;
-
-void FinalizeFirst(std::size_t count) {
-  for (std::size_t i = count; i > 0; --i) {
-    kUnits[i - 1].finalization();
-  }
-}
 
 }  // namespace
 
@@ -54,18 +45,11 @@ const PackageInfoTable* GetPackageInfoTable() noexcept {
 }
 
 void Initialize() {
-  for (std::size_t started = 0; started < kUnits.size(); ++started) {
-    try {
-      kUnits[started].initialization();
-    } catch (...) {
-      FinalizeFirst(started);
-      throw;
-    }
-  }
+  InitializeUnits(kUnits);
 }
 
 void Finalize() {
-  FinalizeFirst(kUnits.size());
+  FinalizeUnits(kUnits);
 }
 
 void PackageLoadEntry(Handle module, std::uint32_t reason) noexcept {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <tuple>
+
 /// The library's own units as the package table starts them and shuts them down.
 namespace kiv::units {
 
@@ -48,5 +50,9 @@ struct UDepanarePointer {
 };
 
 struct UPanelElastic : WithoutBodies {};
+
+/// All of them, in the order in which they start. The package table is made from this.
+using InStartOrder = std::tuple<DatasetLib, Shfolder, CEVersionInfo, WinUtil, LargeFontScaler, BmpRoutines, WideTools,
+                                UTreeAVL2, UDepanarePointer, UPanelElastic>;
 
 }  // namespace kiv::units

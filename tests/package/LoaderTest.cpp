@@ -5,7 +5,9 @@
 
 #include "Expect.h"
 #include "kivtools/Loader.h"
+#include "kivtools/Package.h"
 #include "kivtools/kiv.h"
+#include "platform/ProcessState.h"
 
 namespace kiv {
 namespace {
@@ -17,6 +19,16 @@ TEST(LoadedPackage, CallsTheSharedLibrary) {
   EXPECT_STREQ(text, "DOUAZECISIUNU");
   ExpectError<Error>([&package] { std::ignore = package.Symbol("KivNothing"); },
                      "LoadedPackage: biblioteca nu exporta KivNothing");
+}
+
+TEST(LoadedPackage, TheLoadedLibraryKnowsItsModule) {
+  const LoadedPackage package(KIV_SHARED_LIBRARY);
+  auto* const getModule = package.Function<const PackageModule&()>("_ZN3kiv16GetPackageModuleEv");  // GetPackageModule
+  const PackageModule& module = getModule();
+  EXPECT_TRUE(module.isLibrary);
+  EXPECT_TRUE(module.attached);
+  EXPECT_EQ(module.handle, test::ModuleOf(reinterpret_cast<const void*>(getModule)));
+  EXPECT_NE(module.handle, test::ModuleOf(reinterpret_cast<const void*>(&test::ModuleOf))) << "not this program";
 }
 
 TEST(LoadedPackage, SaysWhichFileItCannotLoad) {

@@ -1,14 +1,27 @@
 #include <gtest/gtest.h>
 
+#include "Expect.h"
 #include "kivtools/CEVersionInfo.h"
 #include "kivtools/DatasetLib.h"
 #include "kivtools/Package.h"
+#include "kivtools/UDepanarePointer.h"
 #include "kivtools/WideTools.h"
 #include "kivtools/WinUtil.h"
 #include "package/OnceOnly.h"
+#include "package/StartOrder.h"
+#include "tools/Units.h"
 
 namespace kiv {
 namespace {
+
+bool TrackerRuns() {
+  try {
+    const int unknown = 0;
+    return !IsValid(&unknown);
+  } catch (const Error&) {
+    return false;
+  }
+}
 
 TEST(Package, TableHas79CallableEntries) {
   const PackageInfoTable& table = *GetPackageInfoTable();
@@ -17,6 +30,32 @@ TEST(Package, TableHas79CallableEntries) {
     ASSERT_NE(table.units[i].initialization, nullptr) << i;
     ASSERT_NE(table.units[i].finalization, nullptr) << i;
   }
+}
+
+Text start_log;
+bool third_fails = false;
+
+constexpr UnitEntry kLogged[] = {
+    {[] { start_log += "+1"; }, [] { start_log += "-1"; }},
+    {[] { start_log += "+2"; }, [] { start_log += "-2"; }},
+    {[] {
+       if (third_fails) {
+         throw Error("no start");
+       }
+       start_log += "+3";
+     },
+     [] { start_log += "-3"; }},
+    {[] { start_log += "+4"; }, [] { start_log += "-4"; }},
+};
+
+TEST(Package, UnitsStartInOrderAndStopInTheReverseAlsoWhenOneFails) {
+  InitializeUnits(kLogged);
+  FinalizeUnits(kLogged);
+  EXPECT_EQ(start_log, "+1+2+3+4-4-3-2-1");
+  start_log = "";
+  third_fails = true;
+  ExpectError<Error>([] { InitializeUnits(kLogged); }, "no start");
+  EXPECT_EQ(start_log, "+1+2-2-1");
 }
 
 TEST(Package, GlobalsLiveBetweenFirstInitializeAndLastFinalize) {
@@ -41,6 +80,43 @@ TEST(Package, GlobalsLiveBetweenFirstInitializeAndLastFinalize) {
     EXPECT_EQ(TempFilePath, "");
     EXPECT_EQ(InfoStr[0], "");
     EXPECT_EQ(NumeLuna[0], "");
+  }
+}
+
+TEST(Package, EachOwnUnitHasItsPlaceInTheTable) {
+  // What shows that a unit has started; those that only count show nothing.
+  const struct {
+    int position;  // from 1
+    const char* name;
+    UnitEntry entry;
+    bool (*isRunning)();
+  } units[] = {
+      {70, "DatasetLib", OnceOnly<units::DatasetLib>::kEntry, nullptr},  // what is registered stays
+      {71, "Shfolder", OnceOnly<units::Shfolder>::kEntry, nullptr},
+      {72, "CEVersionInfo", OnceOnly<units::CEVersionInfo>::kEntry, [] { return !InfoStr[0].empty(); }},
+      {73, "WinUtil", OnceOnly<units::WinUtil>::kEntry, [] { return !TempFilePath.empty(); }},
+      {74, "LargeFontScaler", OnceOnly<units::LargeFontScaler>::kEntry, nullptr},
+      {75, "BmpRoutines", OnceOnly<units::BmpRoutines>::kEntry, nullptr},
+      {76, "WideTools", OnceOnly<units::WideTools>::kEntry, nullptr},  // what it found out stays
+      {77, "UTreeAVL2", OnceOnly<units::UTreeAVL2>::kEntry, nullptr},
+      {78, "UDepanarePointer", OnceOnly<units::UDepanarePointer>::kEntry, TrackerRuns},
+      {79, "UPanelElastic", OnceOnly<units::UPanelElastic>::kEntry, nullptr},
+  };
+  Initialize();  // afterwards nothing is left of what is there from load
+  Finalize();
+  int position = 69;
+  for (const auto& unit : units) {
+    EXPECT_EQ(unit.position, ++position);
+    const UnitEntry& inTable = GetPackageInfoTable()->units[unit.position - 1];
+    EXPECT_EQ(inTable.initialization, unit.entry.initialization) << unit.name;
+    EXPECT_EQ(inTable.finalization, unit.entry.finalization) << unit.name;
+    if (unit.isRunning != nullptr) {
+      EXPECT_FALSE(unit.isRunning()) << unit.name;
+      inTable.initialization();
+      EXPECT_TRUE(unit.isRunning()) << unit.name;
+      inTable.finalization();
+      EXPECT_FALSE(unit.isRunning()) << unit.name;
+    }
   }
 }
 

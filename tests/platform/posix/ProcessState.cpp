@@ -1,5 +1,6 @@
 #include "platform/ProcessState.h"
 
+#include <dlfcn.h>
 #include <malloc.h>
 
 #include <fstream>
@@ -15,6 +16,11 @@ bool IsLoaded(std::string_view fileName) {
     }
   }
   return false;
+}
+
+Handle ModuleOf(const void* address) {
+  Dl_info info{};
+  return dladdr(address, &info) != 0 ? reinterpret_cast<Handle>(info.dli_fbase) : 0;
 }
 
 std::size_t HeapInUse() {

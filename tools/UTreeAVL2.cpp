@@ -1,10 +1,12 @@
 #include "kivtools/UTreeAVL2.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstdlib>
 #include <cstring>
 #include <limits>
 #include <new>
+#include <type_traits>
 
 #include "tools/AvlAllocation.h"
 
@@ -16,15 +18,29 @@ void* (*avl::allocate_zeroed)(std::size_t count, std::size_t bytes) = &std::call
 
 namespace {
 
-/// Where addresses have 32 bits a link is the node's address; elsewhere it is the node's number, resolved through the
-/// block directory. 0 is nil in both cases: number 0 is the header node, which no link names.
+/// Where addresses have 32 bits a link is the node's address. Elsewhere it is the node's distance from the header,
+/// below or above, if the node's block lies within a gigabyte of it, as blocks from one heap do: one addition resolves
+/// it. The nodes of other blocks have numbers, told by their range and resolved through the block directory. 0 is nil
+/// in all cases: it would be the header, which no link names.
 constexpr bool kLinksAreAddresses = sizeof(void*) == sizeof(std::uint32_t);
 constexpr std::uint32_t kNil = 0;
+constexpr std::int64_t kReach = std::int64_t{1} << 30;
+constexpr auto kFirstNumber = static_cast<std::uint32_t>(kReach);
+constexpr std::uint32_t kNumbers = 1U << 31U;
+
+constexpr bool IsNumber(std::uint32_t link) noexcept {
+  return !kLinksAreAddresses && link - kFirstNumber < kNumbers;
+}
 
 /// Numbers are given in runs of 4096, one directory entry each; a block begins with a new run. The largest small block
 /// is one run, a large one 25, so that finding a node costs one shift whatever the buffer mode.
 constexpr std::uint32_t kRunBits = 12;
 constexpr std::uint32_t kRun = 1U << kRunBits;
+constexpr std::uint32_t kMostRuns = kNumbers / kRun;
+
+/// An index remembers the ends of so many searches at most; the multiplier spreads the keys.
+constexpr std::uint32_t kMostHints = 4096;
+constexpr std::uint32_t kHintMultiplier = 0x9E37'79B1U;
 
 constexpr std::int32_t kFirstCapacity = 64;
 constexpr std::int32_t kLargeCapacity = 100'000;
@@ -84,10 +100,27 @@ void SetChild(std::byte* node, std::int8_t side, std::uint32_t link) noexcept {
   Store(node + LinkOffset(side), link);
 }
 
-/// The link on the side of a key other than the node's, by its address: no predictor can guess which way a search goes,
-/// and with a conditional the compilers branch.
-std::uint32_t NextLink(const std::byte* node, std::int32_t nodeKey, std::int32_t key) noexcept {
-  return Load<std::uint32_t>(node + kLinks + sizeof(std::uint32_t) * static_cast<std::size_t>(nodeKey < key));
+/// Where a search for `key` goes from the node that `link` names: to one of its children, or nowhere (to `link` itself)
+/// where the node has the key. No predictor can guess the way, and compilers branch whatever the source says: hence the
+/// conditional moves. `Link` is wide enough to add to an address, and signed if links are distances.
+template <class Link>
+Link Step(const std::byte* node, Link link, std::int32_t key) noexcept {
+  using Stored = std::conditional_t<std::is_signed_v<Link>, std::int32_t, std::uint32_t>;
+  Link next = Load<Stored>(node + LinkOffset(kLeft));
+  const Link right = Load<Stored>(node + LinkOffset(kRight));
+  const std::int32_t nodeKey = Key(node);
+#if defined(__x86_64__) || defined(__i386__)
+  asm("cmpl %[key], %[nodeKey]\n\t"
+      "cmovl %[right], %[next]\n\t"
+      "cmove %[link], %[next]"
+      : [next] "+&r"(next)
+      : [right] "r"(right), [nodeKey] "rm"(nodeKey), [key] "r"(key), [link] "r"(link)
+      : "cc");
+#else
+  next = nodeKey < key ? right : next;
+  next = nodeKey == key ? link : next;
+#endif
+  return next;
 }
 
 constexpr std::int8_t Opposite(std::int8_t side) noexcept {
@@ -154,17 +187,74 @@ void TKivAVLIndex::Release::operator()(void* memory) const noexcept {
 }
 
 std::byte* TKivAVLIndex::Resolve(std::uint32_t link) const noexcept {
-  if constexpr (kLinksAreAddresses) {
-    return reinterpret_cast<std::byte*>(std::uintptr_t{link});
-  } else {
-    return reinterpret_cast<std::byte*>(directory_[link >> kRunBits] +
+  if (IsNumber(link)) {
+    return reinterpret_cast<std::byte*>(directory_[(link - kFirstNumber) >> kRunBits] +
                                         std::uintptr_t{link} * static_cast<std::uint32_t>(stride_));
   }
+  return reinterpret_cast<std::byte*>(origin_ + static_cast<std::uintptr_t>(static_cast<std::int32_t>(link)));
 }
 
 void* TKivAVLIndex::Find(std::int32_t key, bool insert) {
-  std::byte* const node = InternalFind(key, insert);
+  if (hints_ != nullptr) {
+    const std::uint32_t link = hints_[HintOf(key)];
+    std::byte* const node = Resolve(link);
+    if (link != kNil && Key(node) == key) {
+      return node + kPayload;
+    }
+  }
+  std::byte* node = insert ? nullptr : Lookup(key);
+  if (node == nullptr) {
+    node = InternalFind(key, insert);
+  }
   return node == nullptr ? nullptr : node + kPayload;
+}
+
+/// Where the hint for `key` is: keys one after another have different places, and so have most others.
+inline std::size_t TKivAVLIndex::HintOf(std::int32_t key) const noexcept {
+  return static_cast<std::uint32_t>(key) * kHintMultiplier >> hintShift_;
+}
+
+/// Notes where the search for `key` ended, so that the next one for it need not go down the tree. Links never change
+/// their meaning, so that a hint may be forgotten or useless, but never wrong.
+void TKivAVLIndex::Remember(std::int32_t key, std::uint32_t link) noexcept {
+  const auto nodes = static_cast<std::uint32_t>(nodeCount_);
+  if (hintCapacity_ < kMostHints && hintCapacity_ < 2 * nodes) {
+    const std::uint32_t grown = nodes < kMostHints / 4 ? std::bit_ceil(4 * nodes) : kMostHints;
+    auto* const hints = static_cast<std::uint32_t*>(avl::allocate_zeroed(grown, sizeof(std::uint32_t)));
+    if (hints == nullptr) {
+      return;  // searches work without
+    }
+    hints_.reset(hints);
+    hintCapacity_ = grown;
+    hintShift_ = 32U - static_cast<std::uint32_t>(std::countr_zero(grown));
+  }
+  hints_[HintOf(key)] = link;
+}
+
+/// The node with that key, null if there is none. It takes as many steps as the tree has levels, wherever the node is:
+/// where a search ends is another thing that no predictor can guess.
+std::byte* TKivAVLIndex::Lookup(std::int32_t key) noexcept {
+  std::uint32_t link = Child(header_, kRight);
+  std::int32_t level = Height();
+  if (kLinksAreAddresses || runs_ > 0) {
+    for (; level > 0 && link != kNil; --level) {
+      link = Step(Resolve(link), link, key);
+    }
+  } else {
+    // Every link is a distance, nil that of the header, which can be read like a node: a step past the end of the tree
+    // does no harm, and nothing has to be asked on the way.
+    std::int64_t distance = static_cast<std::int32_t>(link);
+    for (; level > 0; --level) {
+      distance = Step(header_ + distance, distance, key);
+    }
+    link = static_cast<std::uint32_t>(distance);
+  }
+  std::byte* const node = link == kNil ? nullptr : Resolve(link);
+  if (node == nullptr || Key(node) != key) {
+    return nullptr;
+  }
+  Remember(key, link);
+  return node;
 }
 
 std::byte* TKivAVLIndex::InternalFind(std::int32_t key, bool insert) {
@@ -181,12 +271,12 @@ std::byte* TKivAVLIndex::InternalFind(std::int32_t key, bool insert) {
     std::byte* const node = Resolve(link);
     // One node in five lies across two cache lines: ask for the links together with the key.
     __builtin_prefetch(node);
-    const std::int32_t nodeKey = Key(node);
-    if (nodeKey == key) {
+    const std::uint32_t next = Step(node, link, key);
+    if (next == link) {
       return node;
     }
     *++bottom = node;
-    link = NextLink(node, nodeKey, key);
+    link = next;
   } while (link != kNil);
   path.EndAt(bottom);
   // Absent: added whatever `insert` says.
@@ -310,7 +400,7 @@ std::uint32_t TKivAVLIndex::NewNode() {
       GrowBuffer();
     }
     link = Load<std::uint32_t>(currentBlock_ + kNextFree);
-    Store(currentBlock_ + kNextFree, link + (kLinksAreAddresses ? static_cast<std::uint32_t>(stride_) : 1U));
+    Store(currentBlock_ + kNextFree, link + (IsNumber(link) ? 1U : static_cast<std::uint32_t>(stride_)));
     Store(currentBlock_ + kFreeCount, Load<std::int32_t>(currentBlock_ + kFreeCount) - 1);
   }
   std::byte* const payload = Resolve(link) + kPayload;
@@ -349,15 +439,18 @@ std::byte* TKivAVLIndex::NewBlock(std::int32_t capacity, std::int32_t number) {
   if (block == nullptr) {
     throw std::bad_alloc();
   }
-  Store(block + kNextFree, RegisterRuns(block + kBlockHead, capacity));
+  Store(block + kNextFree, RegisterNodes(block + kBlockHead, capacity));
   Store(block + kFreeCount, capacity);
   Store(block + kBlockNumber, number);
   return block;
 }
 
-/// Makes room in the directory for a block of that capacity.
+/// Makes room in the directory for a block of that capacity, wherever it will lie.
 void TKivAVLIndex::ReserveRuns(std::int32_t capacity) {
   const std::uint32_t needed = runs_ + RunsOf(capacity);
+  if (needed > kMostRuns) {
+    throw std::bad_alloc();
+  }
   if (kLinksAreAddresses || needed <= directoryCapacity_) {
     return;
   }
@@ -371,13 +464,18 @@ void TKivAVLIndex::ReserveRuns(std::int32_t capacity) {
   directoryCapacity_ = grown;
 }
 
-/// Enters a block's node area into the directory; returns the link of its first node.
-std::uint32_t TKivAVLIndex::RegisterRuns(std::byte* nodes, std::int32_t capacity) noexcept {
+/// Makes links for a block's node area; returns that of its first node.
+std::uint32_t TKivAVLIndex::RegisterNodes(std::byte* nodes, std::int32_t capacity) noexcept {
   const auto address = reinterpret_cast<std::uintptr_t>(nodes);
-  if constexpr (kLinksAreAddresses) {
-    return static_cast<std::uint32_t>(address);
+  if (firstBlock_ == nullptr && !kLinksAreAddresses) {
+    origin_ = address;  // the header will be its first node
   }
-  const std::uint32_t first = runs_ << kRunBits;
+  const auto distance = static_cast<std::int64_t>(address - origin_);
+  const std::int64_t length = std::int64_t{stride_} * capacity;
+  if (kLinksAreAddresses || (distance >= -kReach && distance < kReach && distance + length <= kReach)) {
+    return static_cast<std::uint32_t>(distance);
+  }
+  const std::uint32_t first = kFirstNumber + (runs_ << kRunBits);
   std::fill_n(directory_.get() + runs_, RunsOf(capacity),
               address - std::uintptr_t{first} * static_cast<std::uint32_t>(stride_));
   runs_ += RunsOf(capacity);

@@ -124,6 +124,9 @@ class KIV_API TKivAVLIndex {
 
   std::byte* Resolve(std::uint32_t link) const noexcept;
   NodeView View(std::uint32_t link) const noexcept;
+  std::byte* Lookup(std::int32_t key) noexcept;
+  std::size_t HintOf(std::int32_t key) const noexcept;
+  void Remember(std::int32_t key, std::uint32_t link) noexcept;
   std::byte* InternalFind(std::int32_t key, bool insert);
   std::byte* Append(std::int32_t key);
   std::byte* HangNode(const Path& path, std::int32_t key);
@@ -135,7 +138,7 @@ class KIV_API TKivAVLIndex {
   std::byte* NewBlock(std::int32_t capacity, std::int32_t number);
   std::uint32_t BlockBytes(std::int32_t capacity) const noexcept;
   void ReserveRuns(std::int32_t capacity);
-  std::uint32_t RegisterRuns(std::byte* nodes, std::int32_t capacity) noexcept;
+  std::uint32_t RegisterNodes(std::byte* nodes, std::int32_t capacity) noexcept;
   template <std::int8_t firstSide>
   void Walk(const char* operation, const TKivAvlForEach& callback) const;
   template <std::int8_t firstSide>
@@ -149,10 +152,16 @@ class KIV_API TKivAVLIndex {
   std::byte* currentBlock_ = nullptr;
   std::uint32_t freeNodes_ = 0;
   std::int32_t nodeCount_ = 0;
-  /// Where links are node numbers: for each run of numbers the address that number 0 would have in the run's block.
+  /// What links are added to that are not node numbers.
+  std::uintptr_t origin_ = 0;
+  /// For each run of node numbers the address that link 0 would have if it were one of the run's block.
   std::unique_ptr<std::uintptr_t[], Release> directory_;
   std::uint32_t directoryCapacity_ = 0;
   std::uint32_t runs_ = 0;
+  /// Where searches ended, each at the place that its key gives.
+  std::unique_ptr<std::uint32_t[], Release> hints_;
+  std::uint32_t hintCapacity_ = 0;
+  std::uint32_t hintShift_ = 0;
   /// The largest key and, unless a rotation has changed them since, the nodes down to it.
   std::int32_t largestKey_ = 0;
   bool spineIsKnown_ = false;

@@ -12,6 +12,7 @@
 #include <memory>
 #include <random>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "bench/Values.h"
@@ -194,13 +195,60 @@ std::size_t AllocatedBytes() {
   return info.uordblks + info.hblkhd;
 }
 
+/// Keys and the orders in which they are asked for.
+struct Orders {
+  Orders(Keys (*make)(std::size_t), std::size_t count) : keys(make(count)), again(keys), mixed(kMixed) {
+    std::mt19937 random(1);
+    std::ranges::shuffle(again, random);
+    again.reserve(kRound + count);
+    while (again.size() < kRound) {
+      again.insert(again.end(), again.begin(), again.begin() + static_cast<std::ptrdiff_t>(count));
+    }
+    std::ranges::generate(mixed, [&] { return keys[random() % count]; });
+  }
+
+  static constexpr std::size_t kRound = 1U << 16U;  // the questions of one iteration
+  static constexpr std::size_t kMixed = 1U << 20U;
+  Keys keys;
+  Keys again;  // one order, the same in every round: branch predictors learn it while there are few keys
+  Keys mixed;  // too long an order to be learnt
+};
+
+const Orders& OrdersOf(Keys (*make)(std::size_t), std::size_t count) {
+  static std::map<std::pair<Keys (*)(std::size_t), std::size_t>, std::unique_ptr<Orders>> all;
+  std::unique_ptr<Orders>& orders = all[{make, count}];
+  if (orders == nullptr) {
+    orders = std::make_unique<Orders>(make, count);
+  }
+  return *orders;
+}
+
+/// A container with those keys, which has agreed with a map; filled once for all operations and repetitions.
+template <class Container>
+Container& Filled(Keys (*make)(std::size_t), std::size_t count) {
+  static std::map<std::pair<Keys (*)(std::size_t), std::size_t>, std::unique_ptr<Container>> all;
+  std::unique_ptr<Container>& container = all[{make, count}];
+  if (container == nullptr) {
+    const Keys& keys = OrdersOf(make, count).keys;
+    CheckAgainstMap<Container>(keys);
+    container = std::make_unique<Container>();
+    Fill(*container, keys);
+  }
+  return *container;
+}
+
+/// Random keys come in a new order each time, lest the branch predictors learn it.
 template <class Container>
 void Insert(benchmark::State& state, Keys (*make)(std::size_t), std::size_t count) {
-  const Keys keys = make(count);
+  Keys keys = OrdersOf(make, count).keys;
   CheckAgainstMap<Container>(keys);
+  std::mt19937 random(2);
   double bytes = 0;
   for (auto _ : state) {
     state.PauseTiming();
+    if (make == &RandomKeys) {
+      std::ranges::shuffle(keys, random);
+    }
     const std::size_t before = AllocatedBytes();
     auto container = std::make_unique<Container>();
     state.ResumeTiming();
@@ -216,45 +264,60 @@ void Insert(benchmark::State& state, Keys (*make)(std::size_t), std::size_t coun
 
 template <class Container>
 void Find(benchmark::State& state, Keys (*make)(std::size_t), std::size_t count) {
-  Keys keys = make(count);
-  CheckAgainstMap<Container>(keys);
-  Container container;
-  Fill(container, keys);
-  std::ranges::shuffle(keys, std::mt19937(1));
+  Container& container = Filled<Container>(make, count);
+  const Keys& mixed = OrdersOf(make, count).mixed;
+  std::size_t at = 0;
   for (auto _ : state) {
-    for (const std::int32_t key : keys) {
+    for (std::size_t i = 0; i < Orders::kRound; ++i) {
+      benchmark::DoNotOptimize(container.Find(mixed[at + i]));
+    }
+    at = (at + Orders::kRound) % Orders::kMixed;
+  }
+  PerEntry(state, Orders::kRound);
+}
+
+template <class Container>
+void FindAgain(benchmark::State& state, Keys (*make)(std::size_t), std::size_t count) {
+  Container& container = Filled<Container>(make, count);
+  const Keys& again = OrdersOf(make, count).again;
+  for (auto _ : state) {
+    for (const std::int32_t key : again) {
       benchmark::DoNotOptimize(container.Find(key));
     }
   }
-  PerEntry(state, count);
+  PerEntry(state, again.size());
 }
 
 template <class Container>
 void Walk(benchmark::State& state, Keys (*make)(std::size_t), std::size_t count) {
-  const Keys keys = make(count);
-  CheckAgainstMap<Container>(keys);
-  Container container;
-  Fill(container, keys);
+  Container& container = Filled<Container>(make, count);
   for (auto _ : state) {
     benchmark::DoNotOptimize(container.Walk());
   }
   PerEntry(state, count);
 }
 
+/// Random keys in every size, the other kinds in two, all of them in the largest, which scripts/bench leaves out.
 template <class Container>
 void RegisterAll(const std::string& who) {
   const struct {
     const char* name;
     Keys (*make)(std::size_t);
   } kKinds[] = {{"random", &RandomKeys}, {"ascending", &AscendingKeys}, {"clustered", &ClusteredKeys}};
-  for (const std::size_t count : {1'000U, 10'000U, 100'000U, 1'000'000U, 10'000'000U}) {
+  for (const std::size_t count : {10U, 100U, 1'000U, 10'000U, 100'000U, 1'000'000U, 10'000'000U}) {
     for (const auto& [kind, make] : kKinds) {
+      if (make != &RandomKeys && count != 1'000 && count != 100'000 && count != 10'000'000) {
+        continue;
+      }
       const auto add = [&, kind = kind, make = make](const std::string& operation, auto* run) {
         const std::string name = "Avl/" + operation + "_" + kind + "_" + std::to_string(count) + "/" + who;
         benchmark::RegisterBenchmark(name.c_str(), run, make, count)->Unit(benchmark::kMillisecond);
       };
       add("insert", &Insert<Container>);
       add("find", &Find<Container>);
+      if (make == &RandomKeys) {
+        add("find_again", &FindAgain<Container>);
+      }
       add("walk", &Walk<Container>);
     }
   }

@@ -6,7 +6,6 @@
 #include <cstring>
 #include <limits>
 #include <new>
-#include <type_traits>
 
 #include "tools/AvlAllocation.h"
 
@@ -100,27 +99,51 @@ void SetChild(std::byte* node, std::int8_t side, std::uint32_t link) noexcept {
   Store(node + LinkOffset(side), link);
 }
 
-/// Where a search for `key` goes from the node that `link` names: to one of its children, or nowhere (to `link` itself)
-/// where the node has the key. No predictor can guess the way, and compilers branch whatever the source says: hence the
-/// conditional moves. `Link` is wide enough to add to an address, and signed if links are distances.
-template <class Link>
-Link Step(const std::byte* node, Link link, std::int32_t key) noexcept {
-  using Stored = std::conditional_t<std::is_signed_v<Link>, std::int32_t, std::uint32_t>;
-  Link next = Load<Stored>(node + LinkOffset(kLeft));
-  const Link right = Load<Stored>(node + LinkOffset(kRight));
-  const std::int32_t nodeKey = Key(node);
+/// Choices without a branch: no predictor can guess the way of a search, and compilers branch whatever the source says.
+template <class Value>
+Value IfLess(std::int32_t left, std::int32_t right, Value yes, Value no) noexcept {
 #if defined(__x86_64__) || defined(__i386__)
-  asm("cmpl %[key], %[nodeKey]\n\t"
-      "cmovl %[right], %[next]\n\t"
-      "cmove %[link], %[next]"
-      : [next] "+&r"(next)
-      : [right] "r"(right), [nodeKey] "rm"(nodeKey), [key] "r"(key), [link] "r"(link)
+  asm("cmpl %[right], %[left]\n\tcmovl %[yes], %[no]"
+      : [no] "+r"(no)
+      : [left] "r"(left), [right] "r"(right), [yes] "r"(yes)
       : "cc");
+  return no;
 #else
-  next = nodeKey < key ? right : next;
-  next = nodeKey == key ? link : next;
+  return left < right ? yes : no;
 #endif
-  return next;
+}
+
+template <class Value>
+Value IfEqual(std::int32_t left, std::int32_t right, Value yes, Value no) noexcept {
+#if defined(__x86_64__) || defined(__i386__)
+  asm("cmpl %[right], %[left]\n\tcmove %[yes], %[no]"
+      : [no] "+r"(no)
+      : [left] "r"(left), [right] "r"(right), [yes] "r"(yes)
+      : "cc");
+  return no;
+#else
+  return left == right ? yes : no;
+#endif
+}
+
+/// A link as searches hold it: wide enough to be added to an address.
+using Link = std::intptr_t;
+
+constexpr Link Widened(std::uint32_t link) noexcept {
+  return static_cast<std::int32_t>(link);
+}
+
+/// The link to the child on whose side `key` belongs.
+Link NextLink(const std::byte* node, std::int32_t nodeKey, std::int32_t key) noexcept {
+  const Link left = Load<std::int32_t>(node + LinkOffset(kLeft));
+  const Link right = Load<std::int32_t>(node + LinkOffset(kRight));
+  return IfLess(nodeKey, key, right, left);
+}
+
+/// One step of a search that stays where it is once it has found the key.
+Link Step(const std::byte* node, Link link, std::int32_t key) noexcept {
+  const std::int32_t nodeKey = Key(node);
+  return IfEqual(nodeKey, key, link, NextLink(node, nodeKey, key));
 }
 
 constexpr std::int8_t Opposite(std::int8_t side) noexcept {
@@ -186,12 +209,17 @@ void TKivAVLIndex::Release::operator()(void* memory) const noexcept {
   std::free(memory);
 }
 
-std::byte* TKivAVLIndex::Resolve(std::uint32_t link) const noexcept {
-  if (IsNumber(link)) {
-    return reinterpret_cast<std::byte*>(directory_[(link - kFirstNumber) >> kRunBits] +
-                                        std::uintptr_t{link} * static_cast<std::uint32_t>(stride_));
+inline std::byte* TKivAVLIndex::Resolve(std::intptr_t link) const noexcept {
+  const auto stored = static_cast<std::uint32_t>(link);
+  if (IsNumber(stored)) {
+    return reinterpret_cast<std::byte*>(directory_[(stored - kFirstNumber) >> kRunBits] +
+                                        std::uintptr_t{stored} * static_cast<std::uint32_t>(stride_));
   }
-  return reinterpret_cast<std::byte*>(origin_ + static_cast<std::uintptr_t>(static_cast<std::int32_t>(link)));
+  return reinterpret_cast<std::byte*>(origin_ + static_cast<std::uintptr_t>(link));
+}
+
+inline std::byte* TKivAVLIndex::Resolve(std::uint32_t link) const noexcept {
+  return Resolve(Widened(link));
 }
 
 void* TKivAVLIndex::Find(std::int32_t key, bool insert) {
@@ -234,7 +262,7 @@ void TKivAVLIndex::Remember(std::int32_t key, std::uint32_t link) noexcept {
 /// The node with that key, null if there is none. It takes as many steps as the tree has levels, wherever the node is:
 /// where a search ends is another thing that no predictor can guess.
 std::byte* TKivAVLIndex::Lookup(std::int32_t key) noexcept {
-  std::uint32_t link = Child(header_, kRight);
+  Link link = Widened(Child(header_, kRight));
   std::int32_t level = Height();
   if (kLinksAreAddresses || runs_ > 0) {
     for (; level > 0 && link != kNil; --level) {
@@ -243,22 +271,20 @@ std::byte* TKivAVLIndex::Lookup(std::int32_t key) noexcept {
   } else {
     // Every link is a distance, nil that of the header, which can be read like a node: a step past the end of the tree
     // does no harm, and nothing has to be asked on the way.
-    std::int64_t distance = static_cast<std::int32_t>(link);
     for (; level > 0; --level) {
-      distance = Step(header_ + distance, distance, key);
+      link = Step(header_ + link, link, key);
     }
-    link = static_cast<std::uint32_t>(distance);
   }
   std::byte* const node = link == kNil ? nullptr : Resolve(link);
   if (node == nullptr || Key(node) != key) {
     return nullptr;
   }
-  Remember(key, link);
+  Remember(key, static_cast<std::uint32_t>(link));
   return node;
 }
 
 std::byte* TKivAVLIndex::InternalFind(std::int32_t key, bool insert) {
-  std::uint32_t link = Child(header_, kRight);
+  Link link = Widened(Child(header_, kRight));
   if (link == kNil && !insert) {
     return nullptr;
   }
@@ -269,14 +295,12 @@ std::byte* TKivAVLIndex::InternalFind(std::int32_t key, bool insert) {
   std::byte** bottom = path.Nodes();
   do {
     std::byte* const node = Resolve(link);
-    // One node in five lies across two cache lines: ask for the links together with the key.
-    __builtin_prefetch(node);
-    const std::uint32_t next = Step(node, link, key);
-    if (next == link) {
+    const std::int32_t nodeKey = Key(node);
+    if (nodeKey == key) {
       return node;
     }
     *++bottom = node;
-    link = next;
+    link = NextLink(node, nodeKey, key);
   } while (link != kNil);
   path.EndAt(bottom);
   // Absent: added whatever `insert` says.

@@ -122,6 +122,7 @@ class KIV_API TKivAVLIndex {
     void operator()(void* memory) const noexcept;
   };
 
+  std::byte* Resolve(std::intptr_t link) const noexcept;
   std::byte* Resolve(std::uint32_t link) const noexcept;
   NodeView View(std::uint32_t link) const noexcept;
   std::byte* Lookup(std::int32_t key) noexcept;

@@ -110,6 +110,8 @@ bool LoopIban(TextView text) {
   return remainder == 1;
 }
 
+/// The textbook's check of a personal code. It does less than TestCNP: it neither looks at the first digit nor at the
+/// date, and counts nothing.
 bool LoopCnp(TextView code) {
   if (code.size() != 13) {
     return false;

@@ -25,6 +25,9 @@ void AppendFilled(String& string, std::size_t most, Fill fill) {
 #endif
 }
 
+/// Texts up to this length have their string made once, of the right length.
+constexpr std::size_t kShort = 128;
+
 /// Long texts are taken in pieces, so that what is written is still in the fastest cache when it is looked at again.
 constexpr std::size_t kPiece = 4096;
 
@@ -117,6 +120,12 @@ std::string ToUtf8(TextView text, DiacriticForm form, const Kernels& kernels) {
 
 Text FromUtf8(std::string_view utf8, const Kernels& kernels) {
   std::array<unsigned char, kWindow + kSlack> window;  // not initialised: the kernel fills it
+  if (utf8.size() <= kShort) {
+    const Progress progress = kernels.fromUtf8(Bytes(utf8), utf8.size(), window.data());
+    if (progress.read == utf8.size()) {
+      return {reinterpret_cast<const char*>(window.data()), progress.written};
+    }
+  }
   Text text;
   text.reserve(utf8.size());
   std::size_t at = 0;

@@ -71,8 +71,8 @@ void GenerateGradientFillColorArray(Colour from, Colour to, std::span<Colour> co
     const auto left = static_cast<double>(colours.size() - k);
     const auto done = static_cast<double>(k);
     const auto between = [&](double a, double b) { return (left * a + done * b) / steps; };
-    colours[k] = ColourOf({between(start.hue, end.hue), between(start.saturation, end.saturation),
-                           between(start.value, end.value)});
+    colours[k] = ColourOf(
+        {between(start.hue, end.hue), between(start.saturation, end.saturation), between(start.value, end.value)});
   }
 }
 

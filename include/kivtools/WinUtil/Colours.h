@@ -61,15 +61,15 @@ KIV_API void RGB2HSV(std::uint8_t red, std::uint8_t green, std::uint8_t blue, do
                      double& value);
 
 /// The channels of a hue, saturation and value, each from 0 to 1; the channels are cut, not rounded, and what would lie
-/// outside 0 to 255 is brought back there (not a number becomes 0). A hue of 1 or more, or below 0, lies between magenta
-/// and red.
+/// outside 0 to 255 is brought back there (not a number becomes 0). A hue of 1 or more, or below 0, lies between
+/// magenta and red.
 ///
 ///     HSV2RGB(0, 0, 0.5, red, green, blue)   // 127, 127, 127
 KIV_API void HSV2RGB(double hue, double saturation, double value, std::uint8_t& red, std::uint8_t& green,
                      std::uint8_t& blue);
 
-/// Fills an array with the colours on the way from one to another. The way is straight in hue, saturation and value: the
-/// hue passes through those between the two numbers, not along the shorter arc. The first entry is `from` (but for
+/// Fills an array with the colours on the way from one to another. The way is straight in hue, saturation and value:
+/// the hue passes through those between the two numbers, not along the shorter arc. The first entry is `from` (but for
 /// cutting), the last one step short of `to`.
 ///
 ///     std::array<Colour, 2> colours;

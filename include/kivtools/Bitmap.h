@@ -72,9 +72,9 @@ class KIV_API Bitmap {
   /// first three pixels green.
   void FillRect(std::int32_t left, std::int32_t top, std::int32_t right, std::int32_t bottom, Colour colour) noexcept;
 
-  /// Writes the picture as an uncompressed .bmp file, 24 or 32 bits a pixel; what was at `path` is replaced, in one
-  /// step where the folder allows it. Throws OsError where the system does not let it, Error for a picture of 4 GiB or
-  /// more and for an empty one, which many programs would not read back. Example: `bitmap.SaveToFile("fond.bmp")`.
+  /// Writes the picture as an uncompressed .bmp file, 24 or 32 bits a pixel. What was at `path` is replaced as a whole
+  /// or stays as it was. Throws OsError where the system does not let it, and Error for a picture of 4 GiB or more.
+  /// Example: `bitmap.SaveToFile("fond.bmp")`.
   void SaveToFile(TextView path) const;
   /// Takes over the picture of an uncompressed .bmp file: 1, 4, 8, 16 and 24 bits a pixel become PixelFormat::Rgb24,
   /// 32 bits PixelFormat::Rgb32. Throws OsError where the file cannot be read and Error where it is no such picture or

@@ -196,7 +196,7 @@ TEST(FountainFills, GiveWhatThePlainRuleGives) {
 
 TEST(FountainFills, WrapWhereThePlainRuleDoes) {
   constexpr std::int32_t kLongest = 0x7FFFFFFF / 255;  // the last length whose sums all fit 31 bits
-  for (const std::int32_t length : {kLongest - 1, kLongest, kLongest + 1, kLongest * 2 + 1}) {
+  for (const std::int32_t length : {kLongest, kLongest + 1}) {
     const Bitmap bitmap = GenerateVertFountainFill(1, length, 0x00FF80FF, 0x00FFFF01);
     for (std::int32_t y = 0; y < length; y += y < length - 300 ? 99991 : 1) {
       ASSERT_EQ(bitmap.Pixel(0, std::min(y, length - 1)),

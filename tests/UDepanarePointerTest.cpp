@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 #include "kivtools/Package.h"
 #include "kivtools/TrackedInstance.h"
 #include "kivtools/UDepanarePointer.h"
@@ -167,7 +169,7 @@ TEST(LifetimeTrackerLifeCycle, RefusesWorkOutsideInitializeAndStartsEmptyAgain) 
   EXPECT_NE(FreeComplaint(At(16)), "");
   EXPECT_NE(BustComplaint(At(16)), "");
   EXPECT_NE(UnLockComplaint(At(16)), "");
-  EXPECT_THROW(IsValid(At(16)), Error);
+  EXPECT_THROW(std::ignore = IsValid(At(16)), Error);
   EXPECT_THROW(LockObjectDestruction(At(16)), Error);
   delete new Plain;  // works untracked
   for (int round = 0; round < 2; ++round) {

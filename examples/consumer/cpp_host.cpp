@@ -7,7 +7,7 @@ int main() {
   using namespace kiv::literals;
   std::cout << kiv::InLitere(1234.56_lei) << '\n';
   try {
-    kiv::RoStrToCurrency("12x");
+    std::cout << kiv::RoStrToCurrency("12x").Raw() << '\n';
   } catch (const kiv::Error& error) {
     std::cout << error.what() << '\n';
   }

@@ -91,10 +91,10 @@ class KIV_API TCEVersionInfo : public host::Component {
 ///
 ///     NamedFileVersionInfo("app.exe")       // "5.12.0.341"
 ///     NamedFileVersionInfo("/etc/passwd")   // four times "<info not available>", joined by dots
-KIV_API Text NamedFileVersionInfo(TextView fileName);
+[[nodiscard]] KIV_API Text NamedFileVersionInfo(TextView fileName);
 
 /// The same for the running program's own file. Example: "5.12.0.341".
-KIV_API Text ThisExeVersionInfo();
+[[nodiscard]] KIV_API Text ThisExeVersionInfo();
 
 /// Registers TCEVersionInfo with the application's form designer, on the palette page "CESystem".
 /// Example: afterwards `host::Current().Palette()` has it, where the application has no designer of its own.

@@ -21,7 +21,7 @@ class Currency {
   constexpr Currency() = default;
 
   /// The amount of that many ten-thousandths. Example: `Currency::FromRaw(5)` is 0.0005.
-  static constexpr Currency FromRaw(std::int64_t tenThousandths) noexcept {
+  [[nodiscard]] static constexpr Currency FromRaw(std::int64_t tenThousandths) noexcept {
     Currency amount;
     amount.raw_ = tenThousandths;
     return amount;
@@ -40,7 +40,7 @@ namespace detail {
 
 /// Reads the characters of an amount literal; stops the compilation on anything that is not an exact amount.
 template <char... Characters>
-constexpr Currency ExactAmount() {
+[[nodiscard]] constexpr Currency ExactAmount() {
   constexpr std::int64_t kMost = std::numeric_limits<std::int64_t>::max();
   std::int64_t raw = 0;
   int decimals = -1;  // -1 until the point is seen

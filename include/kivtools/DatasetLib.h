@@ -24,6 +24,6 @@ KIV_API void RegisterDatasetEngine(const DatasetEngine& engine);
 
 /// The engine of that name, null if none is registered. Before Initialize() there is none.
 /// Example: `FindDatasetEngine("DatasetLib")->Formats()` is empty: the engine of this version opens nothing yet.
-KIV_API const DatasetEngine* FindDatasetEngine(TextView name) noexcept;
+[[nodiscard]] KIV_API const DatasetEngine* FindDatasetEngine(TextView name) noexcept;
 
 }  // namespace kiv

@@ -31,8 +31,8 @@ class DateTime {
   /// DateEncodingError, naming the values, for what the calendar or the clock does not have.
   ///
   ///     DateTime::Encode(1899, 12, 29, 6).Days()   // -1.25
-  KIV_API static DateTime Encode(int year, int month, int day, int hour = 0, int minute = 0, int second = 0,
-                                 int millisecond = 0);
+  [[nodiscard]] KIV_API static DateTime Encode(int year, int month, int day, int hour = 0, int minute = 0,
+                                               int second = 0, int millisecond = 0);
 
   /// Takes the moment apart, rounded to the nearest millisecond (halves up), carrying into the next day. Throws
   /// DateEncodingError for a moment outside the years 1 to 9999 and for not-a-number.

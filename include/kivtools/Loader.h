@@ -27,7 +27,7 @@ class KIV_API LoadedPackage {
 
   /// The same for a path in the system's own form, which may hold any letter.
   /// Example: `LoadedPackage::FromNativePath(std::filesystem::current_path() / "libKivToolsRePack.so")`.
-  static LoadedPackage FromNativePath(const std::filesystem::path& path);
+  [[nodiscard]] static LoadedPackage FromNativePath(const std::filesystem::path& path);
 
   ~LoadedPackage();
   LoadedPackage(const LoadedPackage&) = delete;

@@ -31,7 +31,7 @@ struct PackageModule {
 };
 
 /// The module's record. Example: in a host that links the static library, `GetPackageModule().isLibrary` is false.
-KIV_API const PackageModule& GetPackageModule() noexcept;
+[[nodiscard]] KIV_API const PackageModule& GetPackageModule() noexcept;
 
 extern "C" {
 
@@ -39,7 +39,7 @@ extern "C" {
 /// No side effect.
 ///
 ///     GetPackageInfoTable()->unitCount   // 79
-KIV_API const PackageInfoTable* GetPackageInfoTable() noexcept;
+[[nodiscard]] KIV_API const PackageInfoTable* GetPackageInfoTable() noexcept;
 
 /// Runs every unit's initialization in table order. Calls nest: a unit's body runs on the first call only. If a body
 /// throws, the units before it are finalized again and the exception goes on to the caller; the library is then as it

@@ -37,14 +37,14 @@ enum class DiacriticForm : std::uint8_t {
 ///
 ///     ToUtf8("\xAA""ASE")                              // "ŞASE", S with cedilla
 ///     ToUtf8("\xAA""ASE", DiacriticForm::CommaBelow)   // "ȘASE", S with comma below
-KIV_API std::string ToUtf8(TextView text, DiacriticForm form = DiacriticForm::Cedilla);
+[[nodiscard]] KIV_API std::string ToUtf8(TextView text, DiacriticForm form = DiacriticForm::Cedilla);
 
 /// Converts UTF-8 to Windows-1250. The comma-below letters are taken as their cedilla forms, because both are typed
 /// today. Throws ConversionError, naming the byte position (from 1) and the character, for malformed UTF-8 and for a
 /// character that Windows-1250 lacks: nothing is ever replaced silently.
 ///
 ///     FromUtf8("ţară")   // the four bytes FE 61 72 E3; the same with the comma-below ț
-KIV_API Text FromUtf8(std::string_view utf8);
+[[nodiscard]] KIV_API Text FromUtf8(std::string_view utf8);
 
 namespace detail {
 

@@ -32,7 +32,7 @@ KIV_API bool DoFreeInstance(const void* object);
 
 /// Whether an object was reported and is not released.
 /// Example: true after `DoNewInstance(p, "TBuffer")`, false after `DoFreeInstance(p)`.
-KIV_API bool IsValid(const void* object);
+[[nodiscard]] KIV_API bool IsValid(const void* object);
 
 /// True for an object that was reported and is not released. Throws Error for any other: one never reported
 /// ("Obiectul pe care-l verifici NU A EXISTAT NICIODATA!!!! (4096)", with the low 32 bits of the address as a signed

@@ -16,7 +16,7 @@ struct Decoded {
 /// Decodes the character that starts at `position` (0-based, within the text). Overlong forms, surrogates, values above
 /// U+10FFFF and cut sequences are malformed.
 /// Example: `DecodeAt("\xC5\x9F", 0)` gives U+015F and length 2.
-constexpr Decoded DecodeAt(std::string_view text, std::size_t position) noexcept {
+[[nodiscard]] constexpr Decoded DecodeAt(std::string_view text, std::size_t position) noexcept {
   const auto byteAt = [text](std::size_t index) { return static_cast<unsigned char>(text[index]); };
   const unsigned char lead = byteAt(position);
   if (lead < 0x80) {

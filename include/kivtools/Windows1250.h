@@ -27,7 +27,7 @@ inline constexpr std::array<char16_t, 128> kUpperHalf = {
 };
 
 /// The character of one byte. Example: `ToUnicode(0xAA)` is U+015E (S with cedilla).
-constexpr char16_t ToUnicode(unsigned char byte) noexcept {
+[[nodiscard]] constexpr char16_t ToUnicode(unsigned char byte) noexcept {
   return byte < 0x80 ? static_cast<char16_t>(byte) : kUpperHalf[byte - 0x80U];
 }
 
@@ -53,7 +53,7 @@ inline constexpr std::array<Pair, 128> kByCharacter = SortedUpperHalf();
 
 /// The byte of one character, nothing where the code page lacks it. Comma-below letters are not in the code page.
 /// Example: `FromUnicode(U'\u015E')` is 0xAA; `FromUnicode(U'\u0218')` is empty.
-constexpr std::optional<unsigned char> FromUnicode(char32_t character) noexcept {
+[[nodiscard]] constexpr std::optional<unsigned char> FromUnicode(char32_t character) noexcept {
   if (character < 0x80) {
     return static_cast<unsigned char>(character);
   }
@@ -68,7 +68,7 @@ constexpr std::optional<unsigned char> FromUnicode(char32_t character) noexcept 
 
 /// The cedilla letter that Windows-1250 uses where today's Romanian writes a comma below; other characters unchanged.
 /// Example: `CedillaForm(U'\u021B')` is U+0163.
-constexpr char32_t CedillaForm(char32_t character) noexcept {
+[[nodiscard]] constexpr char32_t CedillaForm(char32_t character) noexcept {
   switch (character) {
     case U'\u0218':
       return U'\u015E';
@@ -84,7 +84,7 @@ constexpr char32_t CedillaForm(char32_t character) noexcept {
 }
 
 /// The reverse of CedillaForm. Example: `CommaBelowForm(U'\u0163')` is U+021B.
-constexpr char32_t CommaBelowForm(char32_t character) noexcept {
+[[nodiscard]] constexpr char32_t CommaBelowForm(char32_t character) noexcept {
   switch (character) {
     case U'\u015E':
       return U'\u0218';

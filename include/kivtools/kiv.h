@@ -19,10 +19,13 @@
 #include "kivtools/c/Money.h"
 #include "kivtools/c/NumbersInWords.h"
 #include "kivtools/c/PersonalNumericCode.h"
+#include "kivtools/c/Rounding.h"
 #include "kivtools/c/StringList.h"
 #include "kivtools/c/Strings.h"
+#include "kivtools/c/System.h"
 #include "kivtools/c/TextShaping.h"
 #include "kivtools/c/Transliteration.h"
+#include "kivtools/c/Variants.h"
 #include "kivtools/c/Versions.h"
 
 #endif

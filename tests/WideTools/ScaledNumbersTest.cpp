@@ -41,8 +41,8 @@ TEST(ScaledNumbers, Writes) {
   for (const auto& [value, kind, text] : kCases) {
     EXPECT_EQ(ScrieFoarteFrumos(value, kind), text) << value << " of kind " << kind;
   }
-  ExpectError<Error>([] { ScrieFoarteFrumos(1500, 7); }, "Nu cunosc tipul de date (7)(1500)");
-  ExpectError<Error>([] { ScrieFoarteFrumos(-1500, -2); }, "Nu cunosc tipul de date (-2)(1500)");
+  ExpectError<Error>([] { return ScrieFoarteFrumos(1500, 7); }, "Nu cunosc tipul de date (7)(1500)");
+  ExpectError<Error>([] { return ScrieFoarteFrumos(-1500, -2); }, "Nu cunosc tipul de date (-2)(1500)");
 }
 
 }  // namespace

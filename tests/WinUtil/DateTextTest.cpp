@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <tuple>
 
 #include "Expect.h"
 #include "kivtools/WinUtil/DateText.h"
@@ -97,7 +98,7 @@ TEST(DateText, ReadsItsCode) {
 
 TEST(DateText, RefusesCodesThatAreNoDate) {
   for (const TextView text : {"31.02.2024", "0.1.2024", "1.13.2024", "1.1.10000", "1.1.0", "-1.1.2024"}) {
-    EXPECT_THROW(RoCodeToDate(text), DateEncodingError) << text;
+    EXPECT_THROW(std::ignore = RoCodeToDate(text), DateEncodingError) << text;
   }
   const struct {
     TextView text;
@@ -116,7 +117,7 @@ TEST(DateText, RefusesCodesThatAreNoDate) {
       {"+-5.3.2024", "+-5"},
   };
   for (const auto& [text, item] : kCases) {
-    ExpectError<ConversionError>([text = text] { RoCodeToDate(text); },
+    ExpectError<ConversionError>([text = text] { return RoCodeToDate(text); },
                                  "\"" + Text(item) + "\" nu este un numar intreg");
   }
 }

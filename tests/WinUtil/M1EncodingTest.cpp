@@ -68,7 +68,7 @@ TEST(M1Encoding, DecodesAnyCharacters) {
     EXPECT_EQ(DecodeM1String(encoded), text) << encoded;
   }
   for (const TextView encoded : {"0", "00", "000", "00000"}) {
-    ExpectError<Error>([encoded] { DecodeM1String(encoded); }, "Fatal error 0x1A05007A");
+    ExpectError<Error>([encoded] { return DecodeM1String(encoded); }, "Fatal error 0x1A05007A");
   }
 }
 

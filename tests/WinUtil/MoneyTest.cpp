@@ -121,11 +121,11 @@ TEST(Money, RefusesToReadNamingTheText) {
       {"1,2,x", " include doua virgule"},
   };
   for (const auto& [text, reason] : kCases) {
-    ExpectError<Error>([&text = text] { RoStrToCurrency(text); }, text + reason);
+    ExpectError<Error>([&text = text] { return RoStrToCurrency(text); }, text + reason);
   }
   for (const Text text :
        {"922337203685477,5808", "-922337203685477,5808", "1000000000000000", "18446744073709551616"}) {
-    ExpectError<ConversionError>([&text] { RoStrToCurrency(text); }, "\"" + text + "\" nu este un numar intreg");
+    ExpectError<ConversionError>([&text] { return RoStrToCurrency(text); }, "\"" + text + "\" nu este un numar intreg");
   }
 }
 
@@ -141,7 +141,7 @@ TEST(Money, WhatIsWrittenReadsBack) {
     ASSERT_EQ(RoStrToCurrency(CurrencyToRoStr(amount, 4)), amount) << amount.Raw();
     ASSERT_EQ(RoStrToCurrency(CurrencyToRoStrFaraSpatiu(amount, 4)), amount) << amount.Raw();
   }
-  ExpectError<ConversionError>([] { RoStrToCurrency(CurrencyToRoStr(kSmallest, 4)); },
+  ExpectError<ConversionError>([] { return RoStrToCurrency(CurrencyToRoStr(kSmallest, 4)); },
                                "\"-922.337.203.685.477, 5808\" nu este un numar intreg");
 }
 

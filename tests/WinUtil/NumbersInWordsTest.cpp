@@ -124,7 +124,7 @@ TEST(NumbersInWords, RefusesWhatItCannotWrite) {
       {-50, -50}, {-5000, -5}, {-1'000'001, -1}, {1'000'000'000, 1000}, {1'500'000'000, 1500}, {3'000'000'000, -1294},
   };
   for (const auto& [value, named] : kNumbers) {
-    ExpectError<Error>([value = value] { InLitere(value); }, message(named));
+    ExpectError<Error>([value = value] { return InLitere(value); }, message(named));
   }
   const struct {
     std::int64_t raw;
@@ -140,8 +140,8 @@ TEST(NumbersInWords, RefusesWhatItCannotWrite) {
   };
   for (const auto& [raw, named] : kSums) {
     const Currency amount = Currency::FromRaw(raw);
-    ExpectError<Error>([amount] { InLitere(amount); }, message(named));
-    ExpectError<Error>([amount] { InLitereMF(amount); }, message(named));
+    ExpectError<Error>([amount] { return InLitere(amount); }, message(named));
+    ExpectError<Error>([amount] { return InLitereMF(amount); }, message(named));
   }
 }
 

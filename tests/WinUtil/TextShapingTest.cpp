@@ -56,8 +56,8 @@ TEST(TextShaping, PadsAndFits) {
   for (const auto& [text, width, fill, fixed] : kCases) {
     EXPECT_EQ(TextDeLatimeFixa(text, width, fill), fixed);
   }
-  ExpectError<Error>([] { TextDeLatimeFixa("", 0, ""); }, "TextDeLatimeFixa: latimea 0 este sub 1");
-  ExpectError<Error>([] { TextDeLatimeFixa("a", -3, ""); }, "TextDeLatimeFixa: latimea -3 este sub 1");
+  ExpectError<Error>([] { return TextDeLatimeFixa("", 0, ""); }, "TextDeLatimeFixa: latimea 0 este sub 1");
+  ExpectError<Error>([] { return TextDeLatimeFixa("a", -3, ""); }, "TextDeLatimeFixa: latimea -3 este sub 1");
 }
 
 TEST(TextShaping, KeepsDigits) {
@@ -74,7 +74,8 @@ TEST(TextShaping, KeepsDigits) {
                                                   {",", "00"},
                                                   {"1.x5", "15"},  // the two characters are taken before the digits are
                                                   {"a.1b2", "1"}});
-  ExpectError<Error>([] { StripDotExtract2CifreDupaVirgula("1,2.3"); }, "\"1.2.3\" include mai multe puncte zecimale");
+  ExpectError<Error>([] { return StripDotExtract2CifreDupaVirgula("1,2.3"); },
+                     "\"1.2.3\" include mai multe puncte zecimale");
 }
 
 TEST(TextShaping, GroupsSymbols) {
@@ -89,7 +90,7 @@ TEST(TextShaping, GroupsSymbols) {
   for (const auto& [text, group, grouped] : kCases) {
     EXPECT_EQ(PunePuncteInSimbol(text, group), grouped);
   }
-  ExpectError<Error>([] { PunePuncteInSimbol("", 0); }, "PunePuncteInSimbol: grupa 0 este sub 1");
+  ExpectError<Error>([] { return PunePuncteInSimbol("", 0); }, "PunePuncteInSimbol: grupa 0 este sub 1");
 }
 
 TEST(TextShaping, Masks) {

@@ -81,8 +81,12 @@ TEST(Transliteration, FillsMasks) {
   for (const auto& [mask, pairs, text] : kCases) {
     EXPECT_EQ(MaskReplace(FromUtf8(mask), pairs), text) << mask;
   }
-  ExpectError<Error>([] { MaskReplace("%ODD%", {"odd", "b", "Odd"}); }, "MaskReplace: numele \"Odd\" nu are valoare");
-  ExpectError<Error>([] { MaskReplace("%%", {""}); }, "MaskReplace: numele \"\" nu are valoare");
+  ExpectError<Error>(
+      [] {
+        return MaskReplace("%ODD%", {"odd", "b", "Odd"});
+      },
+      "MaskReplace: numele \"Odd\" nu are valoare");
+  ExpectError<Error>([] { return MaskReplace("%%", {""}); }, "MaskReplace: numele \"\" nu are valoare");
 }
 
 TEST(Transliteration, ThroughTheCInterface) {

@@ -59,9 +59,9 @@ TEST(CompareNrVersiune, GivesTheRawDifference) {
   for (const auto& [a, b, difference] : kCases) {
     EXPECT_EQ(CompareNrVersiune(a, b), difference) << a << " " << b;
   }
-  ExpectError<Error>([] { CompareNrVersiune("x", "y"); }, "x nu este un numar de versiune valid");
-  ExpectError<Error>([] { CompareNrVersiune("1", "y"); }, "y nu este un numar de versiune valid");
-  ExpectError<Error>([] { CompareNrVersiune(" 1", "1"); }, " 1 nu este un numar de versiune valid");
+  ExpectError<Error>([] { return CompareNrVersiune("x", "y"); }, "x nu este un numar de versiune valid");
+  ExpectError<Error>([] { return CompareNrVersiune("1", "y"); }, "y nu este un numar de versiune valid");
+  ExpectError<Error>([] { return CompareNrVersiune(" 1", "1"); }, " 1 nu este un numar de versiune valid");
 }
 
 }  // namespace

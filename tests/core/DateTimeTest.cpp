@@ -55,13 +55,13 @@ TEST(DateTime, EveryDayAndRandomTimesRoundTrip) {
 }
 
 TEST(DateTime, RefusesWhatTheCalendarLacks) {
-  EXPECT_THROW(DateTime::Encode(2023, 2, 29), DateEncodingError);
-  EXPECT_THROW(DateTime::Encode(0, 1, 1), DateEncodingError);
-  EXPECT_THROW(DateTime::Encode(10000, 1, 1), DateEncodingError);
-  EXPECT_THROW(DateTime::Encode(2024, 258, 1), DateEncodingError);  // would wrap to February in a byte
-  EXPECT_THROW(DateTime::Encode(2024, 1, 257), DateEncodingError);
-  EXPECT_THROW(DateTime::Encode(2024, 1, 1, 24), DateEncodingError);
-  EXPECT_THROW(DateTime::Encode(2024, 1, 1, 0, 0, -1), DateEncodingError);
+  EXPECT_THROW(std::ignore = DateTime::Encode(2023, 2, 29), DateEncodingError);
+  EXPECT_THROW(std::ignore = DateTime::Encode(0, 1, 1), DateEncodingError);
+  EXPECT_THROW(std::ignore = DateTime::Encode(10000, 1, 1), DateEncodingError);
+  EXPECT_THROW(std::ignore = DateTime::Encode(2024, 258, 1), DateEncodingError);  // would wrap to February in a byte
+  EXPECT_THROW(std::ignore = DateTime::Encode(2024, 1, 257), DateEncodingError);
+  EXPECT_THROW(std::ignore = DateTime::Encode(2024, 1, 1, 24), DateEncodingError);
+  EXPECT_THROW(std::ignore = DateTime::Encode(2024, 1, 1, 0, 0, -1), DateEncodingError);
   for (const double days : {-693594.0, 2958466.0, 2958465 + (1 - 1e-10), 1e300, -1e300,
                             std::numeric_limits<double>::infinity(), std::numeric_limits<double>::quiet_NaN()}) {
     EXPECT_THROW(std::ignore = DateTime(days).Decode(), DateEncodingError) << days;

@@ -1,4 +1,5 @@
-// SmartRound and SmartRoundTo.
+#include "kivtools/WinUtil/Rounding.h"
+
 #include <array>
 #include <bit>
 #include <charconv>
@@ -7,7 +8,6 @@
 
 #include "core/ExtendedPrecision.h"
 #include "core/Numbers.h"
-#include "kivtools/WinUtil/Strings.h"
 
 namespace kiv {
 namespace {

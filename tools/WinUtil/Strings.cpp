@@ -9,8 +9,6 @@
 #include <utility>
 
 #include "core/Numbers.h"
-#include "kivtools/Host.h"
-#include "platform/System.h"
 
 namespace kiv {
 namespace {
@@ -187,18 +185,6 @@ Text RemoveDualSlshPath(TextView path) {
 
 std::int32_t TrimestruLuna(std::int32_t month) {
   return month >= 1 && month <= 12 ? (month + 2) / 3 : -1;
-}
-
-Text LogOnUserName() {
-  return platform::UserName();
-}
-
-bool EsteWindowsVista() {
-  return platform::MajorVersion() >= 6;
-}
-
-void CopiazaTextInClipboard(TextView text) {
-  host::Current().GetClipboard().SetText(text);
 }
 
 }  // namespace kiv

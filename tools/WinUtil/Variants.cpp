@@ -1,11 +1,11 @@
-// VarToDateDef and VarToIntDef.
+#include "kivtools/WinUtil/Variants.h"
+
 #include <charconv>
 #include <cmath>
 #include <limits>
 #include <system_error>
 
 #include "core/Numbers.h"
-#include "kivtools/WinUtil/Strings.h"
 
 namespace kiv {
 namespace {

@@ -22,7 +22,7 @@ extern KIV_API std::int32_t page_1250_replace;
 /// U+FFFD or the control character of the same number. Empty for an unknown code page; never throws for any input.
 ///
 ///     StringToWideString("\xFE""ar\xE3", 1250)   // u"ţară"
-KIV_API WideText StringToWideString(TextView text, std::int32_t codePage);
+[[nodiscard]] KIV_API WideText StringToWideString(TextView text, std::int32_t codePage);
 
 /// Converts UTF-16 to a text in a numbered code page, up to the first zero in the result. Units that the code page
 /// lacks become a letter that looks alike or "?". The result has room for one byte for each unit and one byte more: in
@@ -32,15 +32,15 @@ KIV_API WideText StringToWideString(TextView text, std::int32_t codePage);
 ///     WideStringToString(u"ţară", 1250)    // the four bytes FE 61 72 E3
 ///     WideStringToString(u"țară", 1250)    // "?ar\xE3": the code page has no comma-below letters
 ///     WideStringToString(u"ţ", 65001)      // the two bytes C5 A3
-KIV_API Text WideStringToString(std::u16string_view wide, std::int32_t codePage);
+[[nodiscard]] KIV_API Text WideStringToString(std::u16string_view wide, std::int32_t codePage);
 
 /// True where the operating system is of the Unicode family (every current one). The first answer is kept. Throws Error
 /// on a system of an older family that has no answer: "*NU* Rulez pe Win 3.1" on the 16-bit one, "Nu am reusit sa
 /// determin daca OS-ul are suport pentru Unicode sau nu" on one that is not known.
 /// Example: true on Linux and on every Windows since 2000.
-KIV_API bool IsWinOsUnicode();
+[[nodiscard]] KIV_API bool IsWinOsUnicode();
 
 /// Always the empty Text, whatever the arguments: hosts rely on it. Example: `UpCaseAsCodePage("a", 1250)` is "".
-KIV_API Text UpCaseAsCodePage(TextView text, std::int32_t codePage);
+[[nodiscard]] KIV_API Text UpCaseAsCodePage(TextView text, std::int32_t codePage);
 
 }  // namespace kiv

@@ -14,12 +14,12 @@ namespace kiv {
 ///     NotaToTextLung(950)    // "NOUĂ, CINCIZECI"
 ///     NotaToTextLung(705)    // "ŞAPTE, ZEROCINCI"
 ///     NotaToTextLung(1050)   // "ZECE"
-KIV_API Text NotaToTextLung(std::int32_t grade);
+[[nodiscard]] KIV_API Text NotaToTextLung(std::int32_t grade);
 
 /// The same with the hundredths in two figures, each of a negative grade with its sign.
 ///
 ///     NotaToTextScurt(705)    // "ŞAPTE, 05"
 ///     NotaToTextScurt(-955)   // ", -5-5"
-KIV_API Text NotaToTextScurt(std::int32_t grade);
+[[nodiscard]] KIV_API Text NotaToTextScurt(std::int32_t grade);
 
 }  // namespace kiv

@@ -24,6 +24,6 @@ namespace kiv {
 /// Throws Error "Nu cunosc tipul de date (kind)(magnitude)" for any other kind.
 ///
 ///     ScrieFoarteFrumos(123456, 22)   // "1.234,56"
-KIV_API Text ScrieFoarteFrumos(std::int64_t value, std::int32_t kind);
+[[nodiscard]] KIV_API Text ScrieFoarteFrumos(std::int64_t value, std::int32_t kind);
 
 }  // namespace kiv

@@ -15,26 +15,26 @@ namespace kiv {
 ///     ValideazaIBAN("iban ro49 aaaa 1b31 0075 9384 0000")   // true
 ///     ValideazaIBAN("RO49-AAAA-1B31-0075-9384-0000")        // false: only letters, digits and blanks
 ///     ValideazaIBAN("101")                                  // true: rearranging so short a text leaves "01"
-KIV_API bool ValideazaIBAN(TextView account) noexcept;
+[[nodiscard]] KIV_API bool ValideazaIBAN(TextView account) noexcept;
 
 /// Whether the text, without blanks and control characters at both ends, begins with a letter and passes
 /// ValideazaIBAN(). Never throws, for any bytes.
 ///
 ///     EsteIBAN("  RO49AAAA1B31007593840000\r\n")   // true
 ///     EsteIBAN("101")                              // false: begins with a digit
-KIV_API bool EsteIBAN(TextView text) noexcept;
+[[nodiscard]] KIV_API bool EsteIBAN(TextView text) noexcept;
 
 /// The account number of a text that goes on with an analytic code: what stands before the first "-" or ".", trimmed.
 /// Without either, the whole text, trimmed.
 ///
 ///     ExtrageIBANdinIBANCuAnalitic("RO49AAAA1B31007593840000-01")   // "RO49AAAA1B31007593840000"
-KIV_API Text ExtrageIBANdinIBANCuAnalitic(TextView text);
+[[nodiscard]] KIV_API Text ExtrageIBANdinIBANCuAnalitic(TextView text);
 
 /// The text without its first four characters that are not blanks, and without the blanks among and before them;
 /// trimmed.
 ///
 ///     EliminaCoduriDinIBAN("RO49 AAAA 1B31")   // "AAAA 1B31"
-KIV_API Text EliminaCoduriDinIBAN(TextView text);
+[[nodiscard]] KIV_API Text EliminaCoduriDinIBAN(TextView text);
 
 /// Whether the sixth digit of a locality code is its check digit. Codes of fewer than six characters are read with
 /// zeros in front; characters after the sixth are not looked at. A check digit of 0 or 1 is never right. Throws
@@ -43,6 +43,6 @@ KIV_API Text EliminaCoduriDinIBAN(TextView text);
 ///     ValideazaSIRUTA("179132")   // true
 ///     ValideazaSIRUTA("1017")     // true, read as "001017"
 ///     ValideazaSIRUTA("54976")    // false
-KIV_API bool ValideazaSIRUTA(TextView code);
+[[nodiscard]] KIV_API bool ValideazaSIRUTA(TextView code);
 
 }  // namespace kiv

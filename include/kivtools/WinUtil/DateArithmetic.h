@@ -15,14 +15,14 @@ namespace kiv {
 ///
 ///     IncMonth(DateTime::Encode(2024, 1, 31, 10, 30), 1)    // 29 February 2024, 00:00
 ///     IncMonth(DateTime::Encode(2024, 1, 31), -1)           // 31 December 2023
-KIV_API DateTime IncMonth(DateTime date, std::int32_t months);
+[[nodiscard]] KIV_API DateTime IncMonth(DateTime date, std::int32_t months);
 
 /// The date with another day of the month, at 00:00:00. A day that is one too many becomes the last one; only this one
 /// step back is tried. Throws Error "Nu pot re-codifica data" for any other day that the month does not have.
 ///
 ///     SetDayOfDate(DateTime::Encode(2024, 4, 5), 31)   // 30 April 2024
 ///     SetDayOfDate(DateTime::Encode(2023, 2, 5), 30)   // throws
-KIV_API DateTime SetDayOfDate(DateTime date, std::int32_t day);
+[[nodiscard]] KIV_API DateTime SetDayOfDate(DateTime date, std::int32_t day);
 
 /// Does nothing: a library does not change the user's date format. It is kept because hosts call it.
 /// Example: `SetShortDateFormat("dd.MM.yyyy")` changes nothing.
@@ -48,7 +48,7 @@ KIV_API void CalcDurataTotala(DateTime start, DateTime now, std::int32_t totalCo
 /// what is not a number.
 ///
 ///     TimeToStrDurataMS(DateTime::Encode(2024, 3, 5, 14, 7, 9, 250))   // "14:07:09:250"
-KIV_API Text TimeToStrDurataMS(DateTime time);
+[[nodiscard]] KIV_API Text TimeToStrDurataMS(DateTime time);
 
 /// The smart date string: year, month + 13 * day and seconds since midnight modulo 65536, in 4, 3 and 5 digits joined
 /// by
@@ -57,7 +57,7 @@ KIV_API Text TimeToStrDurataMS(DateTime time);
 ///
 ///     DateTimeToSmartStrimg(DateTime::Encode(2024, 3, 5, 14, 7, 9))    // "2024:068:50829"
 ///     DateTimeToSmartStrimg(DateTime::Encode(2024, 3, 5, 23))          // "2024:068:17264"
-KIV_API Text DateTimeToSmartStrimg(DateTime moment);
+[[nodiscard]] KIV_API Text DateTimeToSmartStrimg(DateTime moment);
 
 /// Reads a smart date string. The date comes back exactly; of the times only those before 01:00:00 surely do, because
 /// the hours are the minutes since midnight divided by 69. What stands between the fields and behind them is not looked
@@ -65,6 +65,6 @@ KIV_API Text DateTimeToSmartStrimg(DateTime moment);
 ///
 ///     SmartStringToDateTime("2024:068:50829")   // 5 March 2024, 12:07:09
 ///     SmartStringToDateTime("2024:068:04139")   // 5 March 2024, 00:08:59
-KIV_API DateTime SmartStringToDateTime(TextView text);
+[[nodiscard]] KIV_API DateTime SmartStringToDateTime(TextView text);
 
 }  // namespace kiv

@@ -30,47 +30,48 @@ enum TCumScriuLuna : std::int32_t {
 };
 
 /// Day, month in letters, year. Example: "5 martie 2024".
-KIV_API Text DateToRoText(DateTime date);
+[[nodiscard]] KIV_API Text DateToRoText(DateTime date);
 /// Day, month in letters. Example: "5 martie".
-KIV_API Text DateToRoText2(DateTime date);
+[[nodiscard]] KIV_API Text DateToRoText2(DateTime date);
 /// Month in letters, year. Example: "martie 2024".
-KIV_API Text DateToRoText3(DateTime date);
+[[nodiscard]] KIV_API Text DateToRoText3(DateTime date);
 /// Day in two digits, month in three letters (November is "noi"), year. Example: "05 mar 2024".
-KIV_API Text DateToRoText4(DateTime date);
+[[nodiscard]] KIV_API Text DateToRoText4(DateTime date);
 /// Day and weekday. Example: "5 (Marti)".
-KIV_API Text DateToRoText5(DateTime date);
+[[nodiscard]] KIV_API Text DateToRoText5(DateTime date);
 /// Day, month in letters and weekday. Example: "5 martie (Marti)".
-KIV_API Text DateToRoText6(DateTime date);
+[[nodiscard]] KIV_API Text DateToRoText6(DateTime date);
 /// Day without a leading zero, month in two digits, year. Example: "5.03.2024".
-KIV_API Text DateToRoText7(DateTime date);
+[[nodiscard]] KIV_API Text DateToRoText7(DateTime date);
 /// Day and month in two digits, year in four. Example: "05.03.2024".
-KIV_API Text DateToRoCode(DateTime date);
+[[nodiscard]] KIV_API Text DateToRoCode(DateTime date);
 /// Day and month in two digits. Example: "05/03".
-KIV_API Text DateToRoTextScurt(DateTime date);
+[[nodiscard]] KIV_API Text DateToRoTextScurt(DateTime date);
 /// Day, month and the third and fourth characters of the year; a year of fewer than four digits shows "?" for those
 /// that it lacks. Example: "05/03/24".
-KIV_API Text DateToRoTextScurtCuAn(DateTime date);
+[[nodiscard]] KIV_API Text DateToRoTextScurtCuAn(DateTime date);
 /// DateToRoTextScurtCuAn and the time of day. Example: "05/03/24 14:07:09".
-KIV_API Text DateToRoTextScurtCuAnPlusOra(DateTime date);
+[[nodiscard]] KIV_API Text DateToRoTextScurtCuAnPlusOra(DateTime date);
 /// The weekday. Example: "Marti".
-KIV_API Text NumeZiDinSaptamana(DateTime date);
+[[nodiscard]] KIV_API Text NumeZiDinSaptamana(DateTime date);
 /// Time of day, the hour without a leading zero. Example: "14:07:09"; five past nine gives "9:05:00".
-KIV_API Text TimeToStrRoFrumos(DateTime time);
+[[nodiscard]] KIV_API Text TimeToStrRoFrumos(DateTime time);
 /// Time of day without its zero parts, minutes marked "m" where no hour stands before them.
 /// Example: "14h 7' 9''"; without the hour "7m 9''"; midnight gives "".
-KIV_API Text TimeToStrRo(DateTime time);
+[[nodiscard]] KIV_API Text TimeToStrRo(DateTime time);
 /// Time of day in words. Example: "Ora 14 07 minute 09 sec".
-KIV_API Text TimeToStrRo2(DateTime time);
+[[nodiscard]] KIV_API Text TimeToStrRo2(DateTime time);
 
 /// Reads day, month and year between dots; blanks separate too, and double quotes may stand around an item. Surplus
 /// items are ignored. Throws ConversionError for a missing item or one that is no whole number, DateEncodingError for a
 /// date that the calendar lacks.
 ///
 ///     RoCodeToDate("05.03.2024")   // 5 March 2024, 00:00
-KIV_API DateTime RoCodeToDate(TextView text);
+[[nodiscard]] KIV_API DateTime RoCodeToDate(TextView text);
 
 /// Always the empty Text, whatever its arguments: hosts bound to it keep working. Never throws.
 /// Example: `DateToRoText_WithCode(DateTime(), true, true, scriu_nume_luna, true)` is "".
-KIV_API Text DateToRoText_WithCode(DateTime date, bool first, bool second, TCumScriuLuna month, bool third);
+[[nodiscard]] KIV_API Text DateToRoText_WithCode(DateTime date, bool first, bool second, TCumScriuLuna month,
+                                                 bool third);
 
 }  // namespace kiv

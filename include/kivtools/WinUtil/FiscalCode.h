@@ -13,6 +13,6 @@ namespace kiv {
 ///     TestCodFiscal("12345674")        // true
 ///     TestCodFiscal("1800101221144")   // true, as a personal numeric code
 ///     TestCodFiscal("RO12345674")      // false
-KIV_API bool TestCodFiscal(TextView code) noexcept;
+[[nodiscard]] KIV_API bool TestCodFiscal(TextView code) noexcept;
 
 }  // namespace kiv

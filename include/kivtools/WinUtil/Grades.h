@@ -18,6 +18,6 @@ namespace kiv {
 ///     NotaToStr(950, 2)   // "(NOUĂ, 50)"
 ///     NotaToStr(950, 3)   // "(NOUĂ, 50%)"
 ///     NotaToStr(800, 3)   // "(OPT)"
-KIV_API Text NotaToStr(std::int32_t grade, std::int32_t mode);
+[[nodiscard]] KIV_API Text NotaToStr(std::int32_t grade, std::int32_t mode);
 
 }  // namespace kiv

@@ -11,12 +11,12 @@ namespace kiv {
 /// threads.
 ///
 ///     EncodeM1String("A")   // for example "bGi5": four times the length; DecodeM1String gives "A" back
-KIV_API Text EncodeM1String(TextView text);
+[[nodiscard]] KIV_API Text EncodeM1String(TextView text);
 
 /// Turns what EncodeM1String gave back into the text. No character is refused: each stands for the digit that its code
 /// has modulo five. Throws Error with the message "Fatal error 0x1A05007A" if the length is not a multiple of four.
 ///
 ///     DecodeM1String("0000")   // one byte 0
-KIV_API Text DecodeM1String(TextView encoded);
+[[nodiscard]] KIV_API Text DecodeM1String(TextView encoded);
 
 }  // namespace kiv

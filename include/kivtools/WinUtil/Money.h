@@ -17,18 +17,18 @@ namespace kiv {
 /// is other than zero. Never throws.
 ///
 ///     CurrencyToRoStr(1234567.89_lei, 2)   // "1.234.567, 89"
-KIV_API Text CurrencyToRoStr(Currency amount, std::int32_t decimals);
+[[nodiscard]] KIV_API Text CurrencyToRoStr(Currency amount, std::int32_t decimals);
 
 /// The same without the blank after the comma.
 ///
 ///     CurrencyToRoStrFaraSpatiu(1234567.89_lei, 2)   // "1.234.567,89"
-KIV_API Text CurrencyToRoStrFaraSpatiu(Currency amount, std::int32_t decimals);
+[[nodiscard]] KIV_API Text CurrencyToRoStrFaraSpatiu(Currency amount, std::int32_t decimals);
 
 /// An amount in old lei as new lei: divided by 10000, rounded to four decimals with halves to even, written as
 /// CurrencyToRoStr does with four decimals, or two where the last two are zero. `decimals` is accepted and ignored.
 ///
 ///     CurrencyToRoStrRON(12345678_lei, 2)   // "1.234, 5678"
-KIV_API Text CurrencyToRoStrRON(Currency amount, std::int32_t decimals);
+[[nodiscard]] KIV_API Text CurrencyToRoStrRON(Currency amount, std::int32_t decimals);
 
 /// Reads an amount. Blanks and dots are skipped wherever they stand, a "-" counts in the first position and is skipped
 /// elsewhere, decimals past the fourth are cut, an empty text is 0. Throws Error with the text followed by
@@ -36,6 +36,6 @@ KIV_API Text CurrencyToRoStrRON(Currency amount, std::int32_t decimals);
 /// 922337203685477.5807.
 ///
 ///     RoStrToCurrency("-1 234,5")   // -1234.5
-KIV_API Currency RoStrToCurrency(TextView text);
+[[nodiscard]] KIV_API Currency RoStrToCurrency(TextView text);
 
 }  // namespace kiv

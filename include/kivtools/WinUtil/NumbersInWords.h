@@ -16,17 +16,17 @@ namespace kiv {
 /// billion up (N is the count of millions).
 ///
 ///     InLitere(2345)   // "DOUAMIITREISUTEPATRUZECISICINCI"
-KIV_API Text InLitere(std::int64_t value);
+[[nodiscard]] KIV_API Text InLitere(std::int64_t value);
 
 /// A sum of money in words. Decimals past the bani are dropped, never rounded. Throws Error as the whole-number form
 /// does, for negative sums and from a billion lei up: no wrong sum is ever written.
 ///
 ///     InLitere(1234.56_lei)   // "UNAMIEDOUASUTETREIZECISIPATRU LEI SI CINCIZECISISASE BANI"
-KIV_API Text InLitere(Currency amount);
+[[nodiscard]] KIV_API Text InLitere(Currency amount);
 
 /// A sum of money in words with the bani in two digits, without any blank. Throws Error as InLitere does.
 ///
 ///     InLitereMF(1.05_lei)   // "UNLEU,05BANI"
-KIV_API Text InLitereMF(Currency amount);
+[[nodiscard]] KIV_API Text InLitereMF(Currency amount);
 
 }  // namespace kiv

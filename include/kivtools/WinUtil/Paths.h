@@ -13,6 +13,6 @@ extern KIV_API Text TempFilePath;
 
 /// The system's temporary folder with its trailing separator: "\" on Windows, "/" elsewhere. Throws OsError where the
 /// system names none. Example on Linux without TMPDIR: "/tmp/".
-KIV_API Text ReadWindowsTempPath();
+[[nodiscard]] KIV_API Text ReadWindowsTempPath();
 
 }  // namespace kiv

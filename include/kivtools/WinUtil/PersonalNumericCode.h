@@ -15,7 +15,7 @@ namespace kiv {
 ///     TestCNP("1800101221144")   // true
 ///     TestCNP("1800101221145")   // false: wrong control digit
 ///     TestCNP("3800101221143")   // false: 3, 4, 7, 8, 9 and 0 are not accepted in front
-KIV_API bool TestCNP(TextView code) noexcept;
+[[nodiscard]] KIV_API bool TestCNP(TextView code) noexcept;
 
 /// The birth year that the first three characters say: 19YY after 1 or 2, 20YY after 5 or 6, YY - 1 after anything
 /// else. Nothing else is looked at; ask TestCNP() first. Throws Error for fewer than three characters and
@@ -23,23 +23,23 @@ KIV_API bool TestCNP(TextView code) noexcept;
 ///
 ///     AnulNasteriiDinCnp("1800101221144")   // 1980
 ///     AnulNasteriiDinCnp("780")             // 79
-KIV_API std::int32_t AnulNasteriiDinCnp(TextView code);
+[[nodiscard]] KIV_API std::int32_t AnulNasteriiDinCnp(TextView code);
 
 /// The birth date with the month's name from NumeLuna, or "CNP incorect" where TestCNP() says no. The century is the
 /// first digit's, so that "1000229123456" gives "29 Februarie 1900", a day that TestCNP() took as one of 2000.
 ///
 ///     DataNasteriiDinCNP("1800101221144")   // "1 Ianuarie 1980"
-KIV_API Text DataNasteriiDinCNP(TextView code);
+[[nodiscard]] KIV_API Text DataNasteriiDinCNP(TextView code);
 
 /// The same with the month's name from NumeLunaScurt.
 ///
 ///     DataNasteriiDinCNP_scurt("1800101221144")   // "1 ian 1980"
-KIV_API Text DataNasteriiDinCNP_scurt(TextView code);
+[[nodiscard]] KIV_API Text DataNasteriiDinCNP_scurt(TextView code);
 
 /// The age in calendar years: this year of the system's local clock less the birth year (century by the first digit).
 /// Month and day do not count. 0 where TestCNP() says no and for a birth year that is still to come.
 ///
 ///     VarstaDinCNP("1800101221144")   // 44 on every day of 2024
-KIV_API std::int32_t VarstaDinCNP(TextView code);
+[[nodiscard]] KIV_API std::int32_t VarstaDinCNP(TextView code);
 
 }  // namespace kiv

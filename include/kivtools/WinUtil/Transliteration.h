@@ -11,16 +11,16 @@ namespace kiv {
 ///
 ///     RoToEn("ŞTIINŢĂ"_ro)   // "STIINTA"
 ///     RoToEn("Ce?")          // "Cet"
-KIV_API Text RoToEn(TextView text);
+[[nodiscard]] KIV_API Text RoToEn(TextView text);
 
 /// Puts Romanian letters in the place of their escapes: @a ă, @h â, @i î, @s ş, @t ţ, the upper-case ones likewise, and
 /// @@ for "@". An escape that is none of these vanishes with its letter, as does an "@" at the end.
 ///
 ///     RoText("Bra@sov, @Tara Rom@hneasc@a")   // "Braşov, Ţara Românească"
-KIV_API Text RoText(TextView text);
+[[nodiscard]] KIV_API Text RoText(TextView text);
 
 /// The text with every byte `from` replaced by `to`. Example: `CharReplace("1,50", ',', '.')` is "1.50".
-KIV_API Text CharReplace(TextView text, char from, char to);
+[[nodiscard]] KIV_API Text CharReplace(TextView text, char from, char to);
 
 /// Fills the placeholders "%name%" of a mask. `pairs` holds name, value, name, value and so on; names compare without
 /// regard to the case of ASCII letters, and of several equal names the last one counts. A placeholder without a pair
@@ -30,6 +30,6 @@ KIV_API Text CharReplace(TextView text, char from, char to);
 ///
 ///     MaskReplace("Stimate %Nume%, suma: %SUMA% lei %x%", {"nume", "Ion", "suma", "12,50"})
 ///     // "Stimate Ion, suma: 12,50 lei %x%"
-KIV_API Text MaskReplace(TextView mask, const StringList& pairs);
+[[nodiscard]] KIV_API Text MaskReplace(TextView mask, const StringList& pairs);
 
 }  // namespace kiv

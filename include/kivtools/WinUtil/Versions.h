@@ -19,17 +19,17 @@ KIV_API bool AnalizeazaNrVersiune(std::int32_t& major, std::int32_t& minor, std:
                                   TextView version) noexcept;
 
 /// Equivalent to the result of AnalizeazaNrVersiune. Example: "1.2.3." and "" are valid, "1.2.3.4." is not.
-KIV_API bool NumarulDeVersiuneEsteValid(TextView version) noexcept;
+[[nodiscard]] KIV_API bool NumarulDeVersiuneEsteValid(TextView version) noexcept;
 
 /// The difference of the first parts that differ, negative, 0 or positive as `a` is below, equal to or above `b`; it
 /// wraps on overflow. Throws Error "... nu este un numar de versiune valid" for a text that is no version, `a` first.
 ///
 ///     CompareNrVersiune("1.10", "1.9")   // 1
 ///     CompareNrVersiune("3.0", "1.0")    // 2
-KIV_API std::int32_t CompareNrVersiune(TextView a, TextView b);
+[[nodiscard]] KIV_API std::int32_t CompareNrVersiune(TextView a, TextView b);
 
 /// The "FileVersion" text of a file's version resource, "<info not available>" where it has none; see TCEVersionInfo.
 /// Example: "5.12.0.341".
-KIV_API Text GetFileVersionKiv(TextView fileName);
+[[nodiscard]] KIV_API Text GetFileVersionKiv(TextView fileName);
 
 }  // namespace kiv

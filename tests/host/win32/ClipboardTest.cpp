@@ -6,7 +6,7 @@
 #include <thread>
 
 #include "kivtools/Host.h"
-#include "kivtools/WinUtil/Strings.h"
+#include "kivtools/WinUtil/System.h"
 
 namespace kiv {
 namespace {

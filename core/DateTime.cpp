@@ -6,15 +6,15 @@
 #include <cstdint>
 #include <cstdio>
 
+#include "core/Calendar.h"
 #include "kivtools/Errors.h"
 
 namespace kiv {
 namespace {
 
-constexpr std::int32_t kMillisecondsPerDay = 86'400'000;
 constexpr auto kDayZero = std::chrono::sys_days{std::chrono::December / 30 / 1899};
-constexpr auto kFirstDay = std::chrono::sys_days{std::chrono::January / 1 / 1};
-constexpr auto kLastDay = std::chrono::sys_days{std::chrono::December / 31 / 9999};
+static_assert(std::chrono::sys_days{std::chrono::January / 1 / 1} == kDayZero + std::chrono::days{kFirstDayNumber});
+static_assert(std::chrono::sys_days{std::chrono::December / 31 / 9999} == kDayZero + std::chrono::days{kLastDayNumber});
 
 /// The milliseconds of a fraction of a day in [0, 1), rounded to the nearest, halves up. Integer arithmetic, because
 /// the product in floating point could itself round a value just below the half up to it.
@@ -54,21 +54,35 @@ DateTime DateTime::Encode(int year, int month, int day, int hour, int minute, in
   return DateTime(static_cast<double>(dayNumber) + (dayNumber < 0 ? -fraction : fraction));
 }
 
-DateTime::Parts DateTime::Decode() const {
-  const double wholeDays = std::trunc(days_);
+std::int64_t MillisecondsOf(DateTime moment) {
+  const double days = moment.Days();
+  const double wholeDays = std::trunc(days);
   // The negated comparison also refuses not-a-number. Beyond these bounds the day would not fit an integer.
   if (!(std::abs(wholeDays) < 4'000'000)) {
-    RefuseDay(days_);
+    RefuseDay(days);
   }
-  auto date = kDayZero + std::chrono::days{static_cast<int>(wholeDays)};
-  std::int32_t timeOfDay = RoundToMilliseconds(std::abs(days_ - wholeDays));
-  if (timeOfDay == kMillisecondsPerDay) {
-    timeOfDay = 0;
-    date += std::chrono::days{1};
+  const std::int64_t milliseconds =
+      static_cast<std::int64_t>(wholeDays) * kMillisecondsPerDay + RoundToMilliseconds(std::abs(days - wholeDays));
+  if (milliseconds < std::int64_t{kFirstDayNumber} * kMillisecondsPerDay ||
+      milliseconds >= (std::int64_t{kLastDayNumber} + 1) * kMillisecondsPerDay) {
+    RefuseDay(days);
   }
-  if (date < kFirstDay || date > kLastDay) {
-    RefuseDay(days_);
-  }
+  return milliseconds;
+}
+
+DateTime MomentOf(std::int64_t milliseconds) noexcept {
+  const std::int64_t timeOfDay = (milliseconds % kMillisecondsPerDay + kMillisecondsPerDay) % kMillisecondsPerDay;
+  const std::int64_t day = (milliseconds - timeOfDay) / kMillisecondsPerDay;
+  const double fraction = static_cast<double>(timeOfDay) / kMillisecondsPerDay;
+  return DateTime(static_cast<double>(day) + (day < 0 ? -fraction : fraction));
+}
+
+DateTime::Parts DateTime::Decode() const {
+  const std::int64_t milliseconds = MillisecondsOf(*this);
+  const auto timeOfDay =
+      static_cast<std::int32_t>((milliseconds % kMillisecondsPerDay + kMillisecondsPerDay) % kMillisecondsPerDay);
+  const auto day = static_cast<std::int32_t>((milliseconds - timeOfDay) / kMillisecondsPerDay);
+  const auto date = kDayZero + std::chrono::days{day};
   const std::chrono::year_month_day calendar{date};
   return {static_cast<int>(calendar.year()),
           static_cast<int>(static_cast<unsigned>(calendar.month())),

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <array>
+#include <compare>
 #include <cstdint>
 #include <variant>
 
@@ -26,10 +27,15 @@ struct Guid {
   std::uint16_t data2 = 0;
   std::uint16_t data3 = 0;
   std::array<std::uint8_t, 8> data4{};
+
+  /// In the order of the text form. Example: an identifier equals itself only.
+  friend constexpr auto operator<=>(const Guid&, const Guid&) = default;
 };
 
 /// The absent value of a Variant.
-struct Null {};
+struct Null {
+  friend constexpr bool operator==(Null, Null) = default;
+};
 
 /// A value of one of the kinds that host applications pass around loosely typed.
 using Variant = std::variant<Null, bool, std::int32_t, std::int64_t, double, Currency, DateTime, Text>;

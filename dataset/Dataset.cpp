@@ -1,0 +1,58 @@
+#include "kivtools/dataset/Dataset.h"
+
+#include "dataset/store/Store.h"
+
+namespace kiv {
+
+namespace {
+
+std::uint32_t NumberOf(RowId row) noexcept {
+  return static_cast<std::uint32_t>(row);
+}
+
+}  // namespace
+
+Dataset::Dataset(TextView name, Schema schema) : Dataset(std::make_unique<store::Store>(name, schema)) {}
+
+Dataset::Dataset(std::unique_ptr<store::Store> built) noexcept
+    : DatasetView(&built->GetContents()), store_(std::move(built)) {}
+
+Dataset::~Dataset() = default;
+Dataset::Dataset(Dataset&& other) noexcept = default;
+Dataset& Dataset::operator=(Dataset&& other) noexcept = default;
+
+RowId Dataset::Insert(std::initializer_list<FieldValue> values) {
+  return Insert(std::span(values.begin(), values.size()));
+}
+
+RowId Dataset::Insert(std::span<const FieldValue> values) {
+  return static_cast<RowId>(store_->Insert(values));
+}
+
+void Dataset::Update(RowId row, std::initializer_list<FieldValue> values) {
+  Update(row, std::span(values.begin(), values.size()));
+}
+
+void Dataset::Update(RowId row, std::span<const FieldValue> values) {
+  store_->Update(NumberOf(row), values);
+}
+
+void Dataset::Set(RowId row, FieldSelector field, ValueView value) {
+  const FieldValue one{field, value};
+  store_->Update(NumberOf(row), {&one, 1});
+}
+
+void Dataset::Delete(RowId row) {
+  store_->Delete(NumberOf(row));
+}
+
+std::optional<RowId> Dataset::Find(std::initializer_list<ValueView> key) const {
+  return Find(std::span(key.begin(), key.size()));
+}
+
+std::optional<RowId> Dataset::Find(std::span<const ValueView> key) const {
+  const std::uint32_t row = store_->Find(key);
+  return row == store::Contents::kNone ? std::nullopt : std::optional(static_cast<RowId>(row));
+}
+
+}  // namespace kiv

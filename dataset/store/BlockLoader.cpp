@@ -1,0 +1,252 @@
+#include "dataset/store/BlockLoader.h"
+
+#include <algorithm>
+
+#include "core/Numbers.h"
+#include "dataset/store/Hash.h"
+
+namespace kiv::store {
+
+BlockLoader::BlockLoader(TextView name, const Schema& schema)
+    : store_(std::make_unique<Store>(name, schema)), contents_(store_->contents_), isPut_(contents_.columns.size()) {}
+
+void BlockLoader::Refuse(std::size_t field, std::uint32_t row, TextView why) const {
+  Text message = contents_.owner + ": campul " + Quoted(contents_.schemaData->fields[field].name) + ", randul ";
+  AppendDecimal(message, row);
+  throw Error(message.append(": ").append(why));
+}
+
+void BlockLoader::UseHeap(std::size_t field) {
+  contents_.columns[field].texts.DropDictionary();
+}
+
+std::uint32_t BlockLoader::AddEntry(std::size_t field, std::string_view bytes) {
+  CheckCell(contents_.schemaData->fields[field], {.bytes = bytes, .isNull = false}, contents_.owner);
+  Texts& texts = contents_.columns[field].texts;
+  const std::uint32_t tag = store_->TextTag(bytes);
+  HashIndex& dictionary = store_->dictionaries_[field];
+  const auto isSame = [&](std::uint32_t code) { return texts.Read(code, contents_.large) == bytes; };
+  if (!texts.HasDictionary() || dictionary.Find(tag, isSame) != HashIndex::kNone) {
+    Refuse(field, texts.EntryCount(), "textul apare de doua ori in dictionar");
+  }
+  dictionary.Reserve(tag);
+  const std::uint32_t code = texts.AddEntry(bytes, contents_.large);
+  dictionary.Insert(tag, code);
+  return code;
+}
+
+std::uint32_t BlockLoader::AddLarge(std::string_view bytes) {
+  return contents_.large.Add(bytes);
+}
+
+void BlockLoader::BeginBlock(std::uint32_t rows) {
+  if (rows == 0 || rows > kBlockRows || contents_.rowCount % kBlockRows != 0 || kMostRows - contents_.rowCount < rows) {
+    throw Error(contents_.owner + ": un bloc are un numar nepermis de randuri");
+  }
+  blockRows_ = rows;
+  store_->pendingRows_ = 0;
+  isPut_.assign(isPut_.size(), false);
+  for (Column& column : contents_.columns) {
+    column.values.MakeWritable(contents_.rowCount + rows - 1);
+    if (column.type == FieldType::Guid) {
+      column.more.MakeWritable(contents_.rowCount + rows - 1);
+    }
+    if (TraitsOf(column.type).storage == Storage::Texts) {
+      // So that a row whose text the reader forgets has one, not any place in memory.
+      std::memset(column.values.WritableBlock(contents_.rowCount), 0, Plane::BytesOf(Plane::Width::Four, rows));
+    }
+  }
+}
+
+std::span<std::byte> BlockLoader::Values(std::size_t field) {
+  Plane& values = contents_.columns[field].values;
+  return {values.WritableBlock(contents_.rowCount), Plane::BytesOf(values.ElementWidth(), blockRows_)};
+}
+
+std::span<std::byte> BlockLoader::SecondValues(std::size_t field) {
+  return {contents_.columns[field].more.WritableBlock(contents_.rowCount), std::size_t{blockRows_} * 8};
+}
+
+std::span<std::byte> BlockLoader::Nulls(std::size_t field) {
+  Plane& nulls = contents_.columns[field].nulls;
+  nulls.MakeWritable(contents_.rowCount + blockRows_ - 1);
+  return {nulls.WritableBlock(contents_.rowCount), Plane::BytesOf(Plane::Width::Bit, blockRows_)};
+}
+
+std::span<std::byte> BlockLoader::States() {
+  contents_.states.MakeWritable(contents_.rowCount + blockRows_ - 1);
+  return {contents_.states.WritableBlock(contents_.rowCount), blockRows_};
+}
+
+void BlockLoader::PutText(std::size_t field, std::uint32_t rowInBlock, std::string_view bytes) {
+  CheckCell(contents_.schemaData->fields[field], {.bytes = bytes, .isNull = false}, contents_.owner);
+  isPut_[field] = true;
+  Column& column = contents_.columns[field];
+  const std::uint32_t code =
+      column.texts.HasDictionary() ? store_->FindOrAddEntry(field, bytes) : column.texts.Append(bytes, contents_.large);
+  column.values.Put(contents_.rowCount + rowInBlock, code);
+}
+
+void BlockLoader::CheckNumber(std::size_t field, const Cell& cell, std::uint32_t row) const {
+  const Column& column = contents_.columns[field];
+  const Storage storage = TraitsOf(column.type).storage;
+  const std::uint32_t count = storage == Storage::Texts ? column.texts.EntryCount() : contents_.large.Count();
+  if (storage != Storage::Fixed && cell.bits >= count) {
+    Refuse(field, row, "trimite la o valoare care nu exista");
+  }
+}
+
+void BlockLoader::CheckColumn(std::size_t field, std::uint32_t first, std::uint32_t rows) {
+  const FieldDef& definition = contents_.schemaData->fields[field];
+  Column& column = contents_.columns[field];
+  const bool mayBeNull = !Has(definition.flags, kRequired) && !Has(definition.flags, kKey);
+  const bool hasNumbers = TraitsOf(column.type).storage != Storage::Fixed;
+  const bool isHeap = !column.texts.HasDictionary();
+  if (isHeap && !isPut_[field]) {
+    for (std::uint32_t row = first; row < first + rows; ++row) {
+      if (!column.IsNull(row)) {
+        Refuse(field, row, "textul lipseste");
+      }
+    }
+  }
+  for (std::uint32_t row = first; row < first + rows; ++row) {
+    if (column.IsNull(row)) {
+      if (!mayBeNull && contents_.StateOf(row) != StoredState::Gone) {
+        Refuse(field, row, "trebuie completat");
+      }
+      column.Store(row, {});
+      continue;
+    }
+    const Cell cell = column.Load(row);
+    if (!hasNumbers) {
+      CheckCell(definition, cell, contents_.owner);
+    } else if (!isHeap) {
+      CheckNumber(field, cell, row);
+    }
+    if (column.type == FieldType::AutoInc) {
+      store_->NoteTemporary(cell);
+    }
+  }
+}
+
+void BlockLoader::CheckStates(std::uint32_t first, std::uint32_t rows) {
+  for (std::uint32_t row = first; row < first + rows; ++row) {
+    const auto state = static_cast<std::size_t>(contents_.StateOf(row));
+    if (state >= kStates) {
+      Refuse(0, row, "starea nu exista");
+    }
+    ++contents_.counts[state];
+  }
+}
+
+void BlockLoader::EndBlock() {
+  const std::uint32_t first = contents_.rowCount;
+  CheckStates(first, blockRows_);
+  for (std::size_t field = 0; field < contents_.columns.size(); ++field) {
+    CheckColumn(field, first, blockRows_);
+  }
+  contents_.rowCount += blockRows_;
+  blockRows_ = 0;
+}
+
+void BlockLoader::CheckOrder(ChangeKind kind, std::uint32_t row) const {
+  const std::uint32_t previous = contents_.LastRecordOf(row);
+  const bool isFirst = previous == Log::kNone;
+  const bool isDeleted = !isFirst && contents_.log.HeaderAt(previous).kind == ChangeKind::Delete;
+  const bool fits = kind == ChangeKind::Insert    ? isFirst
+                    : kind == ChangeKind::Restore ? isDeleted && !isNew_.BitAt(row)
+                                                  : !isDeleted;
+  if (!fits) {
+    Refuse(0, row, "modificarile randului nu urmeaza una din alta");
+  }
+}
+
+void BlockLoader::CheckOldValue(OldValue& old, std::uint32_t row) {
+  const FieldDef& field = contents_.schemaData->fields[old.field];
+  if (old.cell.isNull) {
+    if (Has(field.flags, kRequired) || Has(field.flags, kKey)) {
+      Refuse(old.field, row, "trebuie completat");
+    }
+    old.cell = {};
+  } else if (TraitsOf(field.type).storage == Storage::Texts && !contents_.columns[old.field].texts.HasDictionary()) {
+    CheckCell(field, old.cell, contents_.owner);
+    old.cell.bits = contents_.columns[old.field].texts.Append(old.cell.bytes, contents_.large);
+  } else {
+    CheckNumber(old.field, old.cell, row);
+    CheckCell(field, contents_.Resolve(old.field, old.cell), contents_.owner);
+  }
+}
+
+void BlockLoader::AddRecord(ChangeKind kind, std::uint32_t row, std::span<const OldValue> old) {
+  const bool hasValues = kind == ChangeKind::Update || kind == ChangeKind::Restore;
+  if (row >= contents_.rowCount || kind > ChangeKind::Restore || (!hasValues && !old.empty()) ||
+      (kind == ChangeKind::Update && old.empty())) {
+    throw Error(contents_.owner + ": jurnalul are o inregistrare nepermisa");
+  }
+  CheckOrder(kind, row);
+  checked_.assign(old.begin(), old.end());
+  store_->payload_.clear();
+  std::uint32_t fieldEnd = 0;
+  for (OldValue& value : checked_) {
+    if (value.field < fieldEnd || value.field >= contents_.columns.size()) {
+      throw Error(contents_.owner + ": jurnalul are campuri in alta ordine");
+    }
+    fieldEnd = value.field + 1U;
+    CheckOldValue(value, row);
+    AppendOldValue(store_->payload_, value.field, contents_.columns[value.field].type, value.cell);
+  }
+  contents_.log.MakeRoom(store_->payload_.size());
+  contents_.heads.MakeWritable(row);
+  isNew_.MakeWritable(row);
+  if (kind == ChangeKind::Insert) {
+    isNew_.PutBit(row, true);
+  }
+  const bool makesShadow =
+      kind == ChangeKind::Update && !isNew_.BitAt(row) && contents_.ShadowOf(row) == Contents::kNone;
+  if (makesShadow) {
+    store_->MakeShadowRoom(row);
+    store_->MakeShadow(row);
+  }
+  store_->Record(row, kind, static_cast<std::uint16_t>(checked_.size()), makesShadow ? Log::kMadeShadow : 0);
+}
+
+void BlockLoader::RebuildOriginals() {
+  const Log& log = contents_.log;
+  for (std::uint32_t at = log.Last(); at != Log::kNone; at = log.Before(at)) {
+    const std::uint32_t shadow = contents_.ShadowOf(log.HeaderAt(at).row);
+    if (shadow == Contents::kNone) {
+      continue;
+    }
+    for (RecordReader old(log, at, *contents_.schemaData); old.Next();) {
+      ColumnPlanes& column = contents_.originals[old.Field()];
+      column.MakeWritable(shadow, old.Old().isNull);
+      column.Store(shadow, old.Old());
+    }
+  }
+}
+
+void BlockLoader::CheckStatesAgainstLog() const {
+  for (std::uint32_t row = 0; row < contents_.rowCount; ++row) {
+    const StoredState state = contents_.StateOf(row);
+    const std::uint32_t last = contents_.LastRecordOf(row);
+    StoredState expected = StoredState::Unmodified;
+    if (last != Log::kNone) {
+      const bool isDeleted = contents_.log.HeaderAt(last).kind == ChangeKind::Delete;
+      expected = isNew_.BitAt(row) ? (isDeleted ? StoredState::Gone : StoredState::Inserted)
+                 : isDeleted       ? StoredState::Deleted
+                                   : store_->StateByValues(row);
+    }
+    if (state != expected && (last != Log::kNone || state != StoredState::Gone)) {
+      Refuse(0, row, "starea nu se potriveste cu jurnalul");
+    }
+  }
+}
+
+std::unique_ptr<Store> BlockLoader::Finish() {
+  RebuildOriginals();
+  CheckStatesAgainstLog();
+  store_->keys_.Build(contents_.rowCount);
+  return std::move(store_);
+}
+
+}  // namespace kiv::store

@@ -1,0 +1,83 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string_view>
+#include <vector>
+
+#include "dataset/store/Store.h"
+
+namespace kiv::store {
+
+/// Builds a dataset from what a file holds, block by block, and checks all of it: nothing that a post would refuse gets
+/// in, and no code, number, row or link can lead astray. What is wrong is an Error that names field and row; the loader
+/// is of no use then. Counts are the reader's to check: what it asks for is allocated.
+///
+///     BlockLoader loader("linii", schema);
+///     loader.AddEntry(city, "Iasi");                   // dictionary texts and large values before the rows that use
+///     them loader.BeginBlock(rows);                         // 8,192 rows; fewer in the last block only
+///     std::memcpy(loader.Values(suma).data(), ...);    // elements as Contents.h describes them, straight into place
+///     loader.PutText(nume, 17, "Popescu");             // or text by text
+///     loader.EndBlock();
+///     loader.AddRecord(ChangeKind::Update, 5, old);    // the change log, oldest first
+///     Dataset dataset(loader.Finish());
+class BlockLoader {
+ public:
+  BlockLoader(TextView name, const Schema& schema);
+
+  /// Says that a Text or WideText field has no dictionary; before its first text. Texts then go in by PutText.
+  void UseHeap(std::size_t field);
+  /// Adds an entry to a field's dictionary; returns its code, which counts from 0. Throws Error for a text that the
+  /// field cannot hold and for one that is there already.
+  std::uint32_t AddEntry(std::size_t field, std::string_view bytes);
+  /// Adds the value of a Memo or Blob; returns its number, which counts from 0 over all fields.
+  std::uint32_t AddLarge(std::string_view bytes);
+
+  /// Begins the next block.
+  void BeginBlock(std::uint32_t rows);
+  /// The elements of a field in this block, for the reader to fill; they hold nothing yet.
+  std::span<std::byte> Values(std::size_t field);
+  /// Of a Guid the second halves.
+  std::span<std::byte> SecondValues(std::size_t field);
+  /// The null bits of a field in this block, all zero; asked for only where there is a null. Bits past the rows stay
+  /// zero.
+  std::span<std::byte> Nulls(std::size_t field);
+  /// The states in this block, all Unmodified; asked for only where there is another.
+  std::span<std::byte> States();
+  /// Sets a text, for which nothing may have been put into Values().
+  void PutText(std::size_t field, std::uint32_t rowInBlock, std::string_view bytes);
+  /// Checks the block; its rows are part of the dataset now.
+  void EndBlock();
+
+  /// A value before a change: a code of the dictionary, a number of a large value, or for a field without dictionary
+  /// its bytes.
+  struct OldValue {
+    std::uint16_t field;
+    Cell cell;
+  };
+  /// Adds a change record, oldest first. Links and originals come of themselves.
+  void AddRecord(ChangeKind kind, std::uint32_t row, std::span<const OldValue> old);
+
+  /// Checks states against the log, builds the key index and hands the dataset over.
+  std::unique_ptr<Store> Finish();
+
+ private:
+  [[noreturn]] void Refuse(std::size_t field, std::uint32_t row, TextView why) const;
+  void CheckColumn(std::size_t field, std::uint32_t first, std::uint32_t rows);
+  void CheckStates(std::uint32_t first, std::uint32_t rows);
+  void CheckOldValue(OldValue& old, std::uint32_t row);
+  void CheckOrder(ChangeKind kind, std::uint32_t row) const;
+  void RebuildOriginals();
+  void CheckStatesAgainstLog() const;
+  void CheckNumber(std::size_t field, const Cell& cell, std::uint32_t row) const;
+
+  std::unique_ptr<Store> store_;
+  Contents& contents_;
+  std::uint32_t blockRows_ = 0;
+  std::vector<bool> isPut_;                               // by field: texts were put one by one
+  Plane isNew_{Plane::Width::Bit, Plane::Filled::Zeros};  // the row's first record is its insertion
+  std::vector<OldValue> checked_;
+};
+
+}  // namespace kiv::store

@@ -1,0 +1,40 @@
+#include "dataset/store/Contents.h"
+
+#include "dataset/store/SchemaData.h"
+
+namespace kiv::store {
+
+Contents::Contents(TextView datasetName, const Schema& datasetSchema)
+    : name(datasetName),
+      owner("Dataset " + Quoted(datasetName)),
+      schema(std::vector<FieldDef>(datasetSchema.Fields().begin(), datasetSchema.Fields().end())),
+      schemaData(&SchemaData::Of(schema)) {
+  if (!IsIdentifier(name)) {
+    throw Error(owner + ": numele nu este permis");
+  }
+  for (const FieldDef& field : schema.Fields()) {
+    columns.emplace_back(field.type);
+    originals.emplace_back(field.type);
+  }
+}
+
+Cell Contents::Resolve(std::size_t field, Cell cell) const noexcept {
+  if (!cell.isNull) {
+    const Column& column = columns[field];
+    const Storage storage = TraitsOf(column.type).storage;
+    const auto number = static_cast<std::uint32_t>(cell.bits);
+    if (storage == Storage::Texts) {
+      cell.bytes = column.texts.Read(number, large);
+    } else if (storage == Storage::Large) {
+      cell.bytes = large.At(number);
+    }
+  }
+  return cell;
+}
+
+Cell Contents::ReadOriginal(std::uint32_t row, std::size_t field) const noexcept {
+  const std::uint32_t shadow = ShadowOf(row);
+  return shadow == kNone ? Read(row, field) : Resolve(field, originals[field].Load(shadow));
+}
+
+}  // namespace kiv::store

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+
+#include "dataset/store/Contents.h"
+#include "dataset/store/HashIndex.h"
+
+namespace kiv::store {
+
+/// Finds rows by their key.
+///
+/// The tag of a key that is one number of at most 32 bits is that number, mixed one to one: equal tags are equal keys
+/// and the column need not be read. That holds until a key needs more bits.
+class KeyIndex {
+ public:
+  explicit KeyIndex(const Contents& contents) noexcept;
+
+  [[nodiscard]] bool Exists() const noexcept { return !fields_.empty(); }
+  /// The fields of the key.
+  [[nodiscard]] std::span<const std::uint16_t> Fields() const noexcept { return fields_; }
+  /// The tag of the key in those cells, one for each field of the key.
+  [[nodiscard]] std::uint32_t TagOf(std::span<const Cell> key) const noexcept;
+  /// The row with that key, HashIndex::kNone if there is none.
+  [[nodiscard]] std::uint32_t Find(std::uint32_t tag, std::span<const Cell> key) const noexcept;
+  /// Room for one more row with that tag. Throws std::bad_alloc.
+  void Reserve(std::uint32_t tag) { index_.Reserve(tag); }
+  /// Adds a row. Where no room was made and there is none the index breaks: it does no more until Repair().
+  void Insert(std::uint32_t tag, std::span<const Cell> key, std::uint32_t row) noexcept;
+  void Erase(std::uint32_t tag, std::uint32_t row) noexcept {
+    if (!isBroken_) {
+      index_.Erase(tag, row);
+    }
+  }
+  /// Sees to it that the index holds what the columns do. Throws std::bad_alloc.
+  void Repair() {
+    if (isBroken_) {
+      Build(contents_.rowCount);
+    }
+  }
+  /// Makes the index anew from the first `rows` rows, or from nothing. Throws std::bad_alloc, and Error naming the key
+  /// where two rows have the same; nothing has changed then.
+  void Build(std::uint32_t rows);
+  /// The error that a key exists already.
+  [[noreturn]] void RefuseTwice(std::span<const Cell> key) const;
+
+ private:
+  void ReadKey(std::uint32_t row, std::vector<Cell>& key) const;
+
+  const Contents& contents_;
+  std::span<const std::uint16_t> fields_;
+  HashIndex index_;
+  std::uint32_t seed_;
+  bool isNumber_;
+  bool isExact_;
+  bool isBroken_ = false;
+};
+
+}  // namespace kiv::store

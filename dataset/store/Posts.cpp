@@ -1,0 +1,311 @@
+#include <algorithm>
+#include <limits>
+
+#include "core/Numbers.h"
+#include "dataset/store/Store.h"
+
+namespace kiv::store {
+namespace {
+
+/// Stands in the place of the next temporary number when there is none left.
+constexpr std::int64_t kNoTemporary = std::numeric_limits<std::int64_t>::min();
+
+/// What a temporary number may be at most once `value` is in use.
+constexpr std::int64_t BelowOf(std::int64_t value) noexcept {
+  return value == kNoTemporary ? kNoTemporary : value - 1;
+}
+
+constexpr std::uint8_t AsByte(StoredState state) noexcept {
+  return static_cast<std::uint8_t>(state);
+}
+
+}  // namespace
+
+// What is checked.
+
+void Store::BeginEdit() {
+  if (isLoading_) {
+    throw Error(contents_.owner + ": nu se modifica in timpul incarcarii");
+  }
+  keys_.Repair();
+}
+
+void Store::ProposeDefaults() {
+  proposed_.assign(defaults_.begin(), defaults_.end());
+}
+
+void Store::CheckRequired() const {
+  for (const std::uint16_t field : required_) {
+    if (proposed_[field].isNull) {
+      throw Error(contents_.owner + ": campul " + Quoted(contents_.schemaData->fields[field].name) +
+                  " trebuie completat");
+    }
+  }
+}
+
+Store::KeyPlace Store::PlaceOfKey(std::uint32_t row) {
+  keyBefore_.clear();
+  for (const std::uint16_t field : keys_.Fields()) {
+    keyBefore_.push_back(contents_.Read(row, field));
+  }
+  return {keys_.TagOf(keyBefore_), keyBefore_};
+}
+
+void Store::RefuseKeyOfAnother(const KeyPlace& place, std::uint32_t row) const {
+  const std::uint32_t found = keys_.Find(place.tag, place.key);
+  if (found != HashIndex::kNone && found != row) {
+    keys_.RefuseTwice(place.key);
+  }
+}
+
+void Store::CollectChanges(std::uint32_t row, std::span<const FieldValue> values) {
+  changes_.clear();
+  for (const FieldValue& value : values) {
+    const auto field = static_cast<std::uint16_t>(DatasetView::Resolve(contents_, value.field));
+    const FieldDef& definition = contents_.schemaData->fields[field];
+    const Cell cell = MakeCell(definition, value.value, contents_.owner);
+    // Of a field that is given twice the last value counts.
+    std::erase_if(changes_, [field](const Change& change) { return change.field == field; });
+    if (AreEqual(definition.type, cell, contents_.Read(row, field))) {
+      continue;
+    }
+    if (Has(definition.flags, kReadOnly)) {
+      throw Error(contents_.owner + ": campul " + Quoted(definition.name) + " nu se modifica");
+    }
+    if (cell.isNull && (Has(definition.flags, kRequired) || Has(definition.flags, kKey))) {
+      throw Error(contents_.owner + ": campul " + Quoted(definition.name) + " trebuie completat");
+    }
+    changes_.push_back({field, cell});
+  }
+}
+
+bool Store::ChangesKey() const noexcept {
+  return std::ranges::any_of(
+      changes_, [&](const Change& change) { return Has(contents_.schemaData->fields[change.field].flags, kKey); });
+}
+
+// What is made room for.
+
+void Store::MakeRowWritable(std::uint32_t row) {
+  if (row < appendEnd_) {
+    return;
+  }
+  for (Column& column : contents_.columns) {
+    column.values.MakeWritable(row);
+    if (column.type == FieldType::Guid) {
+      column.more.MakeWritable(row);
+    }
+  }
+  contents_.states.MakeWritable(row);
+  contents_.heads.MakeWritable(row);
+  std::uint32_t end = std::min(contents_.heads.WritableEnd(row), contents_.states.WritableEnd(row));
+  for (const Column& column : contents_.columns) {
+    end = std::min(end, column.values.WritableEnd(row));
+    if (column.type == FieldType::Guid) {
+      end = std::min(end, column.more.WritableEnd(row));
+    }
+  }
+  appendEnd_ = end;
+}
+
+void Store::MakeRoomForInsert(std::uint32_t row, const KeyPlace& place) {
+  for (std::size_t i = 0; i < proposed_.size(); ++i) {
+    Intern(i, proposed_[i]);
+  }
+  MakeRowWritable(row);
+  for (std::size_t i = 0; i < proposed_.size(); ++i) {
+    contents_.columns[i].nulls.MakeWritableFor(row, !proposed_[i].isNull);
+  }
+  contents_.log.MakeRoom(0);
+  if (keys_.Exists()) {
+    keys_.Reserve(place.tag);
+  }
+}
+
+void Store::MakeShadowRoom(std::uint32_t row) {
+  const std::uint32_t shadow = contents_.shadowCount;
+  for (std::size_t i = 0; i < contents_.columns.size(); ++i) {
+    contents_.originals[i].MakeWritable(shadow, contents_.columns[i].IsNull(row));
+  }
+  contents_.shadows.MakeWritable(row);
+}
+
+void Store::MakeRoomForUpdate(std::uint32_t row) {
+  for (Change& change : changes_) {
+    Intern(change.field, change.cell);
+  }
+  payload_.clear();
+  for (const Change& change : changes_) {
+    Column& column = contents_.columns[change.field];
+    column.MakeWritable(row, change.cell.isNull);
+    AppendOldValue(payload_, change.field, column.type, column.Load(row));
+  }
+  contents_.states.MakeWritable(row);
+  contents_.heads.MakeWritable(row);
+  contents_.log.MakeRoom(payload_.size());
+}
+
+// What is written.
+
+void Store::SetState(std::uint32_t row, StoredState state) noexcept {
+  --contents_.counts[AsByte(contents_.StateOf(row))];
+  ++contents_.counts[AsByte(state)];
+  contents_.states.Put(row, AsByte(state));
+}
+
+void Store::MakeShadow(std::uint32_t row) noexcept {
+  const std::uint32_t shadow = contents_.shadowCount++;
+  for (std::size_t i = 0; i < contents_.columns.size(); ++i) {
+    contents_.originals[i].Store(shadow, contents_.columns[i].Load(row));
+  }
+  contents_.shadows.Put(row, shadow + 1);
+}
+
+void Store::Record(std::uint32_t row, ChangeKind kind, std::uint16_t fieldCount, std::uint8_t flags) noexcept {
+  const std::uint32_t position =
+      contents_.log.Append({row, contents_.LastRecordOf(row), 0, 0, kind, flags, fieldCount}, payload_);
+  contents_.heads.Put(row, position + 1);
+}
+
+StoredState Store::StateByValues(std::uint32_t row) const noexcept {
+  const std::uint32_t shadow = contents_.ShadowOf(row);
+  if (shadow == Contents::kNone) {
+    return contents_.StateOf(row);
+  }
+  for (std::size_t i = 0; i < contents_.columns.size(); ++i) {
+    if (!AreEqual(contents_.columns[i].type, contents_.Read(row, i),
+                  contents_.Resolve(i, contents_.originals[i].Load(shadow)))) {
+      return StoredState::Modified;
+    }
+  }
+  return StoredState::Unmodified;
+}
+
+// Posts.
+
+std::uint32_t Store::Insert(std::span<const FieldValue> values) {
+  BeginEdit();
+  const std::uint32_t row = contents_.rowCount;
+  if (row == kMostRows) {
+    throw Error(contents_.owner + ": nu mai incape niciun rand");
+  }
+  ProposeDefaults();
+  for (const FieldValue& value : values) {
+    const std::size_t field = DatasetView::Resolve(contents_, value.field);
+    proposed_[field] = MakeCell(contents_.schemaData->fields[field], value.value, contents_.owner);
+  }
+  const std::int64_t next = NumberAutoIncs();
+  CheckRequired();
+  KeyPlace place;
+  if (keys_.Exists()) {
+    key_.clear();
+    for (const std::uint16_t field : keys_.Fields()) {
+      key_.push_back(proposed_[field]);
+    }
+    place = {keys_.TagOf(key_), key_};
+    RefuseKeyOfAnother(place, row);
+  }
+  MakeRoomForInsert(row, place);
+
+  for (std::size_t i = 0; i < proposed_.size(); ++i) {
+    contents_.columns[i].Store(row, proposed_[i]);
+  }
+  contents_.states.Put(row, AsByte(StoredState::Gone));
+  contents_.heads.Put(row, std::uint32_t{0});
+  ++contents_.counts[AsByte(StoredState::Gone)];
+  ++contents_.rowCount;
+  contents_.nextTemporary = next;
+  payload_.clear();
+  Record(row, ChangeKind::Insert, 0);
+  SetState(row, StoredState::Inserted);
+  if (keys_.Exists()) {
+    keys_.Insert(place.tag, place.key, row);
+  }
+  return row;
+}
+
+std::int64_t Store::NumberAutoIncs() {
+  std::int64_t next = contents_.nextTemporary;
+  for (const std::uint16_t field : autoIncs_) {
+    Cell& cell = proposed_[field];
+    if (!cell.isNull) {
+      next = std::min(next, BelowOf(static_cast<std::int64_t>(cell.bits)));
+      continue;
+    }
+    if (next == kNoTemporary) {
+      throw Error(contents_.owner + ": numerele temporare s-au terminat");
+    }
+    cell = {.bits = static_cast<std::uint64_t>(next), .isNull = false};
+    --next;
+  }
+  return next;
+}
+
+void Store::NoteTemporary(const Cell& given) noexcept {
+  contents_.nextTemporary = std::min(contents_.nextTemporary, BelowOf(static_cast<std::int64_t>(given.bits)));
+}
+
+void Store::Update(std::uint32_t row, std::span<const FieldValue> values) {
+  BeginEdit();
+  RequireRow(row);
+  CollectChanges(row, values);
+  if (changes_.empty()) {
+    return;
+  }
+  KeyPlace before;
+  KeyPlace after;
+  const bool changesKey = ChangesKey();
+  if (changesKey) {
+    before = PlaceOfKey(row);
+    key_.assign(keyBefore_.begin(), keyBefore_.end());
+    for (const Change& change : changes_) {
+      const auto place = std::ranges::find(keys_.Fields(), change.field);
+      if (place != keys_.Fields().end()) {
+        key_[static_cast<std::size_t>(place - keys_.Fields().begin())] = change.cell;
+      }
+    }
+    after = {keys_.TagOf(key_), key_};
+    RefuseKeyOfAnother(after, row);
+    keys_.Reserve(after.tag);
+  }
+  const bool needsShadow =
+      contents_.StateOf(row) == StoredState::Unmodified && contents_.ShadowOf(row) == Contents::kNone;
+  if (needsShadow) {
+    MakeShadowRoom(row);
+  }
+  MakeRoomForUpdate(row);
+
+  if (needsShadow) {
+    MakeShadow(row);
+  }
+  if (changesKey) {
+    keys_.Erase(before.tag, row);
+    keys_.Insert(after.tag, after.key, row);
+  }
+  Record(row, ChangeKind::Update, static_cast<std::uint16_t>(changes_.size()), needsShadow ? Log::kMadeShadow : 0);
+  for (const Change& change : changes_) {
+    contents_.columns[change.field].Store(row, change.cell);
+    if (contents_.columns[change.field].type == FieldType::AutoInc) {
+      NoteTemporary(change.cell);
+    }
+  }
+  SetState(row, StateByValues(row));
+}
+
+void Store::Delete(std::uint32_t row) {
+  BeginEdit();
+  RequireRow(row);
+  contents_.states.MakeWritable(row);
+  contents_.heads.MakeWritable(row);
+  contents_.log.MakeRoom(0);
+
+  if (keys_.Exists()) {
+    keys_.Erase(PlaceOfKey(row).tag, row);
+  }
+  const bool isNew = contents_.StateOf(row) == StoredState::Inserted;
+  payload_.clear();
+  Record(row, ChangeKind::Delete, 0);
+  SetState(row, isNew ? StoredState::Gone : StoredState::Deleted);
+}
+
+}  // namespace kiv::store

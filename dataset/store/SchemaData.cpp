@@ -1,0 +1,211 @@
+#include "dataset/store/SchemaData.h"
+
+#include <algorithm>
+#include <array>
+
+#include "core/Numbers.h"
+#include "dataset/store/Cell.h"
+
+namespace kiv::store {
+namespace {
+
+constexpr std::size_t kMostFields = 1024;
+constexpr std::size_t kLongestName = 63;
+constexpr std::int32_t kMostTextBytes = 32'000;
+constexpr std::int32_t kMostWideUnits = 16'000;
+
+constexpr std::array kTraits = {
+    TypeTraits{FieldType::Int16, "Int16", Plane::Width::Two, Storage::Fixed},
+    TypeTraits{FieldType::Int32, "Int32", Plane::Width::Four, Storage::Fixed},
+    TypeTraits{FieldType::Int64, "Int64", Plane::Width::Eight, Storage::Fixed},
+    TypeTraits{FieldType::Currency, "Currency", Plane::Width::Eight, Storage::Fixed},
+    TypeTraits{FieldType::Double, "Double", Plane::Width::Eight, Storage::Fixed},
+    TypeTraits{FieldType::Date, "Date", Plane::Width::Four, Storage::Fixed},
+    TypeTraits{FieldType::Time, "Time", Plane::Width::Four, Storage::Fixed},
+    TypeTraits{FieldType::DateTime, "DateTime", Plane::Width::Eight, Storage::Fixed},
+    TypeTraits{FieldType::Text, "Text", Plane::Width::Four, Storage::Texts},
+    TypeTraits{FieldType::WideText, "WideText", Plane::Width::Four, Storage::Texts},
+    TypeTraits{FieldType::Boolean, "Boolean", Plane::Width::Bit, Storage::Fixed},
+    TypeTraits{FieldType::Guid, "Guid", Plane::Width::Eight, Storage::Fixed},
+    TypeTraits{FieldType::Memo, "Memo", Plane::Width::Four, Storage::Large},
+    TypeTraits{FieldType::Blob, "Blob", Plane::Width::Four, Storage::Large},
+    TypeTraits{FieldType::AutoInc, "AutoInc", Plane::Width::Eight, Storage::Fixed},
+};
+
+constexpr bool StandInOrder() {
+  for (std::size_t i = 0; i < kTraits.size(); ++i) {
+    if (kTraits[i].type != static_cast<FieldType>(i)) {
+      return false;
+    }
+  }
+  return true;
+}
+static_assert(StandInOrder());
+
+/// The lower-case form of an upper-case letter of Windows-1250, other bytes as they are.
+constexpr unsigned char LowerCase(unsigned char byte) noexcept {
+  if ((byte >= 'A' && byte <= 'Z') || (byte >= 0xC0 && byte <= 0xDE && byte != 0xD7)) {
+    return static_cast<unsigned char>(byte + 0x20);
+  }
+  switch (byte) {
+    case 0x8A:
+    case 0x8C:
+    case 0x8D:
+    case 0x8E:
+    case 0x8F:
+    case 0xA3:
+    case 0xAA:
+    case 0xAF:
+      return static_cast<unsigned char>(byte + 0x10);
+    case 0xA5:
+      return 0xB9;
+    case 0xBC:
+      return 0xBE;
+    default:
+      return byte;
+  }
+}
+
+constexpr bool IsLetter(unsigned char byte) noexcept {
+  switch (LowerCase(byte)) {
+    case 0x9A:
+    case 0x9C:
+    case 0x9D:
+    case 0x9E:
+    case 0x9F:
+    case 0xB3:
+    case 0xB9:
+    case 0xBA:
+    case 0xBE:
+    case 0xBF:
+    case 0xDF:
+      return true;
+    case 0xD7:
+    case 0xF7:
+    case 0xFF:
+      return false;
+    default:
+      return (LowerCase(byte) >= 'a' && LowerCase(byte) <= 'z') || LowerCase(byte) >= 0xE0;
+  }
+}
+
+[[noreturn]] void Refuse(const FieldDef& field, TextView why) {
+  throw Error("Schema: campul " + Quoted(field.name) + " " + Text(why));
+}
+
+bool HasSize(FieldType type) noexcept {
+  return type == FieldType::Text || type == FieldType::WideText;
+}
+
+void CheckField(const FieldDef& field) {
+  constexpr auto kAllFlags = kKey | kRequired | kReadOnly | kCheck | kNoCheck;
+  if (!IsIdentifier(field.name)) {
+    Refuse(field, "nu are un nume permis");
+  }
+  if (static_cast<std::size_t>(field.type) >= kTraits.size() || !Has(kAllFlags, field.flags)) {
+    Refuse(field, "are un tip sau un indicator care nu exista");
+  }
+  const std::int32_t most = field.type == FieldType::WideText ? kMostWideUnits : kMostTextBytes;
+  if (field.size < 0 || (HasSize(field.type) ? field.size > most : field.size != 0)) {
+    Text why = "are lungimea nepermisa ";
+    AppendDecimal(why, field.size);
+    Refuse(field, why);
+  }
+  const bool cannotBeKey = field.type == FieldType::Double || TraitsOf(field.type).storage == Storage::Large;
+  if (Has(field.flags, kKey) && cannotBeKey) {
+    Refuse(field, Text("de tip ") + TraitsOf(field.type).name + " nu poate fi cheie");
+  }
+  if (Has(field.flags, kCheck) && Has(field.flags, kNoCheck)) {
+    Refuse(field, "are doi indicatori care se contrazic");
+  }
+  if (!std::holds_alternative<Null>(field.defaultValue)) {
+    MakeCell(field, field.defaultValue, "Schema");
+  }
+}
+
+}  // namespace
+
+const TypeTraits& TraitsOf(FieldType type) noexcept {
+  return kTraits[static_cast<std::size_t>(type)];
+}
+
+bool IsIdentifier(TextView name) noexcept {
+  const auto isLetterOrSign = [](char character) {
+    return character == '_' || IsLetter(static_cast<unsigned char>(character));
+  };
+  return !name.empty() && name.size() <= kLongestName && isLetterOrSign(name[0]) &&
+         std::ranges::all_of(name, [&](char character) { return isLetterOrSign(character) || IsDigit(character); });
+}
+
+Text FoldName(TextView name) {
+  Text folded(name);
+  std::ranges::transform(folded, folded.begin(), [](char character) {
+    return static_cast<char>(LowerCase(static_cast<unsigned char>(character)));
+  });
+  return folded;
+}
+
+Text Quoted(TextView name) {
+  Text quoted = "\"";
+  for (const char character : name.substr(0, kLongestName)) {
+    quoted += static_cast<unsigned char>(character) < ' ' ? ' ' : character;
+  }
+  return quoted + "\"";
+}
+
+SchemaData::SchemaData(std::vector<FieldDef> definitions) : fields(std::move(definitions)) {
+  if (fields.empty() || fields.size() > kMostFields) {
+    Text message = "Schema: un set de date are 1..1024 campuri, nu ";
+    AppendDecimal(message, fields.size());
+    throw Error(message);
+  }
+  for (std::size_t i = 0; i < fields.size(); ++i) {
+    CheckField(fields[i]);
+    names.emplace_back(FoldName(fields[i].name), static_cast<std::uint16_t>(i));
+    if (Has(fields[i].flags, kKey)) {
+      keyFields.push_back(static_cast<std::uint16_t>(i));
+    }
+  }
+  std::ranges::sort(names);
+  const auto twice = std::ranges::adjacent_find(names, {}, &std::pair<Text, std::uint16_t>::first);
+  if (twice != names.end()) {
+    Refuse(fields[std::next(twice)->second], "apare de doua ori");
+  }
+}
+
+std::optional<std::size_t> SchemaData::IndexOf(TextView name) const noexcept {
+  // Compared letter by letter, so that nothing is allocated for a look-up.
+  const auto isBefore = [](TextView left, TextView right) {
+    return std::ranges::lexicographical_compare(
+        left, right, {}, [](char c) { return static_cast<unsigned char>(c); },
+        [](char c) { return LowerCase(static_cast<unsigned char>(c)); });
+  };
+  const auto found =
+      std::ranges::lower_bound(names, name, isBefore, [](const auto& entry) -> TextView { return entry.first; });
+  const auto sameAs = [](char folded, char given) {
+    return static_cast<unsigned char>(folded) == LowerCase(static_cast<unsigned char>(given));
+  };
+  if (found == names.end() || !std::ranges::equal(found->first, name, sameAs)) {
+    return std::nullopt;
+  }
+  return found->second;
+}
+
+}  // namespace kiv::store
+
+namespace kiv {
+
+Schema::Schema(std::initializer_list<FieldDef> fields) : Schema(std::vector<FieldDef>(fields)) {}
+Schema::Schema(std::vector<FieldDef> fields) : data_(std::make_shared<store::SchemaData>(std::move(fields))) {}
+
+std::span<const FieldDef> Schema::Fields() const noexcept {
+  return data_->fields;
+}
+std::optional<std::size_t> Schema::IndexOf(TextView name) const noexcept {
+  return data_->IndexOf(name);
+}
+std::span<const std::uint16_t> Schema::KeyFields() const noexcept {
+  return data_->keyFields;
+}
+
+}  // namespace kiv

@@ -1,0 +1,251 @@
+/// @file
+/// Dataset: typed rows in memory, in columns, with every change remembered.
+#pragma once
+
+#include <concepts>
+#include <cstddef>
+#include <cstdint>
+#include <initializer_list>
+#include <memory>
+#include <optional>
+#include <span>
+
+#include "kivtools/Export.h"
+#include "kivtools/Types.h"
+#include "kivtools/dataset/Schema.h"
+#include "kivtools/dataset/Value.h"
+
+namespace kiv {
+
+namespace store {
+struct Cell;
+struct Contents;
+class Store;
+}  // namespace store
+
+/// The number of a row: given once while the dataset lives in memory, except that Compact() and saving with loading
+/// number the rows anew. A bookmark that has to survive those holds the key.
+enum class RowId : std::uint32_t {};
+
+/// What has happened to a row since it was loaded or its changes were accepted.
+enum class RowState : std::uint8_t {
+  Unmodified,  ///< its values are the original ones, also after a change and back
+  Inserted,    ///< it had no original values
+  Modified,    ///< at least one value differs from the original
+  Deleted,     ///< kept with its original values until the deletion is accepted
+};
+
+/// A field of one dataset, looked up once by `Field(name)`. A dataset refuses a reference from another one; it may
+/// outlive its dataset, but not be used then.
+class FieldRef {
+ public:
+  /// The field's place in the schema, from 0.
+  [[nodiscard]] constexpr std::size_t Index() const noexcept { return index_; }
+
+ private:
+  friend class DatasetView;
+  friend class FieldSelector;
+  constexpr FieldRef(const void* owner, std::uint16_t index) noexcept : owner_(owner), index_(index) {}
+  const void* owner_;
+  std::uint16_t index_;
+};
+
+/// A field as an argument: its reference, or its name, which is looked up at each call.
+class FieldSelector {
+ public:
+  // Implicit, so that either form is written as it is.
+  constexpr FieldSelector(FieldRef field) noexcept : owner_(field.owner_), index_(field.index_) {}  // NOLINT
+  template <class Characters>
+  requires std::convertible_to<const Characters&, TextView>
+  constexpr FieldSelector(const Characters& name) noexcept : name_(static_cast<TextView>(name)) {}  // NOLINT
+
+ private:
+  friend class DatasetView;
+  const void* owner_ = nullptr;
+  std::uint16_t index_ = 0;
+  TextView name_;
+};
+
+/// A field and the value it is to get. Example: `{"suma", 1234.56_lei}`.
+struct FieldValue {
+  FieldSelector field;
+  ValueView value;
+};
+
+/// The rows of a dataset in their order, for a `for` loop; rows may be changed and added meanwhile.
+class RowRange {
+ public:
+  class Iterator {
+   public:
+    using value_type = RowId;              // NOLINT: the names that the language's algorithms look for
+    using difference_type = std::int64_t;  // NOLINT
+    [[nodiscard]] RowId operator*() const noexcept { return static_cast<RowId>(row_); }
+    Iterator& operator++() noexcept {
+      row_ = Next(contents_, row_ + 1, states_);
+      return *this;
+    }
+    Iterator operator++(int) noexcept {
+      Iterator before = *this;
+      ++*this;
+      return before;
+    }
+    friend bool operator==(const Iterator& left, const Iterator& right) noexcept { return left.row_ == right.row_; }
+
+   private:
+    friend class RowRange;
+    const store::Contents* contents_ = nullptr;
+    std::uint32_t row_ = kEnd;
+    std::uint8_t states_ = 0;
+  };
+
+  [[nodiscard]] Iterator begin() const noexcept {
+    Iterator first;
+    first.contents_ = contents_;
+    first.states_ = states_;
+    first.row_ = Next(contents_, 0, states_);
+    return first;
+  }
+  [[nodiscard]] Iterator end() const noexcept { return {}; }
+
+ private:
+  friend class DatasetView;
+  static constexpr std::uint32_t kEnd = 0xFFFFFFFF;
+  KIV_API static std::uint32_t Next(const store::Contents* contents, std::uint32_t from, std::uint8_t states) noexcept;
+  RowRange(const store::Contents* contents, std::uint8_t states) noexcept : contents_(contents), states_(states) {}
+  const store::Contents* contents_;
+  std::uint8_t states_;
+};
+
+/// What a dataset and a snapshot of one have in common: everything that reads.
+///
+/// A getter throws Error, naming dataset and row, for a row that does not exist or is deleted, Error for a field that
+/// the dataset does not have, and InvalidCast for a field of a type that the getter does not give. Where the value is
+/// null it gives zero, false or an empty text; IsNull() and Get() tell the difference. Texts and bytes are borrowed:
+/// they stay where they are until Compact() or the end of the dataset, whatever happens to their row.
+class DatasetView {
+ public:
+  /// The dataset's name. Example: "linii".
+  [[nodiscard]] KIV_API TextView Name() const noexcept;
+  /// Its fields.
+  [[nodiscard]] KIV_API const Schema& GetSchema() const noexcept;
+  /// The field of that name, case apart. Throws Error where there is none. Example: `linii.Field("suma")`.
+  [[nodiscard]] KIV_API FieldRef Field(TextView name) const;
+  /// The field at that place of the schema, from 0. Throws ListIndexError beyond the last.
+  [[nodiscard]] KIV_API FieldRef FieldAt(std::size_t index) const;
+
+  /// How many rows there are, deleted ones not counted.
+  [[nodiscard]] KIV_API std::size_t RowCount() const noexcept;
+  /// How many rows have that state. Example: `CountOf(RowState::Deleted)` is 1 after a Delete of a loaded row.
+  [[nodiscard]] KIV_API std::size_t CountOf(RowState state) const noexcept;
+  /// The rows, deleted ones left out. Example: `for (RowId row : linii.Rows()) sum += linii.GetCurrency(row, suma);`
+  [[nodiscard]] KIV_API RowRange Rows() const noexcept;
+  /// The rows of one state. Example: `Rows(RowState::Deleted)`.
+  [[nodiscard]] KIV_API RowRange Rows(RowState state) const noexcept;
+  /// Whether the number is that of a row, be it deleted.
+  [[nodiscard]] KIV_API bool Exists(RowId row) const noexcept;
+  /// The row's state. Throws Error for a row that does not exist.
+  [[nodiscard]] KIV_API RowState State(RowId row) const;
+
+  /// Whether the field is null in that row.
+  [[nodiscard]] KIV_API bool IsNull(RowId row, FieldSelector field) const;
+  /// Of a Boolean.
+  [[nodiscard]] KIV_API bool GetBool(RowId row, FieldSelector field) const;
+  /// Of an Int16, Int32, Int64 or AutoInc.
+  [[nodiscard]] KIV_API std::int64_t GetInt64(RowId row, FieldSelector field) const;
+  /// Of a Double.
+  [[nodiscard]] KIV_API double GetDouble(RowId row, FieldSelector field) const;
+  /// Of a Currency. Example: `linii.GetCurrency(row, "suma")` is 1234.56_lei.
+  [[nodiscard]] KIV_API Currency GetCurrency(RowId row, FieldSelector field) const;
+  /// Of a Date, Time or DateTime.
+  [[nodiscard]] KIV_API DateTime GetDateTime(RowId row, FieldSelector field) const;
+  /// Of a Text or Memo.
+  [[nodiscard]] KIV_API TextView GetText(RowId row, FieldSelector field) const;
+  /// Of a WideText.
+  [[nodiscard]] KIV_API std::u16string_view GetWideText(RowId row, FieldSelector field) const;
+  /// Of a Guid.
+  [[nodiscard]] KIV_API Guid GetGuid(RowId row, FieldSelector field) const;
+  /// Of a Blob, and of a Memo as bytes.
+  [[nodiscard]] KIV_API BytesView GetBytes(RowId row, FieldSelector field) const;
+  /// Of any field, borrowed as texts are. Example: `std::get<Currency>(linii.View(row, "suma").Get())`.
+  [[nodiscard]] KIV_API ValueView View(RowId row, FieldSelector field) const;
+  /// Of any field. Example: `linii.Get(row, "suma") == Value(1234.56_lei)`.
+  [[nodiscard]] KIV_API Value Get(RowId row, FieldSelector field) const;
+  /// The value that the row had when it was loaded or last accepted; also of deleted rows. Throws Error for an inserted
+  /// row, which had none. Example: 1234.56_lei after `Set(row, "suma", 1500_lei)`.
+  [[nodiscard]] KIV_API Value Original(RowId row, FieldSelector field) const;
+
+  /// For the library's own parts.
+  [[nodiscard]] const store::Contents& GetContents() const noexcept { return *contents_; }
+
+ protected:
+  explicit DatasetView(const store::Contents* contents) noexcept : contents_(contents) {}
+  DatasetView(const DatasetView&) = default;
+  DatasetView& operator=(const DatasetView&) = default;
+  ~DatasetView() = default;
+
+  const store::Contents* contents_;
+
+ private:
+  friend class store::Store;
+  /// A bit for each FieldType.
+  using TypeSet = std::uint32_t;
+  /// The place of the field. Throws Error for a name that is none and for another dataset's reference.
+  [[nodiscard]] static std::size_t Resolve(const store::Contents& contents, const FieldSelector& field);
+  [[nodiscard]] store::Cell Read(RowId row, const FieldSelector& field, TypeSet types) const;
+};
+
+/// Typed rows in memory. A dataset and what belongs to it is used from one thread at a time; different datasets are
+/// independent. An operation that throws has changed nothing.
+///
+///     using namespace kiv::literals;
+///     Dataset linii("linii", {{"id", FieldType::AutoInc, kKey},
+///                             {"partener", FieldType::Text, 40, kRequired},
+///                             {"suma", FieldType::Currency}});
+///     const FieldRef suma = linii.Field("suma");
+///     const RowId row = linii.Insert({{"partener", "Şapte Arini"_ro}, {suma, 1234.56_lei}});
+///     linii.Set(row, suma, 1500_lei);
+///     linii.GetInt64(row, "id")   // -1 until the database gives the number
+class Dataset : public DatasetView {
+ public:
+  /// An empty dataset. The name is an identifier as a field's name is.
+  KIV_API Dataset(TextView name, Schema schema);
+  KIV_API ~Dataset();
+  KIV_API Dataset(Dataset&& other) noexcept;
+  KIV_API Dataset& operator=(Dataset&& other) noexcept;
+
+  /// Adds a row. Fields that are not given get their default, an AutoInc its next temporary number, others null.
+  /// Throws Error for a null where the field refuses it, a text that is too long, a number out of range, a key that
+  /// another row has; InvalidCast for a value of another kind than the field's.
+  ///
+  ///     linii.Insert({{"partener", "Alfa"}, {"suma", 10_lei}});
+  KIV_API RowId Insert(std::initializer_list<FieldValue> values);
+  /// The same from values collected at run time.
+  KIV_API RowId Insert(std::span<const FieldValue> values);
+  /// Changes several fields of a row in one post. Values equal to the present ones are no change; if nothing changes,
+  /// nothing is logged. Throws as Insert does, and Error for a ReadOnly field.
+  KIV_API void Update(RowId row, std::initializer_list<FieldValue> values);
+  /// The same from values collected at run time.
+  KIV_API void Update(RowId row, std::span<const FieldValue> values);
+  /// Changes one field. Example: `linii.Set(row, suma, 1500_lei);`
+  KIV_API void Set(RowId row, FieldSelector field, ValueView value);
+  /// Deletes a row. A row that was inserted since the changes were last accepted is gone, others are kept as Deleted.
+  KIV_API void Delete(RowId row);
+
+  /// The row with that key, in the order of the key's fields; empty where there is none. Throws Error where the dataset
+  /// has no key or another count of key fields, and as Insert does for a value that a key field cannot hold.
+  ///
+  ///     linii.Find({17})   // the row whose id is 17
+  [[nodiscard]] KIV_API std::optional<RowId> Find(std::initializer_list<ValueView> key) const;
+  /// The same from values collected at run time.
+  [[nodiscard]] KIV_API std::optional<RowId> Find(std::span<const ValueView> key) const;
+
+  /// For the library's own parts.
+  [[nodiscard]] store::Store& GetStore() noexcept { return *store_; }
+  /// For the library's own parts: takes over what a loader has built.
+  explicit Dataset(std::unique_ptr<store::Store> built) noexcept;
+
+ private:
+  std::unique_ptr<store::Store> store_;
+};
+
+}  // namespace kiv

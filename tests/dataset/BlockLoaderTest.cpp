@@ -1,0 +1,162 @@
+#include <algorithm>
+#include <functional>
+#include <string>
+
+#include "BlockCopy.h"
+#include "Expect.h"
+#include "dataset/store/BlockLoader.h"
+
+namespace kiv {
+namespace {
+
+using namespace kiv::literals;
+using namespace kiv::store;
+
+const Schema& AllTypes() {
+  static const Schema schema({{"id", FieldType::AutoInc, kKey},
+                              {"scurt", FieldType::Int16},
+                              {"oras", FieldType::Text, 20},
+                              {"lat", FieldType::WideText},
+                              {"da", FieldType::Boolean},
+                              {"cod", FieldType::Guid},
+                              {"zi", FieldType::Date},
+                              {"obs", FieldType::Memo}});
+  return schema;
+}
+
+void ExpectSameRows(const DatasetView& left, const DatasetView& right) {
+  ASSERT_EQ(left.GetContents().rowCount, right.GetContents().rowCount);
+  EXPECT_EQ(left.GetContents().log.Count(), right.GetContents().log.Count());
+  for (std::uint32_t row = 0; row < left.GetContents().rowCount; ++row) {
+    ASSERT_EQ(left.GetContents().StateOf(row), right.GetContents().StateOf(row)) << row;
+    for (std::size_t field = 0; field < left.GetContents().columns.size(); ++field) {
+      if (left.GetContents().StateOf(row) < StoredState::Deleted) {
+        ASSERT_EQ(left.Get(RowId{row}, left.FieldAt(field)), right.Get(RowId{row}, right.FieldAt(field)));
+      }
+      if (left.GetContents().StateOf(row) == StoredState::Modified) {
+        ASSERT_EQ(left.Original(RowId{row}, left.FieldAt(field)), right.Original(RowId{row}, right.FieldAt(field)));
+      }
+    }
+  }
+}
+
+TEST(BlockLoader, TakesBackWhatContentsGive) {
+  Dataset source("sursa", AllTypes());
+  for (int i = 0; i < 9000; ++i) {
+    const RowId row =
+        source.Insert({{"scurt", i % 30'000}, {"oras", "o" + std::to_string(i % 50)}, {"da", i % 2 == 0}});
+    if (i % 5 == 0) {
+      source.Update(row, {{"lat", u"l\u0103t"}, {"cod", Guid{7, 8, 9, {1}}}, {"zi", DateTime(45000)}, {"obs", "lung"}});
+    }
+    if (i % 11 == 0) {
+      source.Delete(row);
+    }
+  }
+  Dataset copy(CopyByBlocks(source.GetContents()));
+  ExpectSameRows(source, copy);
+  EXPECT_EQ(copy.Find({-2}), RowId{1});
+  EXPECT_EQ(copy.GetInt64(copy.Insert({{"oras", "o1"}}), "id"), -9001);
+}
+
+/// A loader with one block of two rows, complete but for what a test breaks.
+class Broken {
+ public:
+  explicit Broken(std::uint32_t rows = 2) : loader_("stricat", AllTypes()) {
+    loader_.AddEntry(2, "Iasi");
+    loader_.BeginBlock(rows);
+    for (std::size_t field = 0; field < AllTypes().Fields().size(); ++field) {
+      std::ranges::fill(loader_.Values(field), std::byte{0});
+    }
+    std::ranges::fill(loader_.SecondValues(5), std::byte{0});
+    for (std::uint32_t row = 0; row < rows; ++row) {
+      loader_.Values(0)[row * 8U] = static_cast<std::byte>(row);
+      loader_.PutText(3, row, {});
+      SetNull(7, row);
+    }
+  }
+  void SetNull(std::size_t field, std::uint32_t row) { loader_.Nulls(field)[row / 8] |= std::byte(1U << (row % 8)); }
+  BlockLoader& operator*() { return loader_; }
+  BlockLoader* operator->() { return &loader_; }
+
+ private:
+  BlockLoader loader_;
+};
+
+TEST(BlockLoader, RefusesBlocksThatNoPostCouldHaveMade) {
+  const struct {
+    void (*spoil)(Broken&);
+    TextView message;
+  } kCases[] = {
+      {[](Broken& b) { b.SetNull(0, 1); }, "campul \"id\", randul 1: trebuie completat"},
+      {[](Broken& b) { b->Values(0)[8] = {}; }, "cheia 0 exista deja"},
+      {[](Broken& b) { b->Values(2)[4] = std::byte{1}; },
+       "campul \"oras\", randul 1: trimite la o valoare care nu exista"},
+      {[](Broken& b) { b->Values(6)[3] = std::byte{0x7F}; }, "campul \"zi\" nu poate tine 2130706432"},
+      {[](Broken& b) { b->Nulls(7)[0] = {}; }, "campul \"obs\", randul 0: trimite la o valoare care nu exista"},
+      {[](Broken& b) { b->States()[1] = std::byte{5}; }, "campul \"id\", randul 1: starea nu exista"},
+      {[](Broken& b) { b->States()[1] = std::byte{1}; },
+       "campul \"id\", randul 1: starea nu se potriveste cu jurnalul"},
+      {[](Broken& b) { b->AddEntry(2, "Iasi"); }, "campul \"oras\", randul 1: textul apare de doua ori in dictionar"},
+      {[](Broken& b) { b->AddEntry(2, Text(21, 'x')); }, "campul \"oras\" tine cel mult 20 octeti, nu 21"},
+      {[](Broken& b) { b->EndBlock(), b->BeginBlock(1); }, "un bloc are un numar nepermis de randuri"},
+  };
+  for (const auto& [spoil, message] : kCases) {
+    Broken broken;
+    ExpectError<Error>(
+        [&] {
+          spoil(broken);
+          broken->EndBlock();
+          broken->Finish();
+        },
+        "Dataset \"stricat\": " + Text(message));
+  }
+  Broken whole;
+  whole->EndBlock();
+  EXPECT_EQ(Dataset(whole->Finish()).RowCount(), 2U);
+}
+
+TEST(BlockLoader, RefusesLogsThatNoEditsCouldHaveLeft) {
+  using Old = BlockLoader::OldValue;
+  const Old small{1, {.bits = 3, .isNull = false}};
+  const struct {
+    TextView message;
+    std::function<void(BlockLoader&)> add;
+  } kCases[] = {
+      {"jurnalul are o inregistrare nepermisa", [](BlockLoader& l) { l.AddRecord(ChangeKind::Insert, 2, {}); }},
+      {"jurnalul are o inregistrare nepermisa", [](BlockLoader& l) { l.AddRecord(ChangeKind::Update, 0, {}); }},
+      {"jurnalul are o inregistrare nepermisa",
+       [&](BlockLoader& l) {
+         l.AddRecord(ChangeKind::Delete, 0, {&small, 1});
+       }},
+      {"campul \"id\", randul 0: modificarile randului nu urmeaza una din alta",
+       [&](BlockLoader& l) {
+         l.AddRecord(ChangeKind::Update, 0, {&small, 1});
+         l.AddRecord(ChangeKind::Insert, 0, {});
+       }},
+      {"campul \"id\", randul 0: modificarile randului nu urmeaza una din alta",
+       [](BlockLoader& l) { l.AddRecord(ChangeKind::Restore, 0, {}); }},
+      {"campul \"oras\", randul 0: trimite la o valoare care nu exista",
+       [](BlockLoader& l) {
+         const Old city{2, {.bits = 1, .isNull = false}};
+         l.AddRecord(ChangeKind::Update, 0, {&city, 1});
+       }},
+      {"jurnalul are campuri in alta ordine",
+       [&](BlockLoader& l) {
+         const Old twice[] = {small, small};
+         l.AddRecord(ChangeKind::Update, 0, twice);
+       }},
+      {"campul \"id\", randul 0: starea nu se potriveste cu jurnalul",
+       [&](BlockLoader& l) {
+         l.AddRecord(ChangeKind::Update, 0, {&small, 1});
+         l.Finish();
+       }},
+  };
+  for (const auto& [message, add] : kCases) {
+    Broken broken;
+    broken->EndBlock();
+    ExpectError<Error>([&] { add(*broken); }, "Dataset \"stricat\": " + Text(message));
+  }
+}
+
+}  // namespace
+}  // namespace kiv

@@ -31,7 +31,7 @@ function(kiv_setup_target target)
   endif()
 endfunction()
 
-# What every library of this build shares: its headers, as seen here and once installed, and what it stands on.
+# What every library of this build shares: its headers, as seen here and once installed, and what it is built on.
 function(kiv_setup_library target)
   kiv_setup_target(${target})
   target_include_directories(${target} PUBLIC
@@ -117,7 +117,7 @@ function(kiv_add_loader target)
   set_target_properties(${target} PROPERTIES OUTPUT_NAME KivToolsRePackLoader EXPORT_NAME KivToolsRePackLoader)
 endfunction()
 
-# A program of this build that stands on the static library and may see its inner headers.
+# A program of this build that links the static library and may see its inner headers.
 function(kiv_add_program target)
   add_executable(${target} ${ARGN})
   kiv_setup_target(${target})

@@ -5,7 +5,7 @@
 namespace kiv {
 namespace {
 
-/// A zero byte of a quoted input would end what() there and hide the reason behind it; it stands as a blank.
+/// A zero byte of a quoted input would end what() there and hide the reason after it; it becomes a blank.
 std::string WithoutZeros(std::string message) {
   std::ranges::replace(message, '\0', ' ');
   return message;
@@ -13,7 +13,7 @@ std::string WithoutZeros(std::string message) {
 
 }  // namespace
 
-// The destructors stand here, not in the header, so that each class has one vtable and one type identity in the whole
+// The destructors are here, not in the header, so that each class has one vtable and one type identity in the whole
 // process: a host can catch what the shared library throws.
 
 Error::Error(const std::string& message) : std::runtime_error(WithoutZeros(message)) {}

@@ -30,7 +30,7 @@ inline char* WriteGroupedBefore(char* end, std::uint64_t value) noexcept {
   for (; value >= 1000; value /= 1000, end -= 4) {
     put(static_cast<std::uint32_t>(value % 1000));
   }
-  // The group is written whole and begins where its first digit stands: no branch that depends on the length.
+  // The group is written whole and begins at its first digit: no branch that depends on the length.
   put(static_cast<std::uint32_t>(value));
   return end - 1 - (value >= 10 ? 1 : 0) - (value >= 100 ? 1 : 0);
 }

@@ -76,7 +76,7 @@ KIV_FOR_PROCESSOR std::size_t AsciiAhead(const unsigned char* in, std::size_t le
   return at;
 }
 
-/// The places of the bytes of a window that do not stand for themselves, in ascending order.
+/// The places of the bytes of a window that are not the same in both encodings, in ascending order.
 class Places {
  public:
   /// Adds the set bits of a block that starts at `start`.
@@ -100,7 +100,7 @@ class Places {
   std::size_t count_ = 0;
 };
 
-/// Copies what stands for itself, `from` to `to`; by whole blocks as long as the input has them.
+/// Copies what is the same in both encodings, `from` to `to`; by whole blocks as long as the input has them.
 KIV_FOR_PROCESSOR inline unsigned char* CopyRun(const unsigned char* in, std::size_t from, std::size_t to,
                                                 std::size_t length, unsigned char* out) {
   unsigned char* const end = out + (to - from);

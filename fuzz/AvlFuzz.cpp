@@ -23,7 +23,7 @@ int Check(kiv::TKivAVLIndex::NodeView node, std::int64_t low, std::int64_t high)
 
 }  // namespace
 
-/// The first byte tells the payload's size and the buffer mode, every pair behind it a key; its top bit spreads keys.
+/// The first byte tells the payload's size and the buffer mode, every pair after it a key; its top bit spreads keys.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   if (size == 0) {
     return 0;

@@ -7,7 +7,7 @@
 
 namespace kiv::platform {
 
-/// What the system answers about code pages and about itself. A test stands in a system whose answers are others.
+/// What the system answers about code pages and about itself. A test puts a system with other answers in its place.
 class CodePages {
  public:
   CodePages() = default;
@@ -21,7 +21,7 @@ class CodePages {
   [[nodiscard]] virtual WideText ToWide(TextView text, std::uint32_t codePage) const;
 
   /// UTF-16 in a code page, up to its first zero; nothing where the system knows no such code page or the result has
-  /// more than one byte beyond the number of units. Units that the code page lacks become "?" or a letter alike.
+  /// more than one byte beyond the number of units. Units that the code page lacks become "?" or a similar letter.
   [[nodiscard]] virtual Text FromWide(std::u16string_view wide, std::uint32_t codePage) const;
 
   /// The number of the code page of the system's narrow texts. Example: 65001 on today's Linux.

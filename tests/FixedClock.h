@@ -4,7 +4,7 @@
 
 namespace kiv {
 
-/// The library's clock while this object lives; it stands where the test puts it.
+/// The library's clock while this object lives; it shows what the test sets.
 class FixedClock : public platform::Clock {
  public:
   explicit FixedClock(DateTime now) : now_(now) {}

@@ -10,7 +10,7 @@ using namespace literals;
 constexpr std::array<TextView, 11> kWholes = {
     "", "UNU"_ro, "DOI"_ro, "TREI"_ro, "PATRU"_ro, "CINCI"_ro, "ŞASE"_ro, "ŞAPTE"_ro, "OPT"_ro, "NOUĂ"_ro, "ZECE"_ro,
 };
-/// 11 to 19; a unit's own spelling stands in for the empty ones.
+/// 11 to 19; a unit's own spelling takes the place of the empty ones.
 constexpr std::array<TextView, 9> kTeens = {
     "UNSPREZECE"_ro,   "", "TREISPREZECE"_ro, "", "CINCISPREZECE"_ro, "", "ŞAPTESPREZECE"_ro, "OPTSPREZECE"_ro,
     "NOUĂSPREZECE"_ro,

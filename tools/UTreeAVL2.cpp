@@ -431,7 +431,7 @@ std::uint32_t TKivAVLIndex::NewNode() {
   if (payloadSize_ >= 4) {
     Store(payload, std::uint32_t{0});
   } else {
-    std::memset(payload, 0, static_cast<std::size_t>(payloadSize_));  // what lies behind is not this node's
+    std::memset(payload, 0, static_cast<std::size_t>(payloadSize_));  // what lies after it is not this node's
   }
   return link;
 }
@@ -554,7 +554,7 @@ void TKivAVLIndex::Walk(const char* operation, const TKivAvlForEach& callback) c
   }
 }
 
-/// The nodes above the position just behind `key` in walking order that a walk has still to visit.
+/// The nodes above the position just after `key` in walking order that a walk has still to visit.
 template <std::int8_t firstSide>
 TKivAVLIndex::Path TKivAVLIndex::PathAhead(std::int32_t key) const noexcept {
   Path ahead(header_);

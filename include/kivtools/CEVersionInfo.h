@@ -20,7 +20,7 @@ struct VersionTexts;
 /// Finalize() releases them; Initialize() fills them anew. Example: `InfoStr[0]` is "CompanyName".
 extern KIV_API std::array<Text, 10> InfoStr;
 
-/// The fixed-information block of a version resource, as it stands in the file: 13 numbers. Each 64-bit version is two
+/// The fixed-information block of a version resource, as it is in the file: 13 numbers. Each 64-bit version is two
 /// of them, four parts of 16 bits, the first part uppermost.
 struct FixedFileInfo {
   std::uint32_t signature = 0;         ///< 0xFEEF04BD in a valid block

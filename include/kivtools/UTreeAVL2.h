@@ -26,7 +26,7 @@ using TKivAvlForEach = std::function<void(std::int32_t key, void* payload)>;
 
 /// A height-balanced search tree over 32-bit signed keys. Entries are only ever added; each carries `payloadSize` bytes
 /// that belong to the caller and stay at one address for the life of the index, whatever is added later. Payloads are
-/// packed behind 13 bytes of node, so they are aligned to nothing: read and write them with `memcpy`.
+/// packed after 13 bytes of node, so they are aligned to nothing: read and write them with `memcpy`.
 ///
 /// Memory: 13 + payloadSize bytes an entry on every target, taken in blocks; once something is looked up with `insert`
 /// false, up to 16 KiB more to remember where searches ended. Links between nodes are 32 bits wide, so

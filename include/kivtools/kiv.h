@@ -1,7 +1,7 @@
 /**
  * @file
  * The C interface: plain C11 functions over the library's operations, for hosts of any compiler or language. Its rules
- * stand in c/Base.h; each family has its header.
+ * are in c/Base.h; each family has its header.
  */
 #ifndef KIVTOOLS_KIV_H
 #define KIVTOOLS_KIV_H

@@ -20,7 +20,7 @@ class ArgumentError : public Error {
 };
 
 /// Turns the exception in flight into this thread's last error; returns the negated code. Only within a catch block.
-/// `operation` stands before the message of an ArgumentError, which knows its argument only.
+/// `operation` comes before the message of an ArgumentError, which knows its argument only.
 std::int32_t ReportCurrentException(const char* operation) noexcept;
 
 // The arguments of an operation, each checked under the name that it has there. To be used in the body that GiveText,
@@ -64,7 +64,7 @@ inline StringList ListArgument(const char* const* texts, const std::size_t* leng
   return list;
 }
 
-/// The object behind a pointer argument. Throws ArgumentError for null.
+/// The object that a pointer argument leads to. Throws ArgumentError for null.
 template <class Value>
 Value& PointerArgument(Value* value, const char* name) {
   if (value == nullptr) {

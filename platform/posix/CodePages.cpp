@@ -43,7 +43,7 @@ constexpr struct {
     {65001, "UTF-8"},
 };
 
-/// The numbers 0, 1 and 3 stand for the system's own narrow code page.
+/// The numbers 0, 1 and 3 mean the system's own narrow code page.
 std::uint32_t Resolved(std::uint32_t codePage) {
   return codePage == 0 || codePage == 1 || codePage == 3 ? code_pages_service.Current().AnsiCodePage() : codePage;
 }
@@ -114,7 +114,7 @@ std::string_view BytesOf(const Unit* units, std::size_t count) {
   return {reinterpret_cast<const char*>(units), count * sizeof(Unit)};
 }
 
-/// How many bytes of malformed UTF-8 one U+FFFD stands for: the lead byte with the continuation bytes that still fit.
+/// How many bytes of malformed UTF-8 one U+FFFD replaces: the lead byte with the continuation bytes that still fit.
 std::size_t MalformedUtf8Length(TextView text) {
   const auto byteAt = [text](std::size_t index) { return static_cast<unsigned char>(text[index]); };
   const auto continues = [&](std::size_t index) { return index < text.size() && (byteAt(index) & 0xC0U) == 0x80; };
@@ -128,7 +128,7 @@ std::size_t MalformedUtf8Length(TextView text) {
   return !pairIsWrong && lead >= 0xF0 && continues(2) ? 3 : 2;
 }
 
-/// What stands for the byte that does not convert. The gaps of the Windows code pages between 0x80 and 0x9F are
+/// What replaces the byte that does not convert. The gaps of the Windows code pages between 0x80 and 0x9F are
 /// control characters of the same number.
 char16_t UnitForBadByte(unsigned char byte, std::uint32_t codePage) {
   const bool isControl = ((codePage >= 1251 && codePage <= 1258) || codePage == 874) && byte >= 0x80 && byte <= 0x9F;
@@ -158,7 +158,7 @@ WideText Decode(TextView text, std::uint32_t codePage, const char* name) {
   return wide;
 }
 
-/// Writes what stands for a unit that does not convert: the reverse of UnitForBadByte, U+FFFD for half a surrogate
+/// Writes what replaces a unit that does not convert: the reverse of UnitForBadByte, U+FFFD for half a surrogate
 /// pair in UTF-8, else "?".
 Converter::Stop PutReplacement(Converter& converter, char16_t unit, std::uint32_t codePage) {
   if (unit >= 0x80 && unit <= 0x9F && UnitForBadByte(static_cast<unsigned char>(unit), codePage) == unit) {
@@ -201,7 +201,7 @@ Characters UpToFirstZero(Characters characters) {
   return characters;
 }
 
-/// The number behind a character set's name, for example 28592 for "ISO-8859-2"; 0 for a name of another form.
+/// The number in a character set's name, for example 28592 for "ISO-8859-2"; 0 for a name of another form.
 std::uint32_t NumberAfter(std::string_view prefix, std::string_view name, std::uint32_t base) {
   std::uint32_t number = 0;
   if (!name.starts_with(prefix)) {

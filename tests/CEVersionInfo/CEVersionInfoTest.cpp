@@ -138,7 +138,7 @@ TEST(VersionDamage, EveryCutFileIsReadWholeOrNotAtAll) {
       ASSERT_EQ(available, 0U) << length;
     }
   }
-  EXPECT_LT(available, 600U) << "only the padding behind the resource may be missing";
+  EXPECT_LT(available, 600U) << "only the padding after the resource may be missing";
 }
 
 TEST(VersionDamage, EveryWrongByteEndsWell) {

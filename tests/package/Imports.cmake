@@ -1,5 +1,5 @@
 cmake_policy(VERSION 3.25)
-# A program or library of this project stands on the system's own libraries and nothing else, so that a host can be given
+# A program or library of this project needs the system's own libraries and nothing else, so that a host can be given
 # the one file.
 execute_process(COMMAND ${OBJDUMP} -p ${BINARY} OUTPUT_VARIABLE headers COMMAND_ERROR_IS_FATAL ANY)
 string(REGEX MATCHALL "(DLL Name:|NEEDED) +[^\n]+" imports "${headers}")

@@ -12,7 +12,7 @@ namespace kiv::version {
 inline constexpr std::size_t kMostBytesRead = 65'536;
 inline constexpr std::size_t kMostBytesReadInVain = 4'096;
 
-/// The version resource of an executable file (32 or 64 bits wide, or a 16-bit one) as its bytes stand in the file,
+/// The version resource of an executable file (32 or 64 bits wide, or a 16-bit one) as its bytes are in the file,
 /// nothing where the file is no executable, has no such resource, or is damaged, however badly. Only the headers and
 /// the resource itself are read.
 ///

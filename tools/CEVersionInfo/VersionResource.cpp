@@ -40,7 +40,7 @@ auto VersionResource::BlockAt(std::size_t begin, std::size_t limit) const -> std
   }
   Block block;
   block.end = begin + NumberAt(begin);
-  // Some compilers count the padding behind a last block, others do not.
+  // Some compilers count the padding after a last block, others do not.
   if (block.end > limit && Aligned(limit) >= block.end) {
     block.end = limit;
   }
@@ -85,7 +85,7 @@ bool VersionResource::KeyIs(const Block& block, TextView key) const {
 template <class Visit>
 bool VersionResource::ForEachChild(const Block& parent, Visit visit) const {
   std::size_t at = Aligned(parent.valueEnd);
-  // A length of zero is padding behind the last block.
+  // A length of zero is padding after the last block.
   while (at + 2 <= parent.end && NumberAt(at) != 0) {
     const auto block = BlockAt(at, parent.end);
     if (!block) {

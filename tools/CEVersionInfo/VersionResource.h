@@ -21,7 +21,7 @@ class VersionResource {
   /// Example: "\VarFileInfo\Translation" gives four bytes for each language.
   [[nodiscard]] std::span<const std::uint8_t> Query(TextView path) const;
 
-  /// The text at a path, up to its first zero; empty where a key is missing. "?" stands for what Windows-1250 lacks;
+  /// The text at a path, up to its first zero; empty where a key is missing. what Windows-1250 lacks is "?";
   /// the bytes of 16-bit programs are taken as they are.
   [[nodiscard]] Text QueryText(TextView path) const;
 
@@ -29,7 +29,7 @@ class VersionResource {
   [[nodiscard]] Text FirstTableText(TextView key) const;
 
  private:
-  /// A block: a key, a value, and further blocks behind them. Positions count from the start of the resource, because
+  /// A block: a key, a value, and further blocks after them. Positions count from the start of the resource, because
   /// blocks are aligned to four bytes from there.
   struct Block {
     std::size_t keyBegin = 0, keyEnd = 0;

@@ -52,7 +52,7 @@ constexpr Characters MakeCharacters() {
     characters.runs[character] = run;
     characters.marks[character] = 0;
   };
-  accept(' ', MakeRun(0, 1));  // changes nothing wherever it stands
+  accept(' ', MakeRun(0, 1));  // changes nothing wherever it is
   for (std::size_t digit = 0; digit < 10; ++digit) {
     accept('0' + digit, MakeRun(digit, 10));
   }

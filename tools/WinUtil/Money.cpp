@@ -161,7 +161,7 @@ struct Reader {
   }
 };
 
-/// Reads the shape that this library and most programs write: a sign, groups of three digits behind dots or no dots at
+/// Reads the shape that this library and most programs write: a sign, groups of three digits after dots or no dots at
 /// all, a comma, a blank, up to four decimals. Nothing for any other text, which is then read character by character.
 std::optional<std::int64_t> ReadUsualShape(TextView text) {
   Reader reader = {text.data(), text.data() + text.size()};

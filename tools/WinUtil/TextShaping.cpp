@@ -9,7 +9,7 @@ namespace {
 
 constexpr TextView kBlanks = "\t\n\r ";
 
-/// The word at the front of `text`, which then starts behind it.
+/// The word at the front of `text`, which then starts after it.
 TextView TakeWord(TextView& text) {
   text.remove_prefix(std::min(text.find_first_not_of(kBlanks), text.size()));
   const TextView word = text.substr(0, text.find_first_of(kBlanks));

@@ -14,7 +14,7 @@ namespace kiv {
 extern KIV_API bool page_1250_ok;
 
 /// The code page that is used whenever 1250 is asked for: 1250 itself or, where it does not work, the system's ANSI
-/// code page. 0 until Initialize(); code page 1250 then stands for itself. Example: 1250 on every current system.
+/// code page. 0 until Initialize(), while code page 1250 is used as it is. Example: 1250 on every current system.
 extern KIV_API std::int32_t page_1250_replace;
 
 /// Converts a text in a numbered code page to UTF-16, up to the first zero in the result. The code page is a number of
@@ -25,7 +25,7 @@ extern KIV_API std::int32_t page_1250_replace;
 [[nodiscard]] KIV_API WideText StringToWideString(TextView text, std::int32_t codePage);
 
 /// Converts UTF-16 to a text in a numbered code page, up to the first zero in the result. Units that the code page
-/// lacks become a letter that looks alike or "?". The result has room for one byte for each unit and one byte more: in
+/// lacks become a similar letter or "?". The result has room for one byte for each unit and one byte more: in
 /// a multi-byte code page such as 65001 a text that needs more gives the empty Text. Empty also for an unknown code
 /// page; never throws for any input.
 ///

@@ -8,7 +8,7 @@
 
 namespace kiv {
 
-/// Writes an integer whose scale `kind` names; "." groups digits by three, "," stands before decimals without a blank.
+/// Writes an integer whose scale `kind` names; "." groups digits by three, "," comes before decimals without a blank.
 /// A negative value is "-" and the text of its magnitude. Pure, safe from any thread.
 ///
 /// | kind | value                                         | 12345678 gives |

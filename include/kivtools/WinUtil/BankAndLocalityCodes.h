@@ -7,7 +7,7 @@
 namespace kiv {
 
 /// Whether the account number's remainder modulo 97 is 1 (ISO 13616: the first four characters moved to the end,
-/// letters as 10 to 35). Blanks are skipped wherever they stand, lower case counts as upper case, and the first "IBAN"
+/// letters as 10 to 35). Blanks are skipped wherever they are, lower case counts as upper case, and the first "IBAN"
 /// in the text is passed over. Neither the length nor the country is looked at. Never throws, for any bytes; no memory
 /// is allocated; any thread may call it.
 ///
@@ -24,7 +24,7 @@ namespace kiv {
 ///     EsteIBAN("101")                              // false: begins with a digit
 [[nodiscard]] KIV_API bool EsteIBAN(TextView text) noexcept;
 
-/// The account number of a text that goes on with an analytic code: what stands before the first "-" or ".", trimmed.
+/// The account number of a text that goes on with an analytic code: the part before the first "-" or ".", trimmed.
 /// Without either, the whole text, trimmed.
 ///
 ///     ExtrageIBANdinIBANCuAnalitic("RO49AAAA1B31007593840000-01")   // "RO49AAAA1B31007593840000"

@@ -60,7 +60,7 @@ KIV_API void CalcDurataTotala(DateTime start, DateTime now, std::int32_t totalCo
 [[nodiscard]] KIV_API Text DateTimeToSmartStrimg(DateTime moment);
 
 /// Reads a smart date string. The date comes back exactly; of the times only those before 01:00:00 surely do, because
-/// the hours are the minutes since midnight divided by 69. What stands between the fields and behind them is not looked
+/// the hours are the minutes since midnight divided by 69. What is between the fields and after them is not looked
 /// at. Throws ConversionError where a field is not a number, and DateEncodingError for a date that the calendar lacks.
 ///
 ///     SmartStringToDateTime("2024:068:50829")   // 5 March 2024, 12:07:09

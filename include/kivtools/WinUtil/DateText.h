@@ -56,13 +56,13 @@ enum TCumScriuLuna : std::int32_t {
 [[nodiscard]] KIV_API Text NumeZiDinSaptamana(DateTime date);
 /// Time of day, the hour without a leading zero. Example: "14:07:09"; five past nine gives "9:05:00".
 [[nodiscard]] KIV_API Text TimeToStrRoFrumos(DateTime time);
-/// Time of day without its zero parts, minutes marked "m" where no hour stands before them.
+/// Time of day without its zero parts, minutes marked "m" where no hour comes before them.
 /// Example: "14h 7' 9''"; without the hour "7m 9''"; midnight gives "".
 [[nodiscard]] KIV_API Text TimeToStrRo(DateTime time);
 /// Time of day in words. Example: "Ora 14 07 minute 09 sec".
 [[nodiscard]] KIV_API Text TimeToStrRo2(DateTime time);
 
-/// Reads day, month and year between dots; blanks separate too, and double quotes may stand around an item. Surplus
+/// Reads day, month and year between dots; blanks separate too, and an item may be in double quotes. Surplus
 /// items are ignored. Throws ConversionError for a missing item or one that is no whole number, DateEncodingError for a
 /// date that the calendar lacks.
 ///

@@ -9,7 +9,7 @@
 namespace kiv {
 
 /// A grade, given times 100, in brackets and in upper-case words with diacritics. `mode` 1 writes the hundredths in
-/// words, 2 in figures, 3 in figures with "%" behind them; any other mode gives the empty Text. A ten never shows
+/// words, 2 in figures, 3 in figures with "%" after them; any other mode gives the empty Text. A ten never shows
 /// hundredths. Whole grades outside 1 to 10 have no word. Never throws; any thread may call it.
 ///
 /// The words differ from those of NotaToTextLung in 12, 14 and 16; hosts rely on both.

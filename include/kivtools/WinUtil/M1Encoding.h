@@ -7,7 +7,7 @@
 namespace kiv {
 
 /// Writes every byte of the text as four printable characters ("0" to "z"). Which of fifteen equivalent characters
-/// stands for a digit is random, so the same text does not give the same result twice. May be called from several
+/// encodes a digit is random, so the same text does not give the same result twice. May be called from several
 /// threads.
 ///
 ///     EncodeM1String("A")   // for example "bGi5": four times the length; DecodeM1String gives "A" back

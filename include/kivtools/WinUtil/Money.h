@@ -13,7 +13,7 @@
 namespace kiv {
 
 /// The amount with that many decimals, a comma and a blank before them. 0 decimals gives the whole part alone, 4 or
-/// more give four, a negative count gives none behind the comma. A negative amount keeps its "-" even if no digit shown
+/// more give four, a negative count gives none after the comma. A negative amount keeps its "-" even if no digit shown
 /// is other than zero. Never throws.
 ///
 ///     CurrencyToRoStr(1234567.89_lei, 2)   // "1.234.567, 89"
@@ -30,7 +30,7 @@ namespace kiv {
 ///     CurrencyToRoStrRON(12345678_lei, 2)   // "1.234, 5678"
 [[nodiscard]] KIV_API Text CurrencyToRoStrRON(Currency amount, std::int32_t decimals);
 
-/// Reads an amount. Blanks and dots are skipped wherever they stand, a "-" counts in the first position and is skipped
+/// Reads an amount. Blanks and dots are skipped wherever they are, a "-" counts in the first position and is skipped
 /// elsewhere, decimals past the fourth are cut, an empty text is 0. Throws Error with the text followed by
 /// " include doua virgule" or " nu este un numar", and ConversionError where the magnitude exceeds
 /// 922337203685477.5807.

@@ -18,8 +18,9 @@ namespace kiv {
 ///     InLitere(2345)   // "DOUAMIITREISUTEPATRUZECISICINCI"
 [[nodiscard]] KIV_API Text InLitere(std::int64_t value);
 
-/// A sum of money in words. Decimals past the bani are dropped, never rounded. Throws Error as the whole-number form
-/// does, for negative sums and from a billion lei up: no wrong sum is ever written.
+/// A sum of money in words. Decimals past the bani are dropped, never rounded, so that -0.0099 lei are "ZERO LEI".
+/// Throws Error as the whole-number form does, for sums of -0.01 lei and below and from a billion lei up: no wrong sum
+/// is ever written.
 ///
 ///     InLitere(1234.56_lei)   // "UNAMIEDOUASUTETREIZECISIPATRU LEI SI CINCIZECISISASE BANI"
 [[nodiscard]] KIV_API Text InLitere(Currency amount);

@@ -29,12 +29,12 @@ namespace kiv {
 ///     TextDinGhilimele("\"ab\"\"c\"")   // ab"c
 [[nodiscard]] KIV_API Text TextDinGhilimele(TextView text);
 
-/// The text with `fill` in front up to `length` characters; never shortened.
+/// The text with `fill` before it up to `length` characters; never shortened.
 ///
 ///     PadLeft("7", 3, '0')   // "007"
 [[nodiscard]] KIV_API Text PadLeft(TextView text, std::int32_t length, char fill);
 
-/// The text with `fill` behind up to `length` characters; never shortened. Example: `PadRight("7", 3, '.')` is "7..".
+/// The text with `fill` after it up to `length` characters; never shortened. Example: `PadRight("7", 3, '.')` is "7..".
 [[nodiscard]] KIV_API Text PadRight(TextView text, std::int32_t length, char fill);
 
 /// The text at exactly `width` characters. A shorter one is continued with `fill` (a blank if it is empty), a longer
@@ -46,7 +46,7 @@ namespace kiv {
 /// The decimal digits of the text, in order; everything else is dropped. Example: `StripDot("-1.5")` is "15".
 [[nodiscard]] KIV_API Text StripDot(TextView text);
 
-/// An amount as digits with exactly two decimals, cut and not rounded; "," and "." both stand before decimals and the
+/// An amount as digits with exactly two decimals, cut and not rounded; "," and "." both begin the decimals and the
 /// sign is dropped. Throws Error "\"...\" include mai multe puncte zecimale" for two or more of them.
 ///
 ///     StripDotExtract2CifreDupaVirgula("12,5")   // "1250"

@@ -26,7 +26,7 @@ namespace kiv {
 /// regard to the case of ASCII letters, and of several equal names the last one counts. A placeholder without a pair
 /// stays as it is; one that is still open at the end of the mask is dropped with its name. "%%" has the empty name.
 /// Values are not searched for placeholders. Throws Error, naming the name, where a placeholder matches a last name
-/// that has no value behind it.
+/// that has no value after it.
 ///
 ///     MaskReplace("Stimate %Nume%, suma: %SUMA% lei %x%", {"nume", "Ion", "suma", "12,50"})
 ///     // "Stimate Ion, suma: 12,50 lei %x%"

@@ -20,7 +20,7 @@ KIV_API KivAnswer KivValideazaIBAN(const char* account, size_t length);
 /** Whether the trimmed text begins with a letter and passes KivValideazaIBAN. Example: "101" gives 0. */
 KIV_API KivAnswer KivEsteIBAN(const char* text, size_t length);
 
-/** What stands before the first "-" or ".", trimmed. Example: "RO49AAAA1B31-01" gives "RO49AAAA1B31". */
+/** The part before the first "-" or ".", trimmed. Example: "RO49AAAA1B31-01" gives "RO49AAAA1B31". */
 KIV_API KivLength KivExtrageIBANdinIBANCuAnalitic(const char* text, size_t length, char* buffer, size_t capacity);
 
 /** The text without its first four characters that are not blanks. Example: "RO49 AAAA 1B31" gives "AAAA 1B31". */

@@ -2,7 +2,7 @@
  * @file
  * The rules of the C interface, its error report, and what every host needs first.
  *
- * Text is Windows-1250 bytes, as in the library; KivTextToUtf8 and KivUtf8ToText stand at the edge. Text arguments are
+ * Text is Windows-1250 bytes, as in the library; KivTextToUtf8 and KivUtf8ToText convert it. Text arguments are
  * a pointer and a length in bytes (KIV_ZERO_ENDED where the text ends at its first zero); a null pointer is accepted
  * with length 0 only.
  *
@@ -27,7 +27,7 @@
 extern "C" {
 #endif
 
-/** Stands for the length of a zero-terminated text. */
+/** In place of a length: the text ends at its first zero. */
 #define KIV_ZERO_ENDED ((size_t)-1)
 
 /** What can go wrong. Functions return these negated. */

@@ -21,9 +21,9 @@ KIV_API KivLength KivStringToWideString(const char* text, size_t length, int32_t
                                         size_t capacity);
 
 /**
- * UTF-16 as a text in a numbered code page, up to the first zero in the result; letters that it lacks become one alike
- * or "?". Empty for an unknown code page and where a multi-byte one needs more than one byte beyond the number of
- * units. Example: the units 0163 0061 in code page 1250 give the bytes FE 61.
+ * UTF-16 as a text in a numbered code page, up to the first zero in the result; letters that it lacks become a
+ * similar one or "?". Empty for an unknown code page and where a multi-byte one needs more than one byte beyond the
+ * number of units. Example: the units 0163 0061 in code page 1250 give the bytes FE 61.
  */
 KIV_API KivLength KivWideStringToString(const uint16_t* wide, size_t length, int32_t codePage, char* buffer,
                                         size_t capacity);
@@ -38,7 +38,7 @@ KIV_API KivLength KivUpCaseAsCodePage(const char* text, size_t length, int32_t c
 /** 1 when code page 1250 works on this machine, 0 also before KivInitialize. Example: 1. */
 KIV_API KivAnswer KivPage1250Ok(void);
 
-/** The code page used where 1250 is asked for; 0 before KivInitialize, when 1250 stands for itself. Example: 1250. */
+/** The code page used where 1250 is asked for; 0 before KivInitialize, while 1250 is used as it is. Example: 1250. */
 KIV_API int32_t KivPage1250Replace(void);
 
 #ifdef __cplusplus

@@ -12,7 +12,7 @@ extern "C" {
 #endif
 
 /**
- * A grade in brackets: mode 1 in words, 2 with the hundredths in figures, 3 the same with "%" behind them; any other
+ * A grade in brackets: mode 1 in words, 2 with the hundredths in figures, 3 the same with "%" after them; any other
  * mode gives the empty Text. Example: 950 in mode 2 gives "(NOUĂ, 50)".
  */
 KIV_API KivLength KivNotaToStr(int32_t grade, int32_t mode, char* buffer, size_t capacity);

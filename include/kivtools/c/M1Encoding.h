@@ -19,7 +19,7 @@ extern "C" {
 KIV_API KivLength KivEncodeM1String(const char* text, size_t length, char* buffer, size_t capacity);
 
 /**
- * The text behind M1 characters. Fails with KIV_ERROR_GENERAL if their number is not a multiple of four.
+ * The text that M1 characters encode. Fails with KIV_ERROR_GENERAL if their number is not a multiple of four.
  * Example: "0100" gives the byte 5.
  */
 KIV_API KivLength KivDecodeM1String(const char* encoded, size_t length, char* buffer, size_t capacity);

@@ -12,7 +12,7 @@ extern "C" {
 #endif
 
 /**
- * The amount with that many decimals (0 to 4; more give four, a negative count none behind the comma), cut and not
+ * The amount with that many decimals (0 to 4; more give four, a negative count none after the comma), cut and not
  * rounded, a comma and a blank before them. Example: 12345678900 and 2 give "1.234.567, 89".
  */
 KIV_API KivLength KivCurrencyToRoStr(int64_t tenThousandths, int32_t decimals, char* buffer, size_t capacity);

@@ -19,7 +19,8 @@ KIV_API KivLength KivInLitere(int64_t value, char* buffer, size_t capacity);
 
 /**
  * A sum of money, in ten-thousandths of a leu, in words; decimals past the bani are dropped. Fails with
- * KIV_ERROR_GENERAL for negative sums and from a billion lei up. Example: 15000 gives "UNU LEI SI CINCIZECI BANI".
+ * KIV_ERROR_GENERAL for sums of -0.01 lei and below and from a billion lei up; -0.0099 lei are still "ZERO LEI".
+ * Example: 15000 gives "UNU LEI SI CINCIZECI BANI".
  */
 KIV_API KivLength KivInLitereCurrency(int64_t tenThousandths, char* buffer, size_t capacity);
 

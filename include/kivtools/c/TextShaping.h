@@ -30,10 +30,10 @@ KIV_API KivLength KivQuoteText(const char* text, size_t length, char quote, char
 /** The text without its double quotes. Example: "ab""c" gives ab"c. */
 KIV_API KivLength KivTextDinGhilimele(const char* text, size_t length, char* buffer, size_t capacity);
 
-/** The text with fill in front up to width characters. Example: "7", 3, '0' gives "007". */
+/** The text with fill before it up to width characters. Example: "7", 3, '0' gives "007". */
 KIV_API KivLength KivPadLeft(const char* text, size_t length, int32_t width, char fill, char* buffer, size_t capacity);
 
-/** The text with fill behind up to width characters. Example: "7", 3, '.' gives "7..". */
+/** The text with fill after it up to width characters. Example: "7", 3, '.' gives "7..". */
 KIV_API KivLength KivPadRight(const char* text, size_t length, int32_t width, char fill, char* buffer, size_t capacity);
 
 /**

@@ -31,7 +31,7 @@ enum {
   KIV_VERSION_FIELDS = 14 /**< how many there are */
 };
 
-/** The fixed-information block of a version resource: 13 numbers as they stand in the file, the signature first. */
+/** The fixed-information block of a version resource: 13 numbers as they are in the file, the signature first. */
 typedef struct KivFixedFileInfo {
   uint32_t numbers[13];
 } KivFixedFileInfo;

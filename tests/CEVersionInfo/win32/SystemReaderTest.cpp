@@ -61,7 +61,7 @@ TEST(SystemReader, FindsNoResourceButThatNumberedOneEither) {
 
 TEST(SystemReader, AgreesOnFilesWithOneByteWrong) {
   // The system's reader crashes on some damaged files, so it is asked in child processes: one at a time answers file
-  // after file until it ends or dies, and the next one goes on behind the file that killed it.
+  // after file until it ends or dies, and the next one goes on after the file that killed it.
   const fs::path folder = fs::temp_directory_path() / "damaged";
   fs::create_directories(folder);
   std::ifstream original(fs::path(KIV_VERSION_FILES) / "complet_i686.dll", std::ios::binary);
@@ -101,7 +101,7 @@ TEST(SystemReader, AgreesOnFilesWithOneByteWrong) {
     while (std::getline(answers, line)) {
       const Answer mine = AskLibrary(folder / (std::to_string(next) + ".dll"));
       // Each may refuse what the other still reads; but the same text they read the same, up to where the library sees
-      // the block end that the text stands in.
+      // the block end that the text is in.
       if (mine[0] != kNone && line != "no answer" && line != kRefused) {
         std::istringstream mineTexts(Joined(mine));
         std::istringstream theirTexts(line);

@@ -1,7 +1,8 @@
 #include "kivtools/UPanelElastic.h"
 
 #include <algorithm>
-#include <limits>
+
+#include "core/Wrapping.h"
 
 namespace kiv {
 namespace {
@@ -11,10 +12,6 @@ constexpr std::int32_t kMargin = 4;
 
 // Window coordinates end at 32767, so a design width times a free width stays below 2^30 and wrapping is never seen on
 // a screen; a control tree in memory may be wider, and there the rule's 32-bit arithmetic must still be defined.
-constexpr std::int32_t Wrapped(std::int64_t value) {
-  return static_cast<std::int32_t>(static_cast<std::uint32_t>(value));
-}
-
 std::int32_t WrappedSum(std::int32_t one, std::int32_t other) {
   return Wrapped(std::int64_t{one} + other);
 }

@@ -10,6 +10,8 @@ std::int32_t Millimetres(std::int32_t pixels, std::int32_t pixelsPerInch) {
 
 }  // namespace
 
+Screen::Screen() : monitors_(1, Monitor{{0, 0, 1920, 1080}, {0, 0, 1920, 1040}}) {}
+
 std::int32_t Screen::Capability(Handle device, DeviceCapability capability) const {
   if (device != 0) {
     return 0;

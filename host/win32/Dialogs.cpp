@@ -43,7 +43,9 @@ UINT SystemButtons(DialogButtons buttons) {
 DialogAnswer Dialogs::Ask(DialogKind kind, TextView text, DialogButtons buttons) {
   const Appearance appearance = AppearanceOf(kind);
   const UINT flags = appearance.icon | SystemButtons(buttons) | MB_TASKMODAL;
-  switch (MessageBoxW(GetActiveWindow(), Wide(text).c_str(), appearance.title, flags)) {
+  const std::wstring wide = Wide(text);
+  const int pressed = MessageBoxW(GetActiveWindow(), wide.c_str(), appearance.title, flags);
+  switch (pressed) {
     case IDOK:
       return DialogAnswer::Ok;
     case IDCANCEL:
@@ -52,8 +54,6 @@ DialogAnswer Dialogs::Ask(DialogKind kind, TextView text, DialogButtons buttons)
       return DialogAnswer::Yes;
     case IDNO:
       return DialogAnswer::No;
-    case IDRETRY:
-      return DialogAnswer::Retry;
     default:
       platform::LastStatus().Throw("Nu pot arata dialogul \"" + Text(text) + "\"");
   }

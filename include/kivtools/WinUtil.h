@@ -8,6 +8,7 @@
 #include "kivtools/WinUtil/DateText.h"
 #include "kivtools/WinUtil/FiscalCode.h"
 #include "kivtools/WinUtil/Floppy.h"
+#include "kivtools/WinUtil/Forms.h"
 #include "kivtools/WinUtil/Grades.h"
 #include "kivtools/WinUtil/M1Encoding.h"
 #include "kivtools/WinUtil/Money.h"

@@ -32,6 +32,8 @@ class KIV_API Application : public host::Application {
 /// its left upper corner, 96 pixels per inch, a message font of -11.
 class KIV_API Screen : public host::Screen {
  public:
+  Screen();
+
   [[nodiscard]] std::vector<Monitor> Monitors() const override { return monitors_; }
   [[nodiscard]] Point MousePosition() const override { return mouse_; }
   [[nodiscard]] std::int32_t PixelsPerInch() const override { return pixelsPerInch_; }
@@ -45,7 +47,7 @@ class KIV_API Screen : public host::Screen {
   void SetMessageFontHeight(std::int32_t height) { messageFontHeight_ = height; }
 
  private:
-  std::vector<Monitor> monitors_{{{0, 0, 1920, 1080}, {0, 0, 1920, 1040}}};
+  std::vector<Monitor> monitors_;
   Point mouse_;
   std::int32_t pixelsPerInch_ = 96;
   std::int32_t messageFontHeight_ = -11;

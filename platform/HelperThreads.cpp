@@ -1,0 +1,7 @@
+#include "platform/HelperThreads.h"
+
+namespace kiv::platform {
+
+constinit Service<const HelperThreads> helper_threads(&SystemHelperThreads);
+
+}  // namespace kiv::platform

@@ -55,4 +55,24 @@ std::optional<RowId> Dataset::Find(std::span<const ValueView> key) const {
   return row == store::Contents::kNone ? std::nullopt : std::optional(static_cast<RowId>(row));
 }
 
+Snapshot Dataset::TakeSnapshot() {
+  return Snapshot(store_->CopyContents());
+}
+
+void Dataset::AddListener(DatasetListener& listener) {
+  store_->AddListener(listener);
+}
+void Dataset::RemoveListener(DatasetListener& listener) noexcept {
+  store_->RemoveListener(listener);
+}
+void Dataset::BeginUpdate() noexcept {
+  store_->BeginUpdate();
+}
+void Dataset::EndUpdate() noexcept {
+  store_->EndUpdate();
+}
+void Dataset::Compact() {
+  store_->Compact();
+}
+
 }  // namespace kiv

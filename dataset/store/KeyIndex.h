@@ -41,6 +41,13 @@ class KeyIndex {
   /// Makes the index anew from the first `rows` rows, or from nothing. Throws std::bad_alloc, and Error naming the key
   /// where two rows have the same; nothing has changed then.
   void Build(std::uint32_t rows);
+  /// Takes the entries of another index, whose rows and keys are now those of this one's contents.
+  void TakeOver(KeyIndex& other) noexcept {
+    index_ = std::move(other.index_);
+    seed_ = other.seed_;
+    isExact_ = other.isExact_;
+    isBroken_ = other.isBroken_;
+  }
   /// The error that a key exists already.
   [[noreturn]] void RefuseTwice(std::span<const Cell> key) const;
 

@@ -8,16 +8,11 @@
 
 #include "dataset/store/Block.h"
 #include "dataset/store/Cell.h"
+#include "kivtools/dataset/Row.h"
 
 namespace kiv::store {
 
-/// What a change record says.
-enum class ChangeKind : std::uint8_t {
-  Insert,   ///< the row is new
-  Update,   ///< values have changed; the record holds the old ones
-  Delete,   ///< the row is deleted, its values stay where they are
-  Restore,  ///< a deleted row is back with its original values; the record holds those it was deleted with
-};
+// A record of an Update or a Restore holds the old values; after a Delete the values stay where they are.
 
 /// The changes of the rows in the order in which they happened. A record is found by its position; each knows the one
 /// before it of the same row. Records lie in pieces of 64 KiB (the first grows from 1 KiB), which may be shared with a

@@ -1,19 +1,10 @@
 #include <algorithm>
-#include <limits>
 
 #include "core/Numbers.h"
 #include "dataset/store/Store.h"
 
 namespace kiv::store {
 namespace {
-
-/// Stands in the place of the next temporary number when there is none left.
-constexpr std::int64_t kNoTemporary = std::numeric_limits<std::int64_t>::min();
-
-/// What a temporary number may be at most once `value` is in use.
-constexpr std::int64_t BelowOf(std::int64_t value) noexcept {
-  return value == kNoTemporary ? kNoTemporary : value - 1;
-}
 
 constexpr std::uint8_t AsByte(StoredState state) noexcept {
   return static_cast<std::uint8_t>(state);
@@ -23,10 +14,15 @@ constexpr std::uint8_t AsByte(StoredState state) noexcept {
 
 // What is checked.
 
-void Store::BeginEdit() {
-  if (isLoading_) {
-    throw Error(contents_.owner + ": nu se modifica in timpul incarcarii");
+void Store::CheckMayEdit() const {
+  if (isLoading_ || isAsking_) {
+    throw Error(contents_.owner + (isLoading_ ? ": nu se modifica in timpul incarcarii"
+                                              : ": nu se modifica din cel care este anuntat de modificari"));
   }
+}
+
+void Store::BeginEdit() {
+  CheckMayEdit();
   keys_.Repair();
 }
 
@@ -131,9 +127,6 @@ void Store::MakeShadowRoom(std::uint32_t row) {
 }
 
 void Store::MakeRoomForUpdate(std::uint32_t row) {
-  for (Change& change : changes_) {
-    Intern(change.field, change.cell);
-  }
   payload_.clear();
   for (const Change& change : changes_) {
     Column& column = contents_.columns[change.field];
@@ -170,7 +163,7 @@ void Store::Record(std::uint32_t row, ChangeKind kind, std::uint16_t fieldCount,
 StoredState Store::StateByValues(std::uint32_t row) const noexcept {
   const std::uint32_t shadow = contents_.ShadowOf(row);
   if (shadow == Contents::kNone) {
-    return contents_.StateOf(row);
+    return StoredState::Unmodified;
   }
   for (std::size_t i = 0; i < contents_.columns.size(); ++i) {
     if (!AreEqual(contents_.columns[i].type, contents_.Read(row, i),
@@ -205,6 +198,7 @@ std::uint32_t Store::Insert(std::span<const FieldValue> values) {
     place = {keys_.TagOf(key_), key_};
     RefuseKeyOfAnother(place, row);
   }
+  AskListeners(ChangeKind::Insert, row);
   MakeRoomForInsert(row, place);
 
   for (std::size_t i = 0; i < proposed_.size(); ++i) {
@@ -221,6 +215,8 @@ std::uint32_t Store::Insert(std::span<const FieldValue> values) {
   if (keys_.Exists()) {
     keys_.Insert(place.tag, place.key, row);
   }
+  changes_.clear();
+  TellOf(ChangeKind::Insert, row);
   return row;
 }
 
@@ -229,7 +225,7 @@ std::int64_t Store::NumberAutoIncs() {
   for (const std::uint16_t field : autoIncs_) {
     Cell& cell = proposed_[field];
     if (!cell.isNull) {
-      next = std::min(next, BelowOf(static_cast<std::int64_t>(cell.bits)));
+      next = std::min(next, BelowOf(cell));
       continue;
     }
     if (next == kNoTemporary) {
@@ -241,8 +237,13 @@ std::int64_t Store::NumberAutoIncs() {
   return next;
 }
 
+std::int64_t Store::BelowOf(const Cell& given) noexcept {
+  const auto value = static_cast<std::int64_t>(given.bits);
+  return given.isNull ? -1 : value == kNoTemporary ? kNoTemporary : value - 1;
+}
+
 void Store::NoteTemporary(const Cell& given) noexcept {
-  contents_.nextTemporary = std::min(contents_.nextTemporary, BelowOf(static_cast<std::int64_t>(given.bits)));
+  contents_.nextTemporary = std::min(contents_.nextTemporary, BelowOf(given));
 }
 
 void Store::Update(std::uint32_t row, std::span<const FieldValue> values) {
@@ -252,10 +253,19 @@ void Store::Update(std::uint32_t row, std::span<const FieldValue> values) {
   if (changes_.empty()) {
     return;
   }
+  AskListeners(ChangeKind::Update, row);
+  for (Change& change : changes_) {
+    Intern(change.field, change.cell);
+  }
+  PostChanges(row, ChangeKind::Update);
+}
+
+void Store::PostChanges(std::uint32_t row, ChangeKind kind) {
   KeyPlace before;
   KeyPlace after;
-  const bool changesKey = ChangesKey();
-  if (changesKey) {
+  const bool isBack = kind == ChangeKind::Restore;
+  const bool placesKey = keys_.Exists() && (isBack || ChangesKey());
+  if (placesKey) {
     before = PlaceOfKey(row);
     key_.assign(keyBefore_.begin(), keyBefore_.end());
     for (const Change& change : changes_) {
@@ -278,23 +288,33 @@ void Store::Update(std::uint32_t row, std::span<const FieldValue> values) {
   if (needsShadow) {
     MakeShadow(row);
   }
-  if (changesKey) {
-    keys_.Erase(before.tag, row);
+  if (placesKey) {
+    if (!isBack) {
+      keys_.Erase(before.tag, row);
+    }
     keys_.Insert(after.tag, after.key, row);
   }
-  Record(row, ChangeKind::Update, static_cast<std::uint16_t>(changes_.size()), needsShadow ? Log::kMadeShadow : 0);
+  const bool isNew = contents_.StateOf(row) == StoredState::Inserted;
+  Record(row, kind, static_cast<std::uint16_t>(changes_.size()), needsShadow ? Log::kMadeShadow : 0);
   for (const Change& change : changes_) {
     contents_.columns[change.field].Store(row, change.cell);
     if (contents_.columns[change.field].type == FieldType::AutoInc) {
       NoteTemporary(change.cell);
     }
   }
-  SetState(row, StateByValues(row));
+  SetState(row, isNew ? StoredState::Inserted : StateByValues(row));
+  TellOf(kind, row);
 }
 
 void Store::Delete(std::uint32_t row) {
   BeginEdit();
   RequireRow(row);
+  changes_.clear();
+  AskListeners(ChangeKind::Delete, row);
+  DeletePresent(row);
+}
+
+void Store::DeletePresent(std::uint32_t row) {
   contents_.states.MakeWritable(row);
   contents_.heads.MakeWritable(row);
   contents_.log.MakeRoom(0);
@@ -306,6 +326,8 @@ void Store::Delete(std::uint32_t row) {
   payload_.clear();
   Record(row, ChangeKind::Delete, 0);
   SetState(row, isNew ? StoredState::Gone : StoredState::Deleted);
+  changes_.clear();
+  TellOf(ChangeKind::Delete, row);
 }
 
 }  // namespace kiv::store

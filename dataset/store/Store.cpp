@@ -28,6 +28,7 @@ Store::Store(TextView name, const Schema& schema)
   }
   proposed_.reserve(fields.size());
   changes_.reserve(fields.size());
+  changedFields_.reserve(fields.size());
   key_.reserve(keys_.Fields().size());
   keyBefore_.reserve(keys_.Fields().size());
   payload_.reserve(payload);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <limits>
 #include <memory>
 #include <span>
 #include <vector>
@@ -29,6 +30,25 @@ class Store {
   void Delete(std::uint32_t row);
   [[nodiscard]] std::uint32_t Find(std::span<const ValueView> key);
 
+  // The history: see ChangeLog.
+  Mark SetMark();
+  void RollbackTo(Mark mark);
+  bool UndoLast();
+  void RevertRow(std::uint32_t row);
+  void CancelChanges();
+  void AcceptChanges();
+  void Compact();
+  /// A copy that shares everything and stays as it is.
+  [[nodiscard]] std::shared_ptr<const Contents> CopyContents();
+
+  void AddListener(DatasetListener& listener) { listeners_.push_back(&listener); }
+  void RemoveListener(DatasetListener& listener) noexcept;
+  void BeginUpdate() noexcept { ++updateDepth_; }
+  void EndUpdate() noexcept;
+  /// The value that a field is about to get, for a Proposal.
+  [[nodiscard]] bool IsProposed(ChangeKind kind, std::size_t field) const noexcept;
+  [[nodiscard]] Cell Proposed(ChangeKind kind, std::uint32_t row, std::size_t field) const noexcept;
+
  private:
   friend class RowLoader;
   friend class BlockLoader;
@@ -44,6 +64,7 @@ class Store {
   };
 
   // Checks.
+  void CheckMayEdit() const;
   void BeginEdit();
   std::uint32_t RequireRow(std::uint32_t row) const;
   void ProposeDefaults();
@@ -53,6 +74,7 @@ class Store {
   void RefuseKeyOfAnother(const KeyPlace& place, std::uint32_t row) const;
   void CollectChanges(std::uint32_t row, std::span<const FieldValue> values);
   [[nodiscard]] bool ChangesKey() const noexcept;
+  void CollectOriginals(std::uint32_t row);
 
   // Room.
   void Intern(std::size_t field, Cell& cell);
@@ -63,14 +85,34 @@ class Store {
   void MakeRowWritable(std::uint32_t row);
   void MakeRoomForInsert(std::uint32_t row, const KeyPlace& place);
   void MakeRoomForUpdate(std::uint32_t row);
+  void MakeRoomForUndo(std::uint32_t records);
   void MakeShadowRoom(std::uint32_t row);
 
   // Writing.
   void SetState(std::uint32_t row, StoredState state) noexcept;
   void MakeShadow(std::uint32_t row) noexcept;
+  /// Stands in the place of the next temporary number when there is none left.
+  static constexpr std::int64_t kNoTemporary = std::numeric_limits<std::int64_t>::min();
+  /// What the next temporary number may be at most once the cell's is in use.
+  static std::int64_t BelowOf(const Cell& given) noexcept;
   void NoteTemporary(const Cell& given) noexcept;
   void Record(std::uint32_t row, ChangeKind kind, std::uint16_t fieldCount, std::uint8_t flags = 0) noexcept;
   [[nodiscard]] StoredState StateByValues(std::uint32_t row) const noexcept;
+  void DeletePresent(std::uint32_t row);
+  void PostChanges(std::uint32_t row, ChangeKind kind);
+  void PutOldValues(std::uint32_t record) noexcept;
+  void Undo() noexcept;
+  void UndoDownTo(std::uint32_t records);
+  void ForgetHistory() noexcept;
+
+  // Listeners.
+  void AskListeners(ChangeKind kind, std::uint32_t row);
+  void Tell(const ChangeNotice& notice) noexcept;
+  void TellOfAll() noexcept { Tell({}); }
+  void TellOf(ChangeKind kind, std::uint32_t row) noexcept;
+
+  // Compaction.
+  class Compactor;
 
   Contents contents_;
   KeyIndex keys_;
@@ -80,10 +122,26 @@ class Store {
   std::uint32_t appendEnd_ = 0;
   /// Rows beyond the last that a loader has put down and not yet handed over.
   std::uint32_t pendingRows_ = 0;
+  /// As appendEnd_, for the columns alone.
+  std::uint32_t loadEnd_ = 0;
   bool isLoading_ = false;
   std::vector<Cell> defaults_;
   std::vector<std::uint16_t> required_;
   std::vector<std::uint16_t> autoIncs_;
+
+  /// A point of the history: how many records there were.
+  struct MarkedPoint {
+    std::uint32_t serial;
+    std::uint32_t records;
+  };
+  std::vector<MarkedPoint> marks_;
+  std::uint32_t lastMark_ = 0;
+
+  std::vector<DatasetListener*> listeners_;
+  std::vector<std::uint16_t> changedFields_;
+  std::uint32_t updateDepth_ = 0;
+  bool hasUntoldChanges_ = false;
+  bool isAsking_ = false;
 
   // Reused from post to post, so that one allocates nothing for them.
   std::vector<Cell> proposed_;

@@ -12,6 +12,8 @@
 
 #include "kivtools/Export.h"
 #include "kivtools/Types.h"
+#include "kivtools/dataset/Changes.h"
+#include "kivtools/dataset/Row.h"
 #include "kivtools/dataset/Schema.h"
 #include "kivtools/dataset/Value.h"
 
@@ -22,18 +24,6 @@ struct Cell;
 struct Contents;
 class Store;
 }  // namespace store
-
-/// The number of a row: given once while the dataset lives in memory, except that Compact() and saving with loading
-/// number the rows anew. A bookmark that has to survive those holds the key.
-enum class RowId : std::uint32_t {};
-
-/// What has happened to a row since it was loaded or its changes were accepted.
-enum class RowState : std::uint8_t {
-  Unmodified,  ///< its values are the original ones, also after a change and back
-  Inserted,    ///< it had no original values
-  Modified,    ///< at least one value differs from the original
-  Deleted,     ///< kept with its original values until the deletion is accepted
-};
 
 /// A field of one dataset, looked up once by `Field(name)`. A dataset refuses a reference from another one; it may
 /// outlive its dataset, but not be used then.
@@ -194,6 +184,21 @@ class DatasetView {
   [[nodiscard]] store::Cell Read(RowId row, const FieldSelector& field, TypeSet types) const;
 };
 
+/// A dataset as it was at one moment. It shares memory with it, and what is edited later is copied first, 64 KiB at a
+/// time; so it is cheap to make, stays as it is, and may be read by other threads while the dataset goes on.
+///
+///     const Snapshot now = linii.TakeSnapshot();
+///     std::jthread([now] { Print(now); });
+class Snapshot : public DatasetView {
+ public:
+  /// For the library's own parts.
+  explicit Snapshot(std::shared_ptr<const store::Contents> contents) noexcept
+      : DatasetView(contents.get()), owned_(std::move(contents)) {}
+
+ private:
+  std::shared_ptr<const store::Contents> owned_;
+};
+
 /// Typed rows in memory. A dataset and what belongs to it is used from one thread at a time; different datasets are
 /// independent. An operation that throws has changed nothing.
 ///
@@ -238,6 +243,24 @@ class Dataset : public DatasetView {
   [[nodiscard]] KIV_API std::optional<RowId> Find(std::initializer_list<ValueView> key) const;
   /// The same from values collected at run time.
   [[nodiscard]] KIV_API std::optional<RowId> Find(std::span<const ValueView> key) const;
+
+  /// The history of its changes. Example: `linii.Changes().UndoLast()`.
+  [[nodiscard]] ChangeLog Changes() noexcept { return ChangeLog(*store_); }
+  /// The dataset as it is now, for readers that need it to stay so.
+  [[nodiscard]] KIV_API Snapshot TakeSnapshot();
+
+  /// Tells the listener of every change until it is removed; the dataset keeps the address.
+  KIV_API void AddListener(DatasetListener& listener);
+  /// Tells it no more. Unknown ones are ignored.
+  KIV_API void RemoveListener(DatasetListener& listener) noexcept;
+  /// From now on listeners are not told of single changes. Calls nest.
+  KIV_API void BeginUpdate() noexcept;
+  /// Ends what the matching BeginUpdate began; after the last one listeners are told once if anything has changed.
+  KIV_API void EndUpdate() noexcept;
+
+  /// Gives back the memory of rows that are gone and of texts that nobody uses, and numbers the rows anew in their
+  /// order. Marks stay; row numbers held anywhere are void.
+  KIV_API void Compact();
 
   /// For the library's own parts.
   [[nodiscard]] store::Store& GetStore() noexcept { return *store_; }

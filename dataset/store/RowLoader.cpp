@@ -1,0 +1,86 @@
+#include "dataset/store/RowLoader.h"
+
+#include <algorithm>
+
+#include "core/Numbers.h"
+
+namespace kiv::store {
+
+RowLoader::RowLoader(Store& store)
+    : store_(store), contents_(store.contents_), nextTemporary_(store.contents_.nextTemporary) {
+  store_.CheckMayEdit();
+  store_.isLoading_ = true;
+  store_.pendingRows_ = 0;
+  store_.loadEnd_ = 0;
+}
+
+RowLoader::~RowLoader() {
+  if (!isDone_) {
+    store_.isLoading_ = false;
+    store_.pendingRows_ = 0;
+  }
+}
+
+void RowLoader::MakeWritable(std::uint32_t row) {
+  if (row < store_.loadEnd_) {
+    return;
+  }
+  std::uint32_t end = kMostRows;
+  for (Column& column : contents_.columns) {
+    column.values.MakeWritable(row);
+    end = std::min(end, column.values.WritableEnd(row));
+    if (column.type == FieldType::Guid) {
+      column.more.MakeWritable(row);
+      end = std::min(end, column.more.WritableEnd(row));
+    }
+  }
+  store_.loadEnd_ = end;
+}
+
+void RowLoader::Add(std::span<const ValueView> values) {
+  CheckOpen();
+  const std::uint32_t row = contents_.rowCount + store_.pendingRows_;
+  if (values.size() != contents_.columns.size() || row >= kMostRows) {
+    Text message = contents_.owner + ": un rand are ";
+    AppendDecimal(message, contents_.columns.size());
+    message += " valori, nu ";
+    AppendDecimal(message, values.size());
+    throw Error(row >= kMostRows ? contents_.owner + ": nu mai incape niciun rand" : message);
+  }
+  MakeWritable(row);
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    const FieldDef& field = contents_.schemaData->fields[i];
+    Cell cell = MakeCell(field, values[i], contents_.owner);
+    if (cell.isNull && (Has(field.flags, kRequired) || Has(field.flags, kKey))) {
+      throw Error(contents_.owner + ": campul " + Quoted(field.name) + " trebuie completat");
+    }
+    store_.Intern(i, cell);
+    contents_.columns[i].nulls.MakeWritableFor(row, !cell.isNull);
+    contents_.columns[i].Store(row, cell);
+  }
+  for (const std::uint16_t field : store_.autoIncs_) {
+    nextTemporary_ = std::min(nextTemporary_, Store::BelowOf(contents_.columns[field].Load(row)));
+  }
+  ++store_.pendingRows_;
+}
+
+void RowLoader::CheckOpen() const {
+  if (isDone_) {
+    throw Error(contents_.owner + ": incarcarea s-a incheiat");
+  }
+}
+
+void RowLoader::Finish() {
+  CheckOpen();
+  const std::uint32_t rows = store_.pendingRows_;
+  store_.keys_.Build(contents_.rowCount + rows);
+  contents_.rowCount += rows;
+  contents_.counts[static_cast<std::size_t>(StoredState::Unmodified)] += rows;
+  contents_.nextTemporary = nextTemporary_;
+  store_.pendingRows_ = 0;
+  store_.isLoading_ = false;
+  isDone_ = true;
+  store_.TellOfAll();
+}
+
+}  // namespace kiv::store

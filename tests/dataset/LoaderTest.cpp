@@ -1,0 +1,60 @@
+#include <string>
+
+#include "Expect.h"
+#include "kivtools/dataset/Loader.h"
+
+namespace kiv {
+namespace {
+
+using namespace kiv::literals;
+
+Dataset Lines() {
+  return {"linii",
+          {{"id", FieldType::AutoInc, kKey}, {"nume", FieldType::Text, 10, kRequired}, {"v", FieldType::Int16}}};
+}
+
+TEST(Loader, AddsUnmodifiedRowsAllAtOnce) {
+  Dataset lines = Lines();
+  lines.Insert({{"id", -50}, {"nume", "primul"}});
+  {
+    Loader loader(lines);
+    for (int i = 0; i < 20'000; ++i) {
+      loader.Add({i, "n" + std::to_string(i % 300), i % 4 == 0 ? ValueView(Null{}) : ValueView(i % 100)});
+    }
+    EXPECT_EQ(lines.RowCount(), 1U);
+    ExpectError<Error>([&] { lines.Delete(RowId{0}); }, "Dataset \"linii\": nu se modifica in timpul incarcarii");
+    EXPECT_THROW(Loader second(lines), Error);
+    loader.Finish();
+  }
+  EXPECT_EQ(lines.RowCount(), 20'001U);
+  EXPECT_EQ(lines.Changes().Count(), 1U);
+  for (int i = 0; i < 20'000; ++i) {
+    const RowId row = lines.Find({i}).value();
+    ASSERT_EQ(lines.State(row), RowState::Unmodified);
+    ASSERT_EQ(lines.GetText(row, "nume"), "n" + std::to_string(i % 300));
+    ASSERT_EQ(lines.IsNull(row, "v"), i % 4 == 0);
+    ASSERT_EQ(lines.GetInt64(row, "v"), i % 4 == 0 ? 0 : i % 100);
+  }
+  EXPECT_EQ(lines.GetInt64(lines.Insert({{"nume", "nou"}}), "id"), -51);
+}
+
+TEST(Loader, WithoutItsEndNothingIsAdded) {
+  Dataset lines = Lines();
+  {
+    Loader loader(lines);
+    loader.Add({-7, "a", Null{}});
+    ExpectError<Error>([&] { loader.Add({2, Null{}, 1}); }, "Dataset \"linii\": campul \"nume\" trebuie completat");
+    ExpectError<Error>([&] { loader.Add({2, "a"}); }, "Dataset \"linii\": un rand are 3 valori, nu 2");
+    loader.Add({-7, "b", 5});
+    ExpectError<Error>([&] { loader.Finish(); }, "Dataset \"linii\": cheia -7 exista deja");
+  }
+  EXPECT_EQ(lines.RowCount(), 0U);
+  EXPECT_EQ(lines.Find({-7}), std::nullopt);
+  // What the loader left behind is not seen in the rows that take its place.
+  const RowId row = lines.Insert({{"nume", "c"}, {"v", 3}});
+  EXPECT_EQ(lines.GetInt64(row, "id"), -1);
+  EXPECT_EQ(lines.GetInt64(row, "v"), 3);
+}
+
+}  // namespace
+}  // namespace kiv

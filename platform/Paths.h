@@ -23,6 +23,13 @@ using NativeView = std::basic_string_view<std::filesystem::path::value_type>;
 /// U+4E2D as "?".
 Text ShownPath(NativeView path);
 
+/// What stands between the names of a path: "\\" on Windows, "/" elsewhere.
+inline constexpr char kPathSeparator = static_cast<char>(std::filesystem::path::preferred_separator);
+
+/// The path up to and with its last separator; empty where it has none. On Windows "/" separates as well, and a drive's
+/// ":" ends what is no name. Example: "C:\App\x.exe" gives "C:\App\" on Windows.
+TextView FolderWithSeparator(TextView path) noexcept;
+
 /// The system's temporary folder with its trailing separator. Throws OsError where the system names none.
 Text TemporaryFolder();
 

@@ -2,7 +2,6 @@
 #include "kivtools/WinUtil.h"
 
 #include "core/GlobalTexts.h"
-#include "platform/Paths.h"
 #include "tools/Units.h"
 
 namespace kiv {
@@ -22,10 +21,6 @@ std::array<Text, 12> NumeLuna = FilledTexts(kMonths);
 std::array<Text, 12> NumeLunaScurt = FilledTexts(kShortMonths);
 Text TempFilePath;
 std::function<void(const StringList&, const StringList&, Text&, Text&)> OnProcFaZipPentruDischeta;
-
-Text ReadWindowsTempPath() {
-  return platform::TemporaryFolder();
-}
 
 void units::WinUtil::StartUp() {
   TempFilePath = ReadWindowsTempPath();

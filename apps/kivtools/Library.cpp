@@ -67,7 +67,7 @@ void Library::Check(KivStatus status) const {
 }
 
 template <class Function, class... Arguments>
-std::string Library::Text(Function* function, Arguments... arguments) const {
+std::string Library::LibraryText(Function* function, Arguments... arguments) const {
   std::string text(256, '\0');
   for (;;) {
     const KivLength length = function(arguments..., text.data(), text.size());
@@ -77,9 +77,20 @@ std::string Library::Text(Function* function, Arguments... arguments) const {
     const bool whole = static_cast<std::size_t>(length) < text.size();
     text.resize(static_cast<std::size_t>(length) + (whole ? 0 : 1));
     if (whole) {
-      break;
+      return text;
     }
   }
+}
+
+template <class Function, class... Arguments>
+std::string Library::PathText(Function* function, Arguments... arguments) const {
+  std::string text = LibraryText(function, arguments...);
+  return LibraryPathsAreUtf8() ? text : ToUtf8(text);
+}
+
+template <class Function, class... Arguments>
+std::string Library::Text(Function* function, Arguments... arguments) const {
+  std::string text = LibraryText(function, arguments...);
   const bool ascii = std::all_of(text.begin(), text.end(), [](char byte) { return (byte & 0x80) == 0; });
   return ascii ? text : ToUtf8(text);
 }
@@ -182,6 +193,18 @@ std::int32_t Library::CompareVersions(std::string_view a, std::string_view b) co
   std::int32_t difference = 0;
   Check(KIVTOOLS_ENTRY(KivCompareNrVersiune)(left.data(), left.size(), right.data(), right.size(), &difference));
   return difference;
+}
+
+void Library::StartProgram(const std::filesystem::path& program, const std::string& parameters) const {
+  const std::string path = LibraryPath(program);
+  const std::string given = LibraryPath(PathFromUtf8(parameters));  // they may hold paths
+  std::uintptr_t process = 0;
+  Check(KIVTOOLS_ENTRY(KivStartProgram)(path.data(), path.size(), given.data(), given.size(), &process));
+}
+
+std::string Library::ConnectionStringForMdb(const std::filesystem::path& file) const {
+  const std::string path = LibraryPath(file);
+  return PathText(KIVTOOLS_ENTRY(KivConnectionStringForMdb), path.data(), path.size());
 }
 
 std::vector<Library::VersionField> Library::VersionFields(const std::filesystem::path& file) const {

@@ -86,6 +86,11 @@ class Library {
   /// The difference of two version numbers. Example: "1.10" and "1.9" give 1.
   [[nodiscard]] std::int32_t CompareVersions(std::string_view a, std::string_view b) const;
 
+  /// Starts a program with its parameters in one text.
+  void StartProgram(const std::filesystem::path& program, const std::string& parameters) const;
+  /// Writes the data source of an Access database and gives its connection string.
+  [[nodiscard]] std::string ConnectionStringForMdb(const std::filesystem::path& file) const;
+
   /// A text of a version resource by its name. Example: "FileVersion" and "5.12.0.341".
   struct VersionField {
     std::string name, value;
@@ -99,9 +104,15 @@ class Library {
   [[nodiscard]] std::string FromUtf8(std::string_view utf8) const;
   void Check(KivStatus status) const;
 
-  /// The text that a function of the C interface gives.
+  /// The text that a function of the C interface gives, as the library has it.
+  template <class Function, class... Arguments>
+  std::string LibraryText(Function* function, Arguments... arguments) const;
+  /// The same as UTF-8.
   template <class Function, class... Arguments>
   std::string Text(Function* function, Arguments... arguments) const;
+  /// The same for a text made of paths.
+  template <class Function, class... Arguments>
+  std::string PathText(Function* function, Arguments... arguments) const;
 
   kiv::LoadedPackage package_;
   // Called for every line of a file; the others are looked up when they are needed.

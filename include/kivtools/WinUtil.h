@@ -15,6 +15,7 @@
 #include "kivtools/WinUtil/NumbersInWords.h"
 #include "kivtools/WinUtil/Paths.h"
 #include "kivtools/WinUtil/PersonalNumericCode.h"
+#include "kivtools/WinUtil/Processes.h"
 #include "kivtools/WinUtil/Rounding.h"
 #include "kivtools/WinUtil/Strings.h"
 #include "kivtools/WinUtil/System.h"

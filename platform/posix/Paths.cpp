@@ -29,6 +29,10 @@ Text ShownPath(NativeView path) {
   return shown;
 }
 
+TextView FolderWithSeparator(TextView path) noexcept {
+  return path.substr(0, path.find_last_of("/") + 1);
+}
+
 Text TemporaryFolder() {
   const char* const named = std::getenv("TMPDIR");
   Text folder = named != nullptr && *named != '\0' ? named : "/tmp";

@@ -48,6 +48,10 @@ Text ShownPath(NativeView path) {
   return ShownText(path);
 }
 
+TextView FolderWithSeparator(TextView path) noexcept {
+  return path.substr(0, path.find_last_of("\\/:") + 1);
+}
+
 Text TemporaryFolder() {
   std::array<wchar_t, 2048> wide{};
   const DWORD length = GetTempPathW(static_cast<DWORD>(wide.size()), wide.data());

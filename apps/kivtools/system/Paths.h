@@ -14,4 +14,8 @@ std::string Utf8FromPath(const std::filesystem::path& path);
 /// the code page lacks a letter. Throws InputError, naming the path, where it has no such name.
 std::string LibraryPath(const std::filesystem::path& path);
 
+/// Whether a path that the library gives is to be shown as it is: on POSIX it is bytes, and those are UTF-8 for a
+/// reader; on Windows it is Windows-1250.
+bool LibraryPathsAreUtf8() noexcept;
+
 }  // namespace kivtools

@@ -14,4 +14,8 @@ std::string LibraryPath(const std::filesystem::path& path) {
   return path.native();
 }
 
+bool LibraryPathsAreUtf8() noexcept {
+  return true;
+}
+
 }  // namespace kivtools

@@ -59,4 +59,8 @@ std::string LibraryPath(const std::filesystem::path& path) {
   return text;
 }
 
+bool LibraryPathsAreUtf8() noexcept {
+  return false;
+}
+
 }  // namespace kivtools

@@ -1,0 +1,28 @@
+#include "apps/kivtools/Command.h"
+#include "apps/kivtools/system/Paths.h"
+
+namespace kivtools {
+namespace {
+
+constexpr std::string_view kDetails =
+    "Starts a program in its own folder and does not wait for it. PROGRAM is the path of its file; the folders of "
+    "PATH\n"
+    "are not searched. PARAMETERS is one argument with everything that the program gets; quote it as a whole. "
+    "Elsewhere\n"
+    "than on Windows it is split at blanks, and double quotes within it keep a parameter together.\n\n"
+    "Example:\n"
+    "  kivtools start /usr/bin/xdg-open '\"/home/ana/Raport anual.pdf\"'\n";
+
+int RunStart(Session& session, const Arguments& arguments) {
+  const std::string& program = arguments.Values().front();
+  session.Lib().StartProgram(PathFromUtf8(program), arguments.Values().size() > 1 ? arguments.Values()[1] : "");
+  return kDone;
+}
+
+constexpr Command kCommand = {
+    "start", "Start a program and do not wait for it", "PROGRAM [PARAMETERS]", 1, 2, {}, kDetails, RunStart};
+
+const Registration kRegistered(kCommand);
+
+}  // namespace
+}  // namespace kivtools

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "tools/Units.h"
+#include "core/Units.h"
 
 namespace kiv {
 namespace {

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <array>
 
+#include "core/Units.h"
 #include "package/OnceOnly.h"
 #include "package/StartOrder.h"
-#include "tools/Units.h"
 
 namespace kiv {
 namespace {

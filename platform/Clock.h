@@ -14,6 +14,10 @@ class Clock {
   [[nodiscard]] virtual DateTime Now() const = 0;
 };
 
+/// A date and time as a system's clock reads. A leap second, which both systems may call the minute's 61st, is shown as
+/// the second before it: DateTime has sixty.
+DateTime ClockReading(int year, int month, int day, int hour, int minute, int second, int millisecond);
+
 /// The system's clock in the system's time zone.
 const Clock& SystemClock() noexcept;
 

@@ -61,9 +61,4 @@ Text SystemText(std::int32_t code);
 /// the code. Example on POSIX: code 2 gives "<context>: No such file or directory".
 OsError SystemError(TextView context, std::int32_t code);
 
-/// The same for the calling thread's last system error, if `context` is there already.
-inline OsError LastSystemError(TextView context) {
-  return SystemError(context, LastStatus().Code());
-}
-
 }  // namespace kiv::platform

@@ -3,10 +3,10 @@
 #include <utility>
 
 #include "core/GlobalTexts.h"
+#include "core/Units.h"
 #include "platform/Paths.h"
 #include "platform/Program.h"
 #include "tools/CEVersionInfo/VersionTexts.h"
-#include "tools/Units.h"
 
 namespace kiv {
 namespace {

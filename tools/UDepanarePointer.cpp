@@ -9,9 +9,9 @@
 #include <set>
 #include <unordered_set>
 
+#include "core/Units.h"
 #include "kivtools/TrackedInstance.h"
 #include "kivtools/UTreeAVL2.h"
-#include "tools/Units.h"
 
 namespace kiv {
 namespace {

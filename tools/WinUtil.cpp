@@ -2,7 +2,7 @@
 #include "kivtools/WinUtil.h"
 
 #include "core/GlobalTexts.h"
-#include "tools/Units.h"
+#include "core/Units.h"
 
 namespace kiv {
 namespace {

@@ -1,6 +1,5 @@
 #include "platform/Clock.h"
 
-#include <algorithm>
 #include <ctime>
 
 namespace kiv::platform {
@@ -13,9 +12,8 @@ class LocalClock final : public Clock {
     clock_gettime(CLOCK_REALTIME, &now);
     tm local{};
     localtime_r(&now.tv_sec, &local);
-    // A leap second is shown as the one before it: DateTime has 60 seconds a minute.
-    return DateTime::Encode(local.tm_year + 1900, local.tm_mon + 1, local.tm_mday, local.tm_hour, local.tm_min,
-                            std::min(local.tm_sec, 59), static_cast<int>(now.tv_nsec / 1'000'000));
+    return ClockReading(local.tm_year + 1900, local.tm_mon + 1, local.tm_mday, local.tm_hour, local.tm_min,
+                        local.tm_sec, static_cast<int>(now.tv_nsec / 1'000'000));
   }
 };
 

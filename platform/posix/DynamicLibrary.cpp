@@ -1,6 +1,7 @@
 #include "platform/DynamicLibrary.h"
 
 #include <dlfcn.h>
+#include <unistd.h>
 
 #include <cerrno>
 
@@ -11,24 +12,31 @@ namespace kiv::platform {
 
 namespace {
 
-/// The error for a library that could not be loaded, in the words of the system's loader, which name the path. It gives
-/// no code: a file that it could read and did not take for a library leaves none behind.
-[[noreturn]] void ThrowLoaderError(std::int32_t code, const std::filesystem::path& path) {
-  const std::int32_t known = code != 0 ? code : ENOEXEC;
-  const char* const reason = dlerror();
-  if (reason == nullptr) {
-    SystemStatus(known).Throw("LoadedPackage", path);
+/// Why a library could not be loaded: the system's loader has no code for it. A file that can be read and was not taken
+/// is no library; a name without a folder was not found where libraries are.
+std::int32_t CodeOfFailure(const std::filesystem::path& path) {
+  if (!path.has_parent_path()) {
+    return ENOENT;
   }
-  throw OsError(known, "LoadedPackage: " + ShownPath(reason));
+  return access(path.c_str(), R_OK) == 0 ? ENOEXEC : errno;
+}
+
+/// The error in the words of the system's loader, which name the path.
+[[noreturn]] void ThrowLoaderError(const std::filesystem::path& path) {
+  const char* const reason = dlerror();
+  const SystemStatus failure(CodeOfFailure(path));
+  if (reason == nullptr) {
+    failure.Throw("LoadedPackage", path);
+  }
+  throw OsError(failure.Code(), "LoadedPackage: " + ShownPath(reason));
 }
 
 }  // namespace
 
 DynamicLibrary::DynamicLibrary(const std::filesystem::path& path) {
-  errno = 0;
   handle_ = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
   if (handle_ == nullptr) {
-    ThrowLoaderError(errno, path);
+    ThrowLoaderError(path);
   }
 }
 

@@ -10,7 +10,7 @@ class LocalClock final : public Clock {
   [[nodiscard]] DateTime Now() const override {
     SYSTEMTIME now{};
     GetLocalTime(&now);
-    return DateTime::Encode(now.wYear, now.wMonth, now.wDay, now.wHour, now.wMinute, now.wSecond, now.wMilliseconds);
+    return ClockReading(now.wYear, now.wMonth, now.wDay, now.wHour, now.wMinute, now.wSecond, now.wMilliseconds);
   }
 };
 

@@ -2,11 +2,11 @@
 
 #include <array>
 
+#include "core/Units.h"
 #include "core/Windows1250BestFit.h"
 #include "kivtools/WideTools.h"
 #include "kivtools/c/CodePages.h"
 #include "platform/CodePages.h"
-#include "tools/Units.h"
 
 namespace kiv {
 namespace {

@@ -31,17 +31,28 @@ TEST(LoadedPackage, TheLoadedLibraryKnowsItsModule) {
   EXPECT_NE(module.handle, test::ModuleOf(reinterpret_cast<const void*>(&test::ModuleOf))) << "not this program";
 }
 
-TEST(LoadedPackage, SaysWhichFileItCannotLoad) {
+TEST(LoadedPackage, SaysWhichFileItCannotLoadAndWhy) {
   const std::filesystem::path folder = std::filesystem::temp_directory_path() / "kivtools-loader-test";
   std::filesystem::create_directories(folder);
   const std::filesystem::path notALibrary = folder / "text.dll";
   std::ofstream(notALibrary) << "no library";
-  for (const std::filesystem::path& path : {folder / "missing.dll", notALibrary}) {
+  constexpr bool kPosix = std::filesystem::path::preferred_separator == '/';
+  const struct {
+    std::filesystem::path path;
+    Text shown;
+    std::int32_t code;
+  } rows[] = {
+      {folder / u"lipsă 中.dll", FromUtf8("lipsă ?.dll"), kPosix ? 2 : 126},
+      {notALibrary, "text.dll", kPosix ? 8 : 193},
+  };
+  for (const auto& [path, shown, code] : rows) {
     try {
       const LoadedPackage package = LoadedPackage::FromNativePath(path);
-      ADD_FAILURE() << path;
+      ADD_FAILURE() << shown;
     } catch (const OsError& error) {
-      EXPECT_NE(TextView(error.what()).find(path.filename().string()), TextView::npos) << error.what();
+      EXPECT_EQ(error.Code(), code) << error.what();
+      EXPECT_NE(TextView(error.what()).find(shown), TextView::npos) << error.what();
+      EXPECT_EQ(TextView(error.what()).substr(0, 15), "LoadedPackage: ");
     }
   }
   std::filesystem::remove_all(folder);

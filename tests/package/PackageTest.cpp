@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "Expect.h"
+#include "core/Units.h"
 #include "kivtools/CEVersionInfo.h"
 #include "kivtools/DatasetLib.h"
 #include "kivtools/Package.h"
@@ -9,7 +10,6 @@
 #include "kivtools/WinUtil.h"
 #include "package/OnceOnly.h"
 #include "package/StartOrder.h"
-#include "tools/Units.h"
 
 namespace kiv {
 namespace {

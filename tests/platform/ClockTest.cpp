@@ -23,6 +23,13 @@ TEST(Clock, SystemClockTellsLocalTime) {
   EXPECT_LE(now, LocalTime(std::time(nullptr) + 2));
 }
 
+TEST(Clock, LeapSecondIsShownAsTheOneBefore) {
+  for (const int second : {0, 58, 59, 60}) {
+    EXPECT_EQ(platform::ClockReading(2016, 12, 31, 23, 59, second, 500),
+              DateTime::Encode(2016, 12, 31, 23, 59, second == 60 ? 59 : second, 500));
+  }
+}
+
 TEST(Clock, AnotherClockIsInUseWhileItLives) {
   EXPECT_EQ(&platform::clock_service.Current(), &platform::SystemClock());
   {

@@ -4,10 +4,10 @@
 #include <map>
 
 #include "Expect.h"
-#include "FailingCalls.h"
-#include "TestFolder.h"
+#include "platform/FailingCalls.h"
 #include "platform/Files.h"
 #include "platform/FolderEntries.h"
+#include "platform/TestFolder.h"
 
 namespace kiv::platform {
 namespace {

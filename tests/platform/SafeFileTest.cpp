@@ -2,9 +2,9 @@
 
 #include <cstdlib>
 
-#include "FailingCalls.h"
-#include "TestFolder.h"
+#include "platform/FailingCalls.h"
 #include "platform/SafeFile.h"
+#include "platform/TestFolder.h"
 
 namespace kiv::platform {
 namespace {

@@ -2,8 +2,8 @@
 
 #include <atomic>
 
+#include "core/Units.h"
 #include "platform/CodePages.h"
-#include "tools/Units.h"
 
 namespace kiv {
 

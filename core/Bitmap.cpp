@@ -40,7 +40,8 @@ Bitmap BitmapMaker::WithoutMemory(std::int32_t width, std::int32_t height, Pixel
   if (width < 0 || height < 0) {
     RefuseSize(width, height);
   }
-  const std::uint64_t stride = StrideOf(static_cast<std::uint64_t>(width), format);
+  // Without rows there is nothing from one to the next, however wide.
+  const std::uint64_t stride = height == 0 ? 0 : StrideOf(static_cast<std::uint64_t>(width), format);
   if (stride > kMostBytes || (height > 0 && stride > kMostBytes / static_cast<std::uint64_t>(height))) {
     RefuseSize(width, height);
   }

@@ -61,7 +61,7 @@ struct Layout {
   std::uint64_t pixels = 0;    ///< where the first row begins
   std::uint64_t rowBytes = 0;  ///< of a row in the file, with what fills it up
   bool sixBitGreen = false;    ///< of pixels of 16 bits
-  std::array<std::uint8_t, 3 * 256> palette{};
+  std::array<std::uint8_t, std::size_t{3} * 256> palette{};
 };
 
 class HeaderReader {
@@ -164,7 +164,7 @@ class HeaderReader {
     const std::size_t entry = header_ == kOldHeader ? 3 : 4;
     const std::uint32_t most = 1U << layout_.bits;
     const std::uint32_t count = coloursUsed_ == 0 ? most : std::min(coloursUsed_, most);
-    std::array<std::uint8_t, 4 * 256> entries{};
+    std::array<std::uint8_t, std::size_t{4} * 256> entries{};
     const std::size_t got = source_(kFileHeader + header_, std::span(entries).first(entry * count));
     for (std::size_t i = 0; i < got / entry; ++i) {
       std::copy_n(&entries[entry * i], 3, &layout_.palette[3 * i]);

@@ -47,8 +47,9 @@ class Way {
 /// The bytes between a row's last pixel and the next row are zero, in files too.
 void ClearRowEnds(Bitmap& bitmap) {
   const auto pixels = 3 * static_cast<std::size_t>(bitmap.Width());
-  for (std::int32_t y = 0; y < bitmap.Height(); ++y) {
-    std::memset(bitmap.ScanLine(y) + pixels, 0, static_cast<std::size_t>(bitmap.Stride()) - pixels);
+  const std::size_t rest = static_cast<std::size_t>(bitmap.Stride()) - pixels;
+  for (std::int32_t y = 0; rest > 0 && y < bitmap.Height(); ++y) {
+    std::memset(bitmap.ScanLine(y) + pixels, 0, rest);
   }
 }
 

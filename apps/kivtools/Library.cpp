@@ -207,6 +207,52 @@ std::string Library::ConnectionStringForMdb(const std::filesystem::path& file) c
   return PathText(KIVTOOLS_ENTRY(KivConnectionStringForMdb), path.data(), path.size());
 }
 
+std::uint32_t Library::Tint(const std::string& operation, std::uint32_t colour) const {
+  std::uint32_t tint = 0;
+  Check(package_.Function<decltype(KivLite)>(("Kiv" + operation).c_str())(colour, &tint));
+  return tint;
+}
+
+void Library::Fill(Picture& picture, Filling filling, std::uint32_t from, std::uint32_t to) const {
+  const auto fill = [&](auto* function, Picture& filled) {
+    Check(function(filled.pixels.data(), std::ptrdiff_t{3} * filled.width, filled.width, filled.height, from, to));
+  };
+  if (filling == Filling::Horizontal) {
+    fill(KIVTOOLS_ENTRY(KivGenerateHorizFountainFill), picture);
+  } else if (filling == Filling::Vertical) {
+    fill(KIVTOOLS_ENTRY(KivGenerateVertFountainFill), picture);
+  } else {
+    // The last row and the last column of what is painted are left out there.
+    Picture larger = BlackPicture(picture.width + 1, picture.height + 1);
+    fill(KIVTOOLS_ENTRY(KivGenerateGradientFillBitmap), larger);
+    const std::size_t row = std::size_t{3} * static_cast<std::uint32_t>(picture.width);
+    for (std::size_t y = 0; y < static_cast<std::size_t>(picture.height); ++y) {
+      std::copy_n(&larger.pixels[y * (row + 3)], row, &picture.pixels[y * row]);
+    }
+  }
+}
+
+void Library::SavePicture(const Picture& picture, const std::filesystem::path& file) const {
+  const std::string path = LibraryPath(file);
+  Check(KIVTOOLS_ENTRY(KivSaveBitmap)(picture.pixels.data(), std::ptrdiff_t{3} * picture.width, picture.width,
+                                      picture.height, path.data(), path.size()));
+}
+
+void Library::BlurFile(const std::filesystem::path& in, const std::filesystem::path& out, std::int32_t level) const {
+  const std::string from = LibraryPath(in);
+  const std::string to = LibraryPath(out);
+  KivBitmap* opened = nullptr;
+  Check(KIVTOOLS_ENTRY(KivOpenBitmap)(from.data(), from.size(), &opened));
+  const std::unique_ptr<KivBitmap, decltype(KivCloseBitmap)*> bitmap(opened, KIVTOOLS_ENTRY(KivCloseBitmap));
+  std::uint8_t* pixels = nullptr;
+  std::ptrdiff_t stride = 0;
+  std::int32_t width = 0;
+  std::int32_t height = 0;
+  Check(KIVTOOLS_ENTRY(KivBitmapPixels)(bitmap.get(), &pixels, &stride, &width, &height));
+  Check(KIVTOOLS_ENTRY(KivAntiAliasBmp)(pixels, stride, width, height, level));
+  Check(KIVTOOLS_ENTRY(KivSaveBitmap)(pixels, stride, width, height, to.data(), to.size()));
+}
+
 std::vector<Library::VersionField> Library::VersionFields(const std::filesystem::path& file) const {
   const std::string path = LibraryPath(file);
   const std::unique_ptr<KivStringList, decltype(KivStringListFree)*> list(KIVTOOLS_ENTRY(KivStringListNew)(),

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "apps/kivtools/InputError.h"
+#include "apps/kivtools/Pictures.h"
 #include "kivtools/Loader.h"
 #include "kivtools/kiv.h"
 
@@ -18,6 +19,9 @@ class LibraryError : public InputError {
  public:
   using InputError::InputError;
 };
+
+/// How a picture goes from one colour to another.
+enum class Filling : std::uint8_t { Horizontal, Vertical, Dithered };
 
 /// The shared library, loaded at run time and called through its C interface. Texts are UTF-8 here, with comma-below
 /// letters; amounts are ten-thousandths. Every operation throws LibraryError where the library refuses its input.
@@ -90,6 +94,14 @@ class Library {
   void StartProgram(const std::filesystem::path& program, const std::string& parameters) const;
   /// Writes the data source of an Access database and gives its connection string.
   [[nodiscard]] std::string ConnectionStringForMdb(const std::filesystem::path& file) const;
+  /// What the operation of that name makes of a colour. Example: "Lite".
+  [[nodiscard]] std::uint32_t Tint(const std::string& operation, std::uint32_t colour) const;
+  /// Fills a picture with the way from one colour to another.
+  void Fill(Picture& picture, Filling filling, std::uint32_t from, std::uint32_t to) const;
+  /// Writes a .bmp file.
+  void SavePicture(const Picture& picture, const std::filesystem::path& file) const;
+  /// Reads a .bmp file, softens it by 2 or 3 and writes it.
+  void BlurFile(const std::filesystem::path& in, const std::filesystem::path& out, std::int32_t level) const;
 
   /// A text of a version resource by its name. Example: "FileVersion" and "5.12.0.341".
   struct VersionField {

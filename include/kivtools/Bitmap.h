@@ -47,7 +47,8 @@ class KIV_API Bitmap {
   [[nodiscard]] std::int32_t Height() const noexcept { return height_; }
   /// How the pixels lie in memory. Example: `Bitmap().Format() == PixelFormat::Rgb24`.
   [[nodiscard]] PixelFormat Format() const noexcept { return format_; }
-  /// Bytes from a row to the next: those of its pixels, rounded up to a multiple of four. Example: 8 for a width of 2.
+  /// Bytes from a row to the next: those of its pixels, rounded up to a multiple of four; 0 without rows.
+  /// Example: 8 for a width of 2.
   [[nodiscard]] std::ptrdiff_t Stride() const noexcept { return stride_; }
 
   /// Changes the size. What lies within both sizes keeps its pixels, the rest is black. Throws as the constructor does;
@@ -102,5 +103,15 @@ class KIV_API Bitmap {
   std::ptrdiff_t stride_ = 0;
   std::unique_ptr<std::uint8_t[], Freeing> pixels_;
 };
+
+/// A copy of the picture as a bitmap of Windows (an HBITMAP of its own rows, 24 or 32 bits a pixel), for the caller to
+/// delete with DeleteObject. Throws OsError where Windows does not give it, for an empty picture too; on other systems
+/// Error. Example: `SelectObject(context, reinterpret_cast<HBITMAP>(ToSystemBitmap(bitmap)))`.
+[[nodiscard]] KIV_API Handle ToSystemBitmap(const Bitmap& bitmap);
+
+/// A copy of a bitmap of Windows, which must not be selected into a device context: PixelFormat::Rgb32 for one of 32
+/// bits a pixel, PixelFormat::Rgb24 for all others. Throws OsError for what is no bitmap; on other systems Error.
+/// Example: `FromSystemBitmap(ToSystemBitmap(bitmap)) == bitmap`.
+[[nodiscard]] KIV_API Bitmap FromSystemBitmap(Handle handle);
 
 }  // namespace kiv

@@ -31,6 +31,12 @@ Colour PlainColour(Colour from, Colour to, std::int32_t at, std::int32_t length)
   return colour;
 }
 
+/// Where a channel of a pixel lies, of rows without anything between them.
+std::size_t Place(std::int32_t width, std::int32_t x, std::int32_t y, std::int32_t channel = 0) {
+  return 3 * (static_cast<std::size_t>(y) * static_cast<std::size_t>(width) + static_cast<std::size_t>(x)) +
+         static_cast<std::size_t>(channel);
+}
+
 /// The blur by the plain rule: every sample asked whether it lies within the picture.
 Bytes PlainBlur(const Bytes& source, std::int32_t width, std::int32_t height, std::int32_t level) {
   Bytes result(source.size());
@@ -48,13 +54,12 @@ Bytes PlainBlur(const Bytes& source, std::int32_t width, std::int32_t height, st
           const std::int32_t weight = dx != 0 || dy != 0 ? 1 : level >= 3 ? 12 : 5;
           weights += weight;
           for (std::int32_t channel = 0; channel < 3; ++channel) {
-            sums[channel] += weight * source[static_cast<std::size_t>(3 * ((y + dy) * width + x + dx) + channel)];
+            sums[channel] += weight * source[Place(width, x + dx, y + dy, channel)];
           }
         }
       }
       for (std::int32_t channel = 0; channel < 3; ++channel) {
-        result[static_cast<std::size_t>(3 * (y * width + x) + channel)] =
-            static_cast<std::uint8_t>(sums[channel] / weights);
+        result[Place(width, x, y, channel)] = static_cast<std::uint8_t>(sums[channel] / weights);
       }
     }
   }
@@ -85,8 +90,7 @@ class AntiAlias : public testing::TestWithParam<const bmp::BlurKernels*> {
   }
 
   void Check(std::int32_t width, std::int32_t height) {
-    const Bytes source =
-        RandomBytes(static_cast<std::size_t>(3 * width * height), static_cast<unsigned>(width ^ height));
+    const Bytes source = RandomBytes(Place(width, 0, height), static_cast<unsigned>(width ^ height));
     for (const std::int32_t level : {2, 3}) {
       Bytes blurred = source;  // ends where its memory ends, so that the sanitizers see what goes past it
       bmp::Blur(RasterOver(blurred, width, height), level, *GetParam());
@@ -115,23 +119,24 @@ TEST_P(AntiAlias, GivesWhatThePlainRuleGivesOnLargePictures) {
 TEST_P(AntiAlias, WritesNothingBetweenRowsAndTakesThemUpsideDown) {
   constexpr std::int32_t kWidth = 37;
   constexpr std::int32_t kHeight = 5;
-  constexpr std::size_t kStride = 3 * kWidth + 9;
-  const Bytes picture = RandomBytes(3 * kWidth * kHeight, 7);
+  constexpr std::ptrdiff_t kRow = std::ptrdiff_t{3} * kWidth;
+  constexpr std::ptrdiff_t kStride = kRow + 9;
+  const Bytes picture = RandomBytes(Place(kWidth, 0, kHeight), 7);
   for (const std::int32_t level : {2, 3}) {
     const Bytes expected = PlainBlur(picture, kWidth, kHeight, level);
     for (const bool upsideDown : {false, true}) {
-      Bytes memory(kStride * kHeight, 0xEE);
+      Bytes memory(static_cast<std::size_t>(kStride * kHeight), 0xEE);
       Raster raster{memory.data(), kStride, kWidth, kHeight};
       if (upsideDown) {
-        raster = {memory.data() + kStride * (kHeight - 1), -static_cast<std::ptrdiff_t>(kStride), kWidth, kHeight};
+        raster = {memory.data() + kStride * (kHeight - 1), -kStride, kWidth, kHeight};
       }
       for (std::int32_t y = 0; y < kHeight; ++y) {
-        std::copy_n(picture.begin() + 3 * kWidth * y, 3 * kWidth, raster.Row(y));
+        std::copy_n(picture.begin() + kRow * y, kRow, raster.Row(y));
       }
       bmp::Blur(raster, level, *GetParam());
       for (std::int32_t y = 0; y < kHeight; ++y) {
-        EXPECT_TRUE(std::equal(raster.Row(y), raster.Row(y) + 3 * kWidth, expected.begin() + 3 * kWidth * y));
-        EXPECT_EQ(Bytes(raster.Row(y) + 3 * kWidth, raster.Row(y) + kStride), Bytes(9, 0xEE));
+        EXPECT_TRUE(std::equal(raster.Row(y), raster.Row(y) + kRow, expected.begin() + kRow * y));
+        EXPECT_EQ(Bytes(raster.Row(y) + kRow, raster.Row(y) + kStride), Bytes(9, 0xEE));
       }
     }
   }
@@ -176,7 +181,7 @@ void CheckFills(std::int32_t width, std::int32_t height, Colour from, Colour to)
       ASSERT_EQ(across.Pixel(x, y), PlainColour(from, to, x, width)) << x << ", " << y << " of " << width;
       ASSERT_EQ(down.Pixel(x, y), PlainColour(from, to, y, height)) << x << ", " << y << " of " << height;
     }
-    for (std::ptrdiff_t at = 3 * width; at < across.Stride(); ++at) {
+    for (std::ptrdiff_t at = std::ptrdiff_t{3} * width; at < across.Stride(); ++at) {
       ASSERT_EQ(across.ScanLine(y)[at] | down.ScanLine(y)[at], 0);
     }
   }

@@ -109,10 +109,10 @@ TEST(Bitmap, CopiesAndMovesItsContent) {
   EXPECT_EQ(copy, sample);
   Bitmap moved = std::move(copy);
   EXPECT_EQ(moved, sample);
-  EXPECT_EQ(copy, Bitmap());
+  EXPECT_EQ(copy, Bitmap());  // NOLINT(bugprone-use-after-move): what is left is told
   copy = std::move(moved);
   EXPECT_EQ(copy, sample);
-  EXPECT_EQ(moved, Bitmap());
+  EXPECT_EQ(moved, Bitmap());  // NOLINT(bugprone-use-after-move): as above
 }
 
 TEST(Bitmap, ComparesSizeFormatAndColours) {

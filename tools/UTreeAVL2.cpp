@@ -223,6 +223,9 @@ inline std::byte* TKivAVLIndex::Resolve(std::uint32_t link) const noexcept {
 }
 
 void* TKivAVLIndex::Find(std::int32_t key, bool insert) {
+  if (insert && spineIsKnown_ && key > largestKey_) {
+    return Append(key) + kPayload;
+  }
   if (hints_ != nullptr) {
     const std::uint32_t link = hints_[HintOf(key)];
     std::byte* const node = Resolve(link);

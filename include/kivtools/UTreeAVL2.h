@@ -29,8 +29,8 @@ using TKivAvlForEach = std::function<void(std::int32_t key, void* payload)>;
 /// packed after 13 bytes of node, so they are aligned to nothing: read and write them with `memcpy`.
 ///
 /// Memory: 13 + payloadSize bytes an entry on every target, taken in blocks; once something is looked up with `insert`
-/// false, up to 16 KiB more to remember where searches ended. Links between nodes are 32 bits wide, so
-/// one index holds at most 2^31 - 2 entries. Not safe for concurrent use, `Find` included.
+/// false, up to 16 KiB more to remember where searches ended. Links between nodes are 32 bits wide, so one index holds
+/// at most 2^31 - 2 entries. Not safe for concurrent use, `Find` included.
 ///
 ///     TKivAVLIndex index(sizeof(double), false);
 ///     const double price = 12.5;

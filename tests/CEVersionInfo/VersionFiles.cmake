@@ -1,5 +1,6 @@
 # Small libraries whose version resources the tests read, made by the system's own resource compiler for both kinds of
 # image: CEVersionInfo/data/NAME.rc gives NAME_i686.dll and NAME_x86_64.dll. Without the compiler the tests skip them.
+file(GLOB version_sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_LIST_DIR}/data/*.rc)
 set(KIV_VERSION_FILES ${CMAKE_CURRENT_BINARY_DIR}/version_files)
 set(version_files)
 file(MAKE_DIRECTORY ${KIV_VERSION_FILES})
@@ -9,8 +10,8 @@ foreach(machine i686 x86_64)
   if(NOT KIV_WINDRES_${machine} OR NOT KIV_LINKER_${machine})
     continue()
   endif()
-  foreach(name alta_tabela complet cu_nume fara_traducere fara_versiune limbi neutra virgule)
-    set(source ${CMAKE_CURRENT_LIST_DIR}/data/${name}.rc)
+  foreach(source ${version_sources})
+    cmake_path(GET source STEM name)
     set(file ${KIV_VERSION_FILES}/${name}_${machine})
     add_custom_command(OUTPUT ${file}.dll DEPENDS ${source}
       COMMAND ${KIV_WINDRES_${machine}} -O coff ${source} ${file}.o

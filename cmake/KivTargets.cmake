@@ -25,6 +25,9 @@ function(kiv_setup_target target)
     if(CMAKE_SIZEOF_VOID_P EQUAL 4)
       # SSE2 gives doubles the same results as on 64-bit; hosts of other compilers call with a 4-byte aligned stack.
       target_compile_options(${target} PRIVATE -msse2 -mfpmath=sse -mstackrealign)
+    else()
+      # The compiler keeps 32-byte vectors on a stack that this system aligns to 16 bytes only; unaligned moves are safe.
+      target_compile_options(${target} PRIVATE -Wa,-muse-unaligned-vector-move)
     endif()
     # Programs and the library need nothing beside them but the system's own libraries.
     target_link_options(${target} PRIVATE -static -static-libgcc -static-libstdc++)

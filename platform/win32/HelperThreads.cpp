@@ -16,7 +16,7 @@ class LibraryReference {
   explicit LibraryReference(TextView context) {
     if (GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS, reinterpret_cast<LPCWSTR>(&SystemHelperThreads),
                            &module_) == 0) {
-      throw LastSystemError(context);
+      LastStatus().Throw(context);
     }
   }
   ~LibraryReference() {
@@ -54,7 +54,7 @@ class Win32HelperThreads : public HelperThreads {
     auto task = std::make_unique<Task>(Task{LibraryReference(context), std::move(work)});
     const HANDLE thread = CreateThread(nullptr, 0, &RunTask, task.get(), 0, nullptr);
     if (thread == nullptr) {
-      throw LastSystemError(context);
+      LastStatus().Throw(context);
     }
     [[maybe_unused]] const Task* const nowTheThreads = task.release();
     CloseHandle(thread);

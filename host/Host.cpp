@@ -12,7 +12,7 @@ namespace {
 
 constinit Service<Host> host_service(&BuiltInHost);
 
-const std::thread::id loading_thread = std::this_thread::get_id();
+const std::thread::id kLoadingThread = std::this_thread::get_id();
 
 }  // namespace
 
@@ -46,7 +46,7 @@ Host& BuiltInHost() noexcept {
 }
 
 bool OnLoadingThread() noexcept {
-  return std::this_thread::get_id() == loading_thread;
+  return std::this_thread::get_id() == kLoadingThread;
 }
 
 Host::~Host() {

@@ -5,7 +5,7 @@
 namespace kiv::host::win32 {
 namespace {
 
-const DWORD loading_thread = GetCurrentThreadId();
+const DWORD kLoadingThread = GetCurrentThreadId();
 
 BOOL CALLBACK IsMainWindow(HWND window, LPARAM found) {
   const auto style = static_cast<DWORD>(GetWindowLongPtrW(window, GWL_STYLE));
@@ -19,7 +19,7 @@ BOOL CALLBACK IsMainWindow(HWND window, LPARAM found) {
 }  // namespace
 
 bool Application::OnMainThread() const {
-  return GetCurrentThreadId() == loading_thread;
+  return GetCurrentThreadId() == kLoadingThread;
 }
 
 void Application::ProcessMessages() {
@@ -37,7 +37,7 @@ void Application::ProcessMessages() {
 
 Handle Application::MainWindow() const {
   HWND found = nullptr;
-  EnumThreadWindows(loading_thread, &IsMainWindow, reinterpret_cast<LPARAM>(&found));
+  EnumThreadWindows(kLoadingThread, &IsMainWindow, reinterpret_cast<LPARAM>(&found));
   return reinterpret_cast<Handle>(found);
 }
 

@@ -6,15 +6,13 @@
 #include <cstdint>
 #include <limits>
 
+#include "kivtools/Ascii.h"
 #include "kivtools/Types.h"
 
 /// Integers from Text and into Text.
 namespace kiv {
 
-/// Whether the character is a decimal digit. Example: true for '7'.
-constexpr bool IsDigit(char character) noexcept {
-  return character >= '0' && character <= '9';
-}
+using ascii::IsDigit;
 
 /// The integer that a Text holds: optional leading blanks, an optional "+" or "-", then decimal digits only. Throws
 /// ConversionError, naming the Text, for anything else and for a value out of range.

@@ -134,7 +134,8 @@ bool IsIdentifier(TextView name) noexcept {
     return character == '_' || IsLetter(static_cast<unsigned char>(character));
   };
   return !name.empty() && name.size() <= kLongestName && isLetterOrSign(name[0]) &&
-         std::ranges::all_of(name, [&](char character) { return isLetterOrSign(character) || IsDigit(character); });
+         std::ranges::all_of(name,
+                             [&](char character) { return isLetterOrSign(character) || ascii::IsDigit(character); });
 }
 
 Text FoldName(TextView name) {

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <limits>
 
+#include "kivtools/Ascii.h"
 #include "kivtools/Export.h"
 
 namespace kiv {
@@ -17,6 +18,9 @@ namespace kiv {
 ///     Currency::FromRaw(12345600) == 1234.56_lei   // true
 class Currency {
  public:
+  /// The ten-thousandths in one unit of the currency.
+  static constexpr std::int64_t kPerUnit = 10'000;
+
   /// Zero.
   constexpr Currency() = default;
 
@@ -58,7 +62,7 @@ template <char... Characters>
       decimals = 0;
       continue;
     }
-    if (character < '0' || character > '9') {
+    if (!ascii::IsDigit(character)) {
       throw "an amount has decimal digits and one point only";
     }
     if (decimals == 4) {

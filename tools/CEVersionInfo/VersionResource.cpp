@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "core/WideText.h"
+#include "kivtools/Ascii.h"
 #include "tools/CEVersionInfo/ByteSource.h"
 
 namespace kiv::version {
@@ -10,10 +11,6 @@ namespace {
 
 constexpr std::size_t Aligned(std::size_t position) {
   return (position + 3) & ~std::size_t{3};
-}
-
-constexpr char32_t LowerCase(char32_t character) {
-  return character >= U'A' && character <= U'Z' ? character + (U'a' - U'A') : character;
 }
 
 }  // namespace
@@ -74,7 +71,7 @@ bool VersionResource::KeyIs(const Block& block, TextView key) const {
   for (std::size_t i = 0; i < key.size(); ++i) {
     const auto byte = static_cast<unsigned char>(key[i]);
     const char16_t wanted = width_ == 2 ? windows1250::ToUnicode(byte) : char16_t{byte};
-    if (LowerCase(CharacterAt(block.keyBegin + width_ * i)) != LowerCase(wanted)) {
+    if (ascii::ToLower(CharacterAt(block.keyBegin + width_ * i)) != ascii::ToLower(wanted)) {
       return false;
     }
   }

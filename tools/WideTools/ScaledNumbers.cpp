@@ -4,6 +4,7 @@
 
 #include "core/GroupedDigits.h"
 #include "core/Numbers.h"
+#include "kivtools/Currency.h"
 
 namespace kiv {
 namespace {
@@ -32,7 +33,8 @@ Text GroupedHundredths(std::uint64_t value) {
 
 /// Two decimals where they are exact, else four.
 Text ShortestTenThousandths(std::uint64_t value) {
-  return value % 100 == 0 ? GroupedHundredths(value / 100) : WithDecimals(Grouped(value / 10'000), value % 10'000, 4);
+  return value % 100 == 0 ? GroupedHundredths(value / 100)
+                          : WithDecimals(Grouped(value / Currency::kPerUnit), value % Currency::kPerUnit, 4);
 }
 
 Text WriteMagnitude(std::uint64_t value, std::int32_t kind) {

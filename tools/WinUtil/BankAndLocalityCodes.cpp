@@ -6,6 +6,7 @@
 
 #include "core/Numbers.h"
 #include "core/Trim.h"
+#include "kivtools/Ascii.h"
 
 namespace kiv {
 namespace {
@@ -35,10 +36,6 @@ constexpr TextView kIban = "IBAN";
 /// Marks of characters: one bit for each letter of "IBAN", one for what cannot be in an account number.
 constexpr std::uint8_t kLettersOfIban = 0b0'1111;
 constexpr std::uint8_t kForeign = 0b1'0000;
-
-constexpr char UpperCase(char character) {
-  return character >= 'a' && character <= 'z' ? static_cast<char>(character - 'a' + 'A') : character;
-}
 
 struct Characters {
   std::array<Run, 256> runs{};
@@ -166,7 +163,7 @@ Pieces WithoutIban(TextView text) noexcept {
     if (text[at] == ' ') {
       continue;
     }
-    const char character = UpperCase(text[at]);
+    const char character = ascii::ToUpper(text[at]);
     if (character != kIban[matched]) {
       matched = 0;  // no letter comes twice in the word, so only this one can begin it anew
     }
@@ -187,7 +184,7 @@ Pieces WithoutIban(TextView text) noexcept {
 
 /// The value of one digit. Throws ConversionError for any other character.
 std::int32_t DigitValue(char character) {
-  if (character < '0' || character > '9') {
+  if (!ascii::IsDigit(character)) {
     RefuseInteger({&character, 1});
   }
   return character - '0';
@@ -217,8 +214,7 @@ bool ValideazaIBAN(TextView account) noexcept {
 
 bool EsteIBAN(TextView text) noexcept {
   const TextView account = Trim(text);
-  return !account.empty() && UpperCase(account.front()) >= 'A' && UpperCase(account.front()) <= 'Z' &&
-         ValideazaIBAN(account);
+  return !account.empty() && ascii::IsUpper(ascii::ToUpper(account.front())) && ValideazaIBAN(account);
 }
 
 Text ExtrageIBANdinIBANCuAnalitic(TextView text) {

@@ -12,7 +12,6 @@
 namespace kiv {
 namespace {
 
-constexpr std::int64_t kUnit = 10'000;  // ten-thousandths in one leu
 constexpr std::uint64_t kMostRaw = std::numeric_limits<std::int64_t>::max();
 
 /// The magnitude as an unsigned number: the smallest amount has no positive counterpart in 64 signed bits.
@@ -26,14 +25,14 @@ Text Format(Currency amount, std::int32_t decimals, bool blankAfterComma) {
   // Sign, grouped digits, comma and blank, four decimals.
   std::array<char, 1 + kGroupedRoom + 2 + 4> buffer;
   char* end = buffer.data() + 1 + kGroupedRoom;
-  char* begin = WriteGroupedBefore(end, magnitude / kUnit);
+  char* begin = WriteGroupedBefore(end, magnitude / Currency::kPerUnit);
   begin[-1] = '-';
   begin -= amount.Raw() < 0 ? 1 : 0;
   if (decimals != 0) {
     end[0] = ',';
     end[1] = ' ';
     end += blankAfterComma ? 2 : 1;
-    WriteFourDigits(end, static_cast<std::uint32_t>(magnitude % kUnit));
+    WriteFourDigits(end, static_cast<std::uint32_t>(magnitude % Currency::kPerUnit));
     end += std::clamp(decimals, 0, 4);
   }
   return {begin, end};
@@ -126,7 +125,7 @@ struct Reader {
   std::ptrdiff_t TakeDigits(std::uint64_t& value, std::ptrdiff_t most) {
     const char* const begin = at;
     const char* const stop = end - at < most ? end : at + most;
-    for (; at != stop && IsDigit(*at); ++at) {
+    for (; at != stop && ascii::IsDigit(*at); ++at) {
       value = value * 10 + static_cast<unsigned>(*at - '0');
     }
     return at - begin;
@@ -150,7 +149,7 @@ struct Reader {
   void TakeDecimals(std::uint64_t& value) {
     if (end - at == 4) {
       if (const std::uint32_t digits = LoadFour(at) ^ 0x3030'3030U; AreDigits(digits)) {
-        value = value * kUnit + FourDigitNumber(digits);
+        value = value * Currency::kPerUnit + FourDigitNumber(digits);
         at += 4;
         return;
       }
@@ -176,7 +175,7 @@ std::optional<std::int64_t> ReadUsualShape(TextView text) {
     reader.Take(' ');
     reader.TakeDecimals(raw);
   } else {
-    raw *= kUnit;
+    raw *= Currency::kPerUnit;
   }
   if (reader.at != reader.end || raw > kMostRaw) {
     return std::nullopt;
@@ -196,10 +195,10 @@ Text CurrencyToRoStrFaraSpatiu(Currency amount, std::int32_t decimals) {
 }
 
 Text CurrencyToRoStrRON(Currency amount, std::int32_t /*decimals*/) {
-  std::int64_t quotient = amount.Raw() / kUnit;
-  const std::int64_t rest = amount.Raw() % kUnit;
+  std::int64_t quotient = amount.Raw() / Currency::kPerUnit;
+  const std::int64_t rest = amount.Raw() % Currency::kPerUnit;
   const std::int64_t twice = 2 * (rest < 0 ? -rest : rest);
-  if (twice > kUnit || (twice == kUnit && quotient % 2 != 0)) {
+  if (twice > Currency::kPerUnit || (twice == Currency::kPerUnit && quotient % 2 != 0)) {
     quotient += rest < 0 ? -1 : 1;
   }
   Text text = Format(Currency::FromRaw(quotient), 4, true);

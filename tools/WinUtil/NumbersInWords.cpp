@@ -154,7 +154,7 @@ struct Split {
 };
 
 Split SplitAmount(Currency amount) {
-  return {amount.Raw() / 10'000, static_cast<std::int32_t>(amount.Raw() % 10'000 / 100)};
+  return {amount.Raw() / Currency::kPerUnit, static_cast<std::int32_t>(amount.Raw() % Currency::kPerUnit / 100)};
 }
 
 }  // namespace

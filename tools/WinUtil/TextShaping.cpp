@@ -111,7 +111,7 @@ Text TextDeLatimeFixa(TextView text, std::int32_t width, TextView fill) {
 
 Text StripDot(TextView text) {
   Text digits;
-  std::ranges::copy_if(text, std::back_inserter(digits), IsDigit);
+  std::ranges::copy_if(text, std::back_inserter(digits), ascii::IsDigit<char>);
   return digits;
 }
 
@@ -151,7 +151,7 @@ bool RespectaMasca(TextView text, TextView mask) {
     if (i >= text.size()) {
       return false;
     }
-    const bool fits = mask[i] == '?' || mask[i] == text[i] || (mask[i] == '#' && IsDigit(text[i]));
+    const bool fits = mask[i] == '?' || mask[i] == text[i] || (mask[i] == '#' && ascii::IsDigit(text[i]));
     if (!fits) {
       return false;
     }

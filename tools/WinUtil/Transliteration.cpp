@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 
+#include "kivtools/Ascii.h"
+
 namespace kiv {
 namespace {
 
@@ -49,12 +51,8 @@ constexpr ByteTable kEscaped = [] {
   return escaped;
 }();
 
-char AsciiLower(char character) {
-  return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a') : character;
-}
-
 bool SameName(TextView left, TextView right) {
-  return std::ranges::equal(left, right, {}, AsciiLower, AsciiLower);
+  return std::ranges::equal(left, right, {}, ascii::ToLower<char>, ascii::ToLower<char>);
 }
 
 /// The value of a name, null where there is none. The last of several equal names counts.

@@ -20,7 +20,7 @@ Overloaded(Cases...) -> Overloaded<Cases...>;
 /// Takes the digits at the front off `rest`; returns them.
 TextView TakeDigits(TextView& rest) {
   std::size_t count = 0;
-  while (count < rest.size() && IsDigit(rest[count])) {
+  while (count < rest.size() && ascii::IsDigit(rest[count])) {
     ++count;
   }
   const TextView digits = rest.substr(0, count);
@@ -57,7 +57,7 @@ double ToDouble(const Variant& value) {
   return std::visit(Overloaded{
                         [](Null) { return 0.0; },
                         [](bool flag) { return flag ? -1.0 : 0.0; },
-                        [](Currency amount) { return static_cast<double>(amount.Raw()) / 10'000; },
+                        [](Currency amount) { return static_cast<double>(amount.Raw()) / Currency::kPerUnit; },
                         [](DateTime moment) { return moment.Days(); },
                         [](const Text& text) { return TextToDouble(text); },
                         [](auto number) { return static_cast<double>(number); },

@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "kivtools/Ascii.h"
 #include "platform/Paths.h"
 #include "tools/CEVersionInfo/VersionTexts.h"
 
@@ -17,7 +18,7 @@ bool Analyse(Parts& parts, TextView version) noexcept {
   for (const char character : version) {
     if (character == '.' && current + 1 < parts.size()) {
       ++current;
-    } else if (character >= '0' && character <= '9') {
+    } else if (ascii::IsDigit(character)) {
       parts[current] = parts[current] * 10 + static_cast<std::uint32_t>(character - '0');
     } else {
       return false;

@@ -3,7 +3,7 @@
 #include "apps/kivtools/CsvWriting.h"
 
 // Fields that are quoted and read back are the same fields, in blocks of any size; and whatever bytes are read, they
-// give records or a CsvError.
+// give records or a LineError.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace kivtools;
   if (size < 2) {
@@ -22,7 +22,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (ReadRecords(written, piece) != records) {
       std::abort();
     }
-  } catch (const CsvError&) {
+  } catch (const LineError&) {
     if (text.find('"') == std::string::npos) {
       std::abort();  // only quotes can be wrong in so short a file
     }

@@ -5,6 +5,7 @@
 
 #include "apps/kivtools/Layout.h"
 #include "apps/kivtools/Shown.h"
+#include "apps/kivtools/input/BlockReader.h"
 #include "kivtools/Errors.h"
 #include "kivtools/Text.h"
 
@@ -25,6 +26,8 @@ std::string ProgramHelp() {
          "\n  --help     this text; after a command, that command's\n"
          "  --version  the version of the library\n\n"
          "Exit code: 0 done, 1 a check said no, 2 bad usage or input.\n\n"
+         "The environment variable KIVTOOLS_LIBRARY names the library to load; without it, it is the one that the\n"
+         "program was installed with.\n\n"
          "Example:\n  kivtools words 1234.56\n";
 }
 
@@ -56,6 +59,8 @@ int RunCommand(const Command& command, std::span<const std::string> given) {
     }
     session.out.Flush();
     return result;
+  } catch (const LineError& error) {
+    session.Report("line " + std::to_string(error.Line()) + ": " + error.what());
   } catch (const kiv::Error& error) {
     session.Report(kiv::ToUtf8(error.what()));
   } catch (const std::exception& error) {

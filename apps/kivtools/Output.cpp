@@ -1,6 +1,7 @@
 #include "apps/kivtools/Output.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "apps/kivtools/Layout.h"
 #include "apps/kivtools/system/Console.h"
@@ -10,7 +11,39 @@ namespace kivtools {
 namespace {
 
 constexpr std::size_t kBlock = std::size_t{64} * 1024;
-constexpr std::string_view kEraseLine = "\r\x1B[K";
+
+/// What of the terminal's present line is taken.
+struct PresentLine {
+  std::size_t progressColumns = 0;
+  bool hasResults = false;  ///< the results end without a line end; true only where they go to a terminal
+};
+PresentLine present_line;
+
+void EraseProgress() {
+  if (const std::size_t columns = std::exchange(present_line.progressColumns, 0); columns > 0) {
+    WriteAll(StandardStream::Error, "\r" + std::string(columns, ' ') + "\r");
+  }
+}
+
+void DrawProgress(const std::string& line) {
+  EraseProgress();
+  present_line.progressColumns = DisplayWidth(line);
+  WriteAll(StandardStream::Error, line);
+}
+
+void PassResults(std::string_view bytes) {
+  static const bool seen = TerminalWidth(StandardStream::Output).has_value();
+  if (bytes.empty()) {
+    return;
+  }
+  try {
+    EraseProgress();
+    WriteAll(StandardStream::Output, bytes);
+  } catch (const SystemError& error) {
+    throw OutputError(error.what());
+  }
+  present_line.hasResults = seen && !bytes.ends_with('\n');
+}
 
 }  // namespace
 
@@ -22,65 +55,59 @@ void Output::Write(std::string_view text) {
     }
   } else {
     Flush();
-    Pass(text);
+    PassResults(text);
   }
 }
 
 void Output::Flush() {
-  Pass(buffer_);
-  buffer_.clear();
-}
-
-void Output::Pass(std::string_view bytes) {
-  try {
-    WriteAll(StandardStream::Output, bytes);
-  } catch (const SystemError& error) {
-    throw OutputError(error.what());
-  }
+  // What could not be written is not tried again.
+  PassResults(std::exchange(buffer_, {}));
 }
 
 void WriteError(std::string_view line) noexcept {
   try {
+    EraseProgress();
     WriteAll(StandardStream::Error, std::string(line) + "\n");
   } catch (...) {  // NOLINT(bugprone-empty-catch): there is no other place to tell it
   }
 }
 
-Progress::Progress(std::optional<std::uint64_t> total)
+Progress::Progress(std::optional<std::uint64_t> total, bool wanted)
     : total_(total),
-      watched_(TerminalWidth(StandardStream::Error).has_value()),
+      watched_(wanted && TerminalWidth(StandardStream::Error).has_value()),
       next_(Clock::now() + std::chrono::seconds(1)) {}
 
 Progress::~Progress() {
-  if (drawn_) {
-    try {
-      WriteAll(StandardStream::Error, kEraseLine);
-    } catch (...) {  // NOLINT(bugprone-empty-catch): only the bar stays on the screen
-    }
+  try {
+    EraseProgress();
+  } catch (...) {  // NOLINT(bugprone-empty-catch): only the bar stays on the screen
   }
 }
 
-void Progress::Advance(std::uint64_t bytes) {
-  done_ += bytes;
-  if (!watched_ || Clock::now() < next_) {
+void Progress::Advance(std::uint64_t units) noexcept {
+  done_ += units;
+  if (!watched_ || Clock::now() < next_ || present_line.hasResults) {
     return;
   }
   next_ = Clock::now() + std::chrono::milliseconds(200);
-  drawn_ = true;
-  Draw();
+  try {
+    DrawProgress(Line(TerminalWidth(StandardStream::Error).value_or(0)));
+  } catch (...) {
+    watched_ = false;
+  }
 }
 
-void Progress::Draw() const {
-  constexpr std::size_t kCells = 30;
-  std::string line(kEraseLine);
-  if (total_ && *total_ > 0) {
-    const std::uint64_t done = std::min(done_, *total_);
-    const auto full = static_cast<std::size_t>(done * kCells / *total_);
-    line += Repeat("█", full) + Repeat("░", kCells - full) + " " + std::to_string(done * 100 / *total_) + " %";
-  } else {
-    line += std::to_string(done_ / 1'048'576) + " MiB";
+std::string Progress::Line(std::size_t columns) const {
+  if (!total_ || *total_ == 0) {
+    return std::to_string(done_ / 1'048'576) + " MiB";
   }
-  WriteAll(StandardStream::Error, line);
+  constexpr std::size_t kMostCells = 30;
+  constexpr std::size_t kBehind = 7;  // " 100 %", and the last column stays free: some terminals go on from it
+  const std::size_t cells = std::min(kMostCells, columns > kBehind ? columns - kBehind : 0);
+  const std::uint64_t done = std::min(done_, *total_);
+  const auto full = static_cast<std::size_t>(done * cells / *total_);
+  const std::string bar = Repeat("█", full) + Repeat("░", cells - full);
+  return bar + (bar.empty() ? "" : " ") + std::to_string(done * 100 / *total_) + " %";
 }
 
 }  // namespace kivtools

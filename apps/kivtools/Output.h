@@ -7,6 +7,8 @@
 #include <string>
 #include <string_view>
 
+/// What the program shows. Results, messages and progress may share a terminal; they never share a line of it. All of
+/// it is called from one thread.
 namespace kivtools {
 
 /// What was written could not be passed on: full disk, reader gone. Nothing further is worth trying.
@@ -23,35 +25,33 @@ class Output {
   void Flush();
 
  private:
-  static void Pass(std::string_view bytes);
-
   std::string buffer_;
 };
 
 /// One line on standard error. A failure to write it has nowhere to be told and is passed over.
 void WriteError(std::string_view line) noexcept;
 
-/// A bar on standard error for work that takes more than a second, only where a person watches. It disappears with
-/// this object.
+/// A bar on standard error for work that takes more than a second, only where a person watches. It makes way for
+/// whatever else is shown and disappears with this object.
 class Progress {
  public:
-  /// `total` bytes of work, if that is known.
-  explicit Progress(std::optional<std::uint64_t> total);
+  /// `total` units of work, if that is known; without it they are bytes, shown as MiB. Nothing is shown where `wanted`
+  /// is false.
+  explicit Progress(std::optional<std::uint64_t> total, bool wanted = true);
   ~Progress();
   Progress(const Progress&) = delete;
   Progress& operator=(const Progress&) = delete;
 
-  /// So much more is done; cheap, to be called a block at a time.
-  void Advance(std::uint64_t bytes);
+  /// So much more is done; cheap, to be called a block at a time. A failure to show it is passed over.
+  void Advance(std::uint64_t units) noexcept;
 
  private:
-  void Draw() const;
+  [[nodiscard]] std::string Line(std::size_t columns) const;
 
   using Clock = std::chrono::steady_clock;
   std::optional<std::uint64_t> total_;
   std::uint64_t done_ = 0;
   bool watched_;
-  bool drawn_ = false;
   Clock::time_point next_;
 };
 

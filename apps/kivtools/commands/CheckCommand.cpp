@@ -1,16 +1,20 @@
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <cstdint>
-#include <cstring>
 #include <memory>
+#include <optional>
 #include <span>
+#include <vector>
 
 #include "apps/kivtools/Command.h"
+#include "apps/kivtools/FiscalCode.h"
+#include "apps/kivtools/Numbers.h"
 #include "apps/kivtools/Shown.h"
 #include "apps/kivtools/input/Csv.h"
-#include "apps/kivtools/input/LineBlocks.h"
-#include "apps/kivtools/system/InputStream.h"
+#include "apps/kivtools/input/ForEachBlock.h"
+#include "apps/kivtools/input/Input.h"
+#include "apps/kivtools/input/Lines.h"
+#include "kivtools/Ascii.h"
 
 namespace kivtools {
 namespace {
@@ -22,10 +26,14 @@ constexpr std::array<Option, 3> kOptions = {{
 }};
 
 constexpr std::string_view kDetails =
-    "KIND is iban, cnp, cui or siruta. Every code is printed behind \"valid\" or \"invalid\" and a tabulator. Without "
-    "a\n"
-    "CODE, or with -, the lines of standard input are checked and counted. With --csv they are records of fields\n"
-    "separated by , or ; or tabulators; a column given by its number has no heading.\n\n"
+    "KIND is iban, cnp, cui or siruta. Every code is printed after \"valid\" or \"invalid\" and a tab, control "
+    "characters "
+    "in\n"
+    "it as blanks. Without a CODE, or with - alone, the lines of standard input are checked and counted; blank lines "
+    "are\n"
+    "only counted. With --csv they are records of fields separated by , or ; or tabs; a column given by its number "
+    "has\n"
+    "no heading. A record that lacks the column is invalid, and its line is told.\n\n"
     "Exit code: 0 all are valid, 1 one is not, 2 bad usage or input.\n\n"
     "Examples:\n"
     "  kivtools check iban \"RO49 AAAA 1B31 0075 9384 0000\"\n"
@@ -41,45 +49,67 @@ constexpr std::array<Kind, 4> kKinds = {
 /// The verdicts on some codes, as they are printed, and their number.
 class Verdicts {
  public:
-  /// Forgets what was; makes room for the verdicts on codes of together so many bytes, line ends included.
-  void Clear(std::size_t bytes) {
-    const std::size_t most = bytes * (kInvalid.size() + 1) + kInvalid.size();  // a code takes one byte at least
-    if (capacity_ < most) {
-      capacity_ = most;
-      text_ = std::make_unique_for_overwrite<char[]>(capacity_);
-    }
-    *this = Verdicts(std::move(text_), capacity_);
+  struct Counts {
+    std::uint64_t checked = 0;
+    std::uint64_t invalid = 0;
+    std::uint64_t blank = 0;
+    std::uint64_t tooShort = 0;
+  };
+  /// A record without the column: its note goes into the text at this place.
+  struct TooShort {
+    std::size_t place;
+    std::uint64_t line;
+  };
+
+  void Clear() noexcept {
+    size_ = 0;
+    counts_ = {};
+    tooShort_.clear();
   }
 
   void Add(std::string_view code, bool valid, bool print) {
-    ++checked_;
-    invalid_ += valid ? 0 : 1;
+    ++counts_.checked;
+    counts_.invalid += valid ? 0 : 1;
     if (print) {
-      const std::string_view verdict = valid ? kValid : kInvalid;
-      std::memcpy(text_.get() + size_, verdict.data(), verdict.size());
-      std::memcpy(text_.get() + size_ + verdict.size(), code.data(), code.size());
-      size_ += verdict.size() + code.size();
-      text_[size_++] = '\n';
+      Append(valid ? "valid\t" : "invalid\t", code);
     }
   }
+  void AddTooShort(std::uint64_t line) {
+    Add("", false, true);
+    ++counts_.tooShort;
+    tooShort_.push_back({size_ - 1, line});
+  }
+  void AddBlank() noexcept { ++counts_.blank; }
 
   [[nodiscard]] std::string_view Text() const noexcept { return {text_.get(), size_}; }
-  [[nodiscard]] std::uint64_t Checked() const noexcept { return checked_; }
-  [[nodiscard]] std::uint64_t Invalid() const noexcept { return invalid_; }
-
-  Verdicts() = default;
+  [[nodiscard]] const Counts& Count() const noexcept { return counts_; }
+  [[nodiscard]] const std::vector<TooShort>& TooShortRecords() const noexcept { return tooShort_; }
 
  private:
-  static constexpr std::string_view kValid = "valid\t";
-  static constexpr std::string_view kInvalid = "invalid\t";
+  /// Control characters, which might break the output's lines or act on the terminal, become blanks.
+  void Append(std::string_view verdict, std::string_view code) {
+    const std::size_t wanted = size_ + verdict.size() + code.size() + 1;
+    if (capacity_ < wanted) {
+      Grow(wanted);
+    }
+    char* const end = std::ranges::copy(verdict, text_.get() + size_).out;
+    *std::ranges::transform(code, end, [](char byte) { return kiv::ascii::IsControl(byte) ? ' ' : byte; }).out = '\n';
+    size_ = wanted;
+  }
 
-  Verdicts(std::unique_ptr<char[]> text, std::size_t capacity) : text_(std::move(text)), capacity_(capacity) {}
+  void Grow(std::size_t wanted) {
+    const std::size_t capacity = std::max(wanted, 2 * capacity_);
+    auto larger = std::make_unique_for_overwrite<char[]>(capacity);
+    std::copy_n(text_.get(), size_, larger.get());
+    text_ = std::move(larger);
+    capacity_ = capacity;
+  }
 
   std::unique_ptr<char[]> text_;
   std::size_t capacity_ = 0;
   std::size_t size_ = 0;
-  std::uint64_t checked_ = 0;
-  std::uint64_t invalid_ = 0;
+  Counts counts_;
+  std::vector<TooShort> tooShort_;
 };
 
 /// What is asked of each code.
@@ -93,8 +123,7 @@ class Question {
 
   /// From any thread.
   void Ask(std::string_view code, Verdicts& verdicts) const {
-    const bool hasRo = dropRo_ && code.size() > 2 && (code[0] | 0x20) == 'r' && (code[1] | 0x20) == 'o';
-    const bool valid = library_.Ask(predicate_, hasRo ? code.substr(2) : code);
+    const bool valid = library_.Ask(predicate_, dropRo_ ? WithoutRo(code) : code);
     verdicts.Add(code, valid, !valid || !invalidOnly_);
   }
 
@@ -110,123 +139,166 @@ class Report {
  public:
   explicit Report(Output& out) : out_(out) {}
 
-  void Take(const Verdicts& verdicts) {
-    out_.Write(verdicts.Text());
-    checked_ += verdicts.Checked();
-    invalid_ += verdicts.Invalid();
+  /// The verdicts on a part of the input that begins on that line; `column` is the one that was asked for.
+  void Take(const Verdicts& verdicts, std::uint64_t line = 1, std::size_t column = 0) {
+    std::size_t printed = 0;
+    for (const Verdicts::TooShort& record : verdicts.TooShortRecords()) {
+      out_.Write(verdicts.Text().substr(printed, record.place - printed));
+      out_.Write("\tline " + std::to_string(line - 1 + record.line) + ": there is no field " +
+                 std::to_string(column + 1));
+      printed = record.place;
+    }
+    out_.Write(verdicts.Text().substr(printed));
+    counts_.checked += verdicts.Count().checked;
+    counts_.invalid += verdicts.Count().invalid;
+    counts_.blank += verdicts.Count().blank;
+    counts_.tooShort += verdicts.Count().tooShort;
+    out_.Flush();  // a person who types waits for it
   }
   void Summarise() const {
-    out_.Flush();  // so that the count stands behind the codes
-    WriteError(std::to_string(checked_) + " checked, " + std::to_string(invalid_) + " invalid");
+    out_.Flush();  // so that the count comes after the codes
+    const auto part = [](std::uint64_t count, const char* what) {
+      return count == 0 ? std::string() : ", " + std::to_string(count) + what;
+    };
+    WriteError(std::to_string(counts_.checked) + " checked, " + std::to_string(counts_.invalid) + " invalid" +
+               part(counts_.blank, " blank") + part(counts_.tooShort, " too short"));
   }
-  [[nodiscard]] int Result() const noexcept { return invalid_ == 0 ? kDone : kCheckSaidNo; }
+  [[nodiscard]] bool HasAny() const noexcept { return counts_.checked + counts_.blank > 0; }
+  [[nodiscard]] int Result() const noexcept {
+    return counts_.tooShort > 0 ? kBadInput : counts_.invalid > 0 ? kCheckSaidNo : kDone;
+  }
 
  private:
   Output& out_;
-  std::uint64_t checked_ = 0;
-  std::uint64_t invalid_ = 0;
+  Verdicts::Counts counts_;
 };
 
-/// The place, from 0, of the column that the option names. A name stands in the first record, which is then read.
-std::size_t FindColumn(CsvReader& reader, const std::string& column) {
-  std::size_t number = 0;
-  const auto [end, error] = std::from_chars(column.data(), column.data() + column.size(), number);
-  if (error == std::errc() && end == column.data() + column.size()) {
-    if (number == 0) {
-      throw InputError(Shown(column) + " is not a column: they are numbered from 1");
-    }
-    return number - 1;
+bool IsBlank(std::string_view text) noexcept {
+  return text.find_first_not_of(" \t") == std::string_view::npos;
+}
+
+bool IsNumber(std::string_view text) noexcept {
+  return std::ranges::all_of(text, kiv::ascii::IsDigit<char>);
+}
+
+/// The place, from 0, of the column that the option names. A name is in the first record, which is then taken away.
+std::size_t FindColumn(BlockReader& reader, char separator, const std::string& column) {
+  constexpr std::int32_t kMost = 1'000'000;
+  if (IsNumber(column)) {
+    return static_cast<std::size_t>(ReadWholeNumber(column, 1, kMost, "the number of a column")) - 1;
   }
-  if (reader.Next()) {
-    const auto& names = reader.Fields();
-    const auto found = std::find(names.begin(), names.end(), column);
-    if (found != names.end()) {
-      return static_cast<std::size_t>(found - names.begin());
+  std::string heading(reader.PeekFirst());
+  CsvRecords records(heading, separator);
+  if (records.Next()) {
+    const auto found = std::ranges::find(records.Fields(), column);
+    if (found != records.Fields().end()) {
+      reader.DropFirst();
+      return static_cast<std::size_t>(found - records.Fields().begin());
     }
   }
   throw InputError(Shown(column) + " is not in the first row");
 }
 
-/// A field that holds line ends or tabulators would break the output's lines; nothing valid has them.
-std::string OnOneLine(std::string_view field) {
-  std::string line(field);
-  std::replace_if(
-      line.begin(), line.end(), [](char character) { return character >= 0 && character < ' '; }, ' ');
-  return line;
+std::uint64_t AskColumn(const Question& question, CsvRecords records, std::size_t place, Verdicts& verdicts) {
+  while (records.Next()) {
+    const auto& fields = records.Fields();
+    if (fields.size() == 1 && IsBlank(fields.front())) {
+      verdicts.AddBlank();
+    } else if (place < fields.size()) {
+      question.Ask(fields[place], verdicts);
+    } else {
+      verdicts.AddTooShort(records.Line());
+    }
+  }
+  return records.NextLine() - 1;
 }
 
 void CheckColumn(const Question& question, ByteSource source, const std::string& column, Report& report) {
-  CsvReader reader(std::move(source));
-  Verdicts verdicts;
-  try {
-    const std::size_t place = FindColumn(reader, column);
-    while (reader.Next()) {
-      const auto& fields = reader.Fields();
-      if (fields.size() == 1 && fields.front().empty()) {
-        continue;  // an empty line
-      }
-      if (place >= fields.size()) {
-        throw CsvError(reader.Line(), "there is no field " + std::to_string(place + 1));
-      }
-      const std::string_view field = fields[place];
-      const bool plain = std::none_of(field.begin(), field.end(), [](char byte) { return byte >= 0 && byte < ' '; });
-      verdicts.Clear(field.size() + 1);
-      question.Ask(plain ? field : OnOneLine(field), verdicts);
-      report.Take(verdicts);
-    }
-  } catch (const CsvError& error) {
-    throw InputError("line " + std::to_string(error.Line()) + ": " + error.what());
-  }
-}
-
-void CheckLines(const Question& question, ByteSource source, Output& out, Report& report) {
-  LineBlocks<Verdicts> blocks(std::move(source));
-  blocks.Run(
-      [&](std::string_view lines, Verdicts& verdicts) {
-        verdicts.Clear(lines.size() + 1);
-        ForEachLine(lines, [&](std::string_view line) { question.Ask(line, verdicts); });
+  BlockReader reader(std::move(source), RecordKind::Csv);
+  const char separator = SeparatorOf(reader.PeekFirst());
+  const std::size_t place = FindColumn(reader, separator, column);
+  ForEachBlock<Verdicts>(
+      reader,
+      [&](std::span<char> text, Verdicts& verdicts) {
+        verdicts.Clear();
+        return AskColumn(question, {text, separator}, place, verdicts);
       },
-      [&](const Verdicts& verdicts) {
-        report.Take(verdicts);
-        out.Flush();
-      });
+      [&](const Verdicts& verdicts, std::uint64_t line) { report.Take(verdicts, line, place); });
 }
 
-int RunCheck(Session& session, const Arguments& arguments) {
-  const std::string& name = arguments.Values().front();
-  const auto* const kind =
-      std::find_if(kKinds.begin(), kKinds.end(), [&](const Kind& known) { return known.name == name; });
+void CheckLines(const Question& question, ByteSource source, Report& report) {
+  BlockReader reader(std::move(source), RecordKind::Line);
+  ForEachBlock<Verdicts>(
+      reader,
+      [&](std::span<char> text, Verdicts& verdicts) {
+        verdicts.Clear();
+        return ForEachLine({text.data(), text.size()}, [&](std::string_view line) {
+          if (IsBlank(line)) {
+            verdicts.AddBlank();
+          } else {
+            question.Ask(line, verdicts);
+          }
+        });
+      },
+      [&](const Verdicts& verdicts, std::uint64_t /*line*/) { report.Take(verdicts); });
+}
+
+/// Whatever ends the check early, what was found before it is told.
+void CheckInput(const Question& question, const std::optional<std::string>& column, Report& report) {
+  Input input("-");
+  try {
+    if (column) {
+      CheckColumn(question, input.Source(), *column, report);
+    } else {
+      CheckLines(question, input.Source(), report);
+    }
+  } catch (const OutputError&) {
+    throw;
+  } catch (...) {
+    if (report.HasAny()) {
+      report.Summarise();
+    }
+    throw;
+  }
+  report.Summarise();
+}
+
+void CheckValues(const Question& question, std::span<const std::string> codes, Report& report) {
+  Verdicts verdicts;
+  for (const std::string& code : codes) {
+    question.Ask(code, verdicts);
+  }
+  report.Take(verdicts);
+}
+
+const Kind& FindKind(const std::string& name) {
+  const auto* const kind = std::ranges::find(kKinds, name, &Kind::name);
   if (kind == kKinds.end()) {
     throw InputError(Shown(name) + " is not a kind of code: iban, cnp, cui or siruta");
   }
+  return *kind;
+}
+
+int RunCheck(Session& session, const Arguments& arguments) {
+  const Kind& kind = FindKind(arguments.Values().front());
   const std::span codes(arguments.Values().begin() + 1, arguments.Values().end());
-  const Question question(session.Lib(), *kind, arguments);
+  const bool fromInput = codes.empty() || (codes.size() == 1 && codes.front() == "-");
+  if (arguments.Has("ro") && kind.name != "cui") {
+    throw InputError("\"--ro\" goes with cui only");
+  }
+  if (!fromInput && arguments.Has("csv")) {
+    throw InputError(Shown(codes.front()) + ": with --csv the codes come from standard input");
+  }
+  if (!fromInput && std::ranges::find(codes, "-") != codes.end()) {
+    throw InputError("\"-\" goes with no other CODE");
+  }
+  const Question question(session.Lib(), kind, arguments);
   Report report(session.out);
-  if (!codes.empty() && codes.front() != "-") {
-    if (arguments.Has("csv")) {
-      throw InputError(Shown(codes.front()) + ": with --csv the codes come from standard input");
-    }
-    Verdicts verdicts;
-    for (const std::string& code : codes) {
-      verdicts.Clear(code.size() + 1);
-      question.Ask(code, verdicts);
-      report.Take(verdicts);
-    }
-    return report.Result();
-  }
-  auto stream = InputStream::Standard();
-  Progress progress(stream.Size());
-  const ByteSource source = [&](char* into, std::size_t capacity) {
-    const std::size_t count = stream.Read(into, capacity);
-    progress.Advance(count);
-    return count;
-  };
-  if (const auto column = arguments.ValueOf("csv")) {
-    CheckColumn(question, source, *column, report);
+  if (fromInput) {
+    CheckInput(question, arguments.ValueOf("csv"), report);
   } else {
-    CheckLines(question, source, session.out, report);
+    CheckValues(question, codes, report);
   }
-  report.Summarise();
   return report.Result();
 }
 
@@ -238,7 +310,6 @@ constexpr Command kCommand = {"check",
                               kOptions,
                               kDetails,
                               RunCheck};
-
 const Registration kRegistered(kCommand);
 
 }  // namespace

@@ -1,205 +1,250 @@
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <vector>
 
-#include "apps/kivtools/Amount.h"
 #include "apps/kivtools/Command.h"
+#include "apps/kivtools/Numbers.h"
 #include "apps/kivtools/Shown.h"
-#include "apps/kivtools/input/BlockReader.h"
-#include "apps/kivtools/system/InputStream.h"
-#include "kivtools/Utf8.h"
+#include "apps/kivtools/Utf16.h"
+#include "apps/kivtools/input/ForEachBlock.h"
+#include "apps/kivtools/input/Input.h"
 #include "kivtools/Windows1250.h"
 
 namespace kivtools {
 namespace {
 
-constexpr std::array<Option, 3> kOptions = {{
+constexpr std::array<Option, 4> kOptions = {{
     {"from", "CP", "the code page of what comes in"},
     {"to", "CP", "the code page of what goes out"},
-    {"lossy", "", "put look-alikes or ? for letters that it lacks"},
+    {"lossy", "", "put look-alikes or ? for what is damaged and for letters that it lacks"},
+    {"letters", "FORM", "write s and t in UTF-8 with a comma or a cedilla below"},
 }};
 
 constexpr std::string_view kDetails =
     "Converts standard input to standard output. Code pages have the numbers of Windows: 1250, 852, 65001 for UTF-8.\n"
-    "The comma-below letters become cedilla letters where only these exist; any other letter that the code page lacks\n"
-    "is refused, unless --lossy is given.\n\n"
+    "The comma and the cedilla letters stand for one another where the code page has only one of them; any other "
+    "letter\n"
+    "that it lacks is refused, and so are bytes that mean nothing where they come from, unless --lossy is given.\n"
+    "In UTF-8 the letters keep their form unless --letters comma or --letters cedilla chooses one.\n\n"
     "Example:\n"
-    "  kivtools convert --from 1250 --to 65001 < vechi.txt > nou.txt\n";
+    "  kivtools convert --from 1250 --to 65001 --letters comma < vechi.txt > nou.txt\n";
 
+constexpr std::int32_t kUtf7 = 65000;
 constexpr std::int32_t kUtf8 = 65001;
-constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
-constexpr std::size_t kLongestLine = std::size_t{16} * 1024 * 1024;
-
-using Wide = std::vector<std::uint16_t>;
-
-bool IsHigh(std::uint16_t unit) noexcept {
-  return unit >= 0xD800 && unit < 0xDC00;
-}
 
 std::int32_t ReadCodePage(const Library& library, const Arguments& arguments, const char* option) {
   const auto text = arguments.ValueOf(option);
   if (!text) {
     throw InputError(std::string("--") + option + " CP is missing");
   }
-  const std::int64_t number = ReadWholeNumber(*text);
-  const bool known = number >= 0 && number <= 65535 && !library.ToWide("A", static_cast<std::int32_t>(number)).empty();
-  if (!known) {
+  const std::int32_t number = ReadWholeNumber(*text, 0, 65535, "the number of a code page");
+  if (library.ToWide("A", number).empty()) {
     throw InputError(Shown(*text) + " is not a code page that this system knows");
   }
-  return static_cast<std::int32_t>(number);
+  return number;
 }
 
-/// Converts pieces of text without the character zero.
-class Converter {
+/// What is to be done with each letter on its way to UTF-8.
+using LetterForm = char32_t (*)(char32_t);
+
+LetterForm ReadLetters(const Arguments& arguments, std::int32_t to) {
+  const auto form = arguments.ValueOf("letters");
+  if (!form) {
+    return nullptr;
+  }
+  if (to != kUtf8) {
+    throw InputError("\"--letters\" goes with --to 65001 only");
+  }
+  if (*form != "comma" && *form != "cedilla") {
+    throw InputError(Shown(*form) + " is not a form of letters: comma or cedilla");
+  }
+  return *form == "comma" ? kiv::windows1250::CommaBelowForm : kiv::windows1250::CedillaForm;
+}
+
+bool IsSame(Utf16View a, Utf16View b) noexcept {
+  return std::ranges::equal(a, b);
+}
+
+/// Reads what comes in.
+class Decoder {
  public:
-  Converter(const Library& library, const Arguments& arguments)
-      : library_(library),
-        from_(ReadCodePage(library, arguments, "from")),
-        to_(ReadCodePage(library, arguments, "to")),
-        lossy_(arguments.Has("lossy")) {}
-
-  [[nodiscard]] bool DropsByteOrderMark() const noexcept { return from_ == kUtf8 && to_ != kUtf8; }
-
-  [[nodiscard]] std::string Convert(std::string_view text) const {
-    const Wide wide = from_ == kUtf8 ? DecodeUtf8(text) : library_.ToWide(text, from_);
-    if (wide.empty() && !text.empty()) {
-      throw InputError("what comes in is not code page " + std::to_string(from_));
+  Decoder(const Library& library, std::int32_t codePage, bool lossy)
+      : library_(library), codePage_(codePage), lossy_(lossy) {
+    for (std::size_t byte = 0; byte < meansItself_.size(); ++byte) {
+      const char text = static_cast<char>(byte);
+      meansItself_[byte] = byte == 0 || (codePage == kUtf7 ? byte < 0x80 : AskWhetherCharacter({&text, 1}));
     }
-    if (to_ == kUtf8) {
-      return EncodeUtf8(wide);
+  }
+
+  /// The text, which has no character zero, in UTF-16. Throws InputError, naming the byte, where it is damaged.
+  [[nodiscard]] Utf16 Decode(std::string_view text) const {
+    if (codePage_ == kUtf8 && !lossy_) {
+      return Utf16FromUtf8(text);
     }
-    std::string converted = library_.FromWide(wide, to_);
-    // A code page of several bytes a letter may need more room than the library gives a text; a letter always fits.
-    const bool whole = library_.ToWide(converted, to_) == wide;
-    return whole ? converted : ByCharacter(wide);
+    if (!lossy_) {
+      RefuseDamage(text);
+    }
+    return library_.ToWide(text, codePage_);
   }
 
  private:
-  static Wide DecodeUtf8(std::string_view text) {
-    Wide wide;
-    wide.reserve(text.size());
+  /// Finds the first byte that means nothing.
+  void RefuseDamage(std::string_view text) const {
+    constexpr std::size_t kLongest = 4;
     for (std::size_t at = 0; at < text.size();) {
-      const kiv::utf8::Decoded decoded = kiv::utf8::DecodeAt(text, at);
-      if (decoded.length == 0) {
-        throw InputError(Shown(text.substr(at, 1)) + " is not UTF-8");
+      std::size_t length = MeansItself(text[at]) ? 1 : 2;
+      while (length > 1 && length <= kLongest && !IsCharacter(text.substr(at, length))) {
+        ++length;
       }
-      const auto character = static_cast<std::uint32_t>(decoded.character);
-      if (character >= 0x10000) {
-        wide.push_back(static_cast<std::uint16_t>(0xD7C0 + (character >> 10U)));
-        wide.push_back(static_cast<std::uint16_t>(0xDC00 + (character & 0x3FFU)));
-      } else {
-        wide.push_back(static_cast<std::uint16_t>(character));
+      if (length > std::min(kLongest, text.size() - at)) {
+        throw InputError(Shown(text.substr(at, 1)) + " is not code page " + std::to_string(codePage_));
       }
-      at += decoded.length;
+      at += length;
     }
-    return wide;
   }
 
-  /// The units of the character at the front.
-  static std::span<const std::uint16_t> FirstOf(std::span<const std::uint16_t> wide) {
-    return wide.first(IsHigh(wide[0]) && wide.size() > 1 ? 2 : 1);
+  [[nodiscard]] bool MeansItself(char byte) const noexcept { return meansItself_[static_cast<unsigned char>(byte)]; }
+
+  /// Whether the bytes are one character. Pairs are remembered: texts have few of them, many times.
+  [[nodiscard]] bool IsCharacter(std::string_view bytes) const {
+    if (bytes.size() != 2) {
+      return AskWhetherCharacter(bytes);
+    }
+    enum : std::uint8_t { kUnknown, kYes, kNo };
+    std::atomic<std::uint8_t>& known =
+        pairs_[static_cast<unsigned char>(bytes[0]) * 256U + static_cast<unsigned char>(bytes[1])];
+    if (known == kUnknown) {
+      known = AskWhetherCharacter(bytes) ? kYes : kNo;
+    }
+    return known == kYes;
   }
 
-  static std::string EncodeUtf8(std::span<const std::uint16_t> wide) {
-    std::string utf8;
-    utf8.reserve(wide.size() + wide.size() / 4);
-    for (; !wide.empty(); wide = wide.subspan(FirstOf(wide).size())) {
-      const auto first = FirstOf(wide);
-      const std::uint32_t character =
-          first.size() == 1 ? first[0] : 0x10000U + ((first[0] & 0x3FFU) << 10U) + (first[1] & 0x3FFU);
-      const unsigned extra = character < 0x80 ? 0 : character < 0x800 ? 1 : character < 0x10000 ? 2 : 3;
-      constexpr std::array<unsigned, 4> kLeads = {0, 0xC0, 0xE0, 0xF0};
-      utf8.push_back(static_cast<char>(kLeads[extra] | (character >> (6 * extra))));
-      for (unsigned left = extra; left > 0; --left) {
-        utf8.push_back(static_cast<char>(0x80U | ((character >> (6 * (left - 1))) & 0x3FU)));
+  /// Systems put U+FFFD, ASCII or the middle dot of Japanese code pages for what is no character.
+  [[nodiscard]] bool AskWhetherCharacter(std::string_view bytes) const {
+    constexpr std::uint16_t kMiddleDot = 0x30FB;
+    const Utf16 wide = library_.ToWide(bytes, codePage_);
+    if (wide.empty() || FirstCharacter(wide).size() != wide.size() || wide[0] == 0xFFFD) {
+      return false;
+    }
+    const bool ascii = bytes.size() == 1 && (bytes[0] & 0x80) == 0;
+    return ascii || (wide[0] >= 0x80 && (wide[0] != kMiddleDot || library_.FromWide(wide, codePage_) == bytes));
+  }
+
+  const Library& library_;
+  std::int32_t codePage_;
+  bool lossy_;
+  std::array<bool, 256> meansItself_{};
+  mutable std::vector<std::atomic<std::uint8_t>> pairs_ = std::vector<std::atomic<std::uint8_t>>(65536);
+};
+
+/// Writes what goes out.
+class Encoder {
+ public:
+  Encoder(const Library& library, std::int32_t codePage, bool lossy, LetterForm letters)
+      : library_(library), codePage_(codePage), lossy_(lossy), letters_(letters) {}
+
+  /// Throws InputError, naming the letter, where the code page lacks one.
+  [[nodiscard]] std::string Encode(Utf16 wide) const {
+    if (codePage_ == kUtf8) {
+      if (letters_ != nullptr) {
+        std::ranges::transform(wide, wide.begin(), [this](auto unit) { return Unit(letters_(unit)); });
       }
+      return Utf8FromUtf16(wide);
     }
-    return utf8;
+    // A code page of several bytes a letter may need more room than the library gives a text; a letter always fits.
+    std::string bytes = library_.FromWide(wide, codePage_);
+    return IsExactly(bytes, wide) ? bytes : ByCharacter(wide);
   }
 
-  [[nodiscard]] std::string ByCharacter(std::span<const std::uint16_t> wide) const {
-    std::string text;
-    for (; !wide.empty(); wide = wide.subspan(FirstOf(wide).size())) {
-      text += OneCharacter(FirstOf(wide));
+ private:
+  static std::uint16_t Unit(char32_t character) noexcept { return static_cast<std::uint16_t>(character); }
+
+  [[nodiscard]] std::string ByCharacter(Utf16View wide) const {
+    std::string bytes;
+    while (!wide.empty()) {
+      const Utf16View first = FirstCharacter(wide);
+      bytes += OneCharacter(first);
+      wide = wide.subspan(first.size());
     }
-    return text;
+    return bytes;
   }
 
-  [[nodiscard]] std::string OneCharacter(std::span<const std::uint16_t> units) const {
-    const std::string bytes = library_.FromWide(units, to_);
+  [[nodiscard]] std::string OneCharacter(Utf16View units) const {
+    std::string bytes = library_.FromWide(units, codePage_);
     if (IsExactly(bytes, units)) {
       return bytes;
     }
-    const auto cedilla = static_cast<std::uint16_t>(kiv::windows1250::CedillaForm(units[0]));
-    const std::string other = library_.FromWide({&cedilla, 1}, to_);
-    if (cedilla != units[0] && IsExactly(other, {&cedilla, 1})) {
-      return other;
+    for (const LetterForm form : {kiv::windows1250::CedillaForm, kiv::windows1250::CommaBelowForm}) {
+      const std::uint16_t other = Unit(form(units[0]));
+      std::string otherBytes = library_.FromWide({&other, 1}, codePage_);
+      if (other != units[0] && IsExactly(otherBytes, {&other, 1})) {
+        return otherBytes;
+      }
     }
     if (lossy_ && !bytes.empty()) {
       return bytes;
     }
-    throw InputError(Shown(EncodeUtf8(units)) + " is not in code page " + std::to_string(to_));
+    throw InputError(Shown(Utf8FromUtf16(units)) + " is not in code page " + std::to_string(codePage_));
   }
 
-  [[nodiscard]] bool IsExactly(const std::string& bytes, std::span<const std::uint16_t> units) const {
-    const Wide back = library_.ToWide(bytes, to_);
-    return std::equal(back.begin(), back.end(), units.begin(), units.end());
+  [[nodiscard]] bool IsExactly(const std::string& bytes, Utf16View units) const {
+    return IsSame(library_.ToWide(bytes, codePage_), units);
   }
 
   const Library& library_;
-  std::int32_t from_;
-  std::int32_t to_;
+  std::int32_t codePage_;
   bool lossy_;
+  LetterForm letters_;
 };
 
 /// Converts whole lines; a refusal names the line. The character zero ends what the library converts at once.
-void ConvertLines(const Converter& converter, std::string_view lines, std::uint64_t& line, Output& out) {
-  while (!lines.empty()) {
-    const std::size_t end = std::min(lines.find_first_of(std::string_view("\n\0", 2)), lines.size() - 1);
-    const bool zero = lines[end] == '\0';
+std::uint64_t ConvertLines(const Decoder& decoder, const Encoder& encoder, std::string_view text, std::string& out) {
+  std::uint64_t line = 1;
+  out.clear();
+  while (!text.empty()) {
+    const std::size_t end = std::min(text.find_first_of(std::string_view("\n\0", 2)), text.size() - 1);
+    const bool zero = text[end] == '\0';
     try {
-      out.Write(converter.Convert(lines.substr(0, zero ? end : end + 1)));
+      out += encoder.Encode(decoder.Decode(text.substr(0, zero ? end : end + 1)));
     } catch (const InputError& error) {
-      throw InputError("line " + std::to_string(line) + ": " + error.what());
+      throw LineError(line, error.what());
     }
-    out.Write(zero ? std::string_view("\0", 1) : std::string_view());
-    line += lines[end] == '\n' ? 1 : 0;
-    lines.remove_prefix(end + 1);
+    out.append(zero ? 1 : 0, '\0');
+    line += text[end] == '\n' ? 1 : 0;
+    text.remove_prefix(end + 1);
   }
+  return line - 1;
 }
 
 int RunConvert(Session& session, const Arguments& arguments) {
-  const Converter converter(session.Lib(), arguments);
-  auto stream = InputStream::Standard();
-  Progress progress(stream.Size());
-  BlockReader reader([&](char* into, std::size_t capacity) {
-    const std::size_t count = stream.Read(into, capacity);
-    progress.Advance(count);
-    return count;
-  });
-  bool start = converter.DropsByteOrderMark();
-  std::uint64_t line = 1;
-  for (bool more = true; more;) {
-    more = reader.ReadMore();
-    std::string_view window(reader.Window().data(), reader.Window().size());
-    const std::size_t end = more ? window.rfind('\n') + 1 : window.size();
-    if (window.size() - end > kLongestLine) {
-      throw InputError("line " + std::to_string(line) + " has more than 16 MiB");
-    }
-    window = window.substr(0, end);
-    const bool marked = start && window.starts_with(kByteOrderMark);
-    start = start && window.empty();
-    ConvertLines(converter, window.substr(marked ? kByteOrderMark.size() : 0), line, session.out);
-    reader.Consume(end);
-  }
+  const Library& library = session.Lib();
+  const std::int32_t from = ReadCodePage(library, arguments, "from");
+  const std::int32_t to = ReadCodePage(library, arguments, "to");
+  const bool lossy = arguments.Has("lossy");
+  const Decoder decoder(library, from, lossy);
+  const Encoder encoder(library, to, lossy, ReadLetters(arguments, to));
+  Input input("-");
+  const bool dropsMark = from == kUtf8 && to != kUtf8;
+  BlockReader reader(input.Source(), RecordKind::Line,
+                     dropsMark ? BlockReader::ByteOrderMark::Drop : BlockReader::ByteOrderMark::Keep);
+  ForEachBlock<std::string>(
+      reader,
+      [&](std::span<char> text, std::string& out) {
+        return ConvertLines(decoder, encoder, {text.data(), text.size()}, out);
+      },
+      [&](const std::string& out, std::uint64_t /*line*/) {
+        session.out.Write(out);
+        session.out.Flush();  // a person who types waits for it
+      });
   return kDone;
 }
 
 constexpr Command kCommand = {
     "convert", "Convert text between code pages", "--from CP --to CP", 0, 0, kOptions, kDetails, RunConvert};
-
 const Registration kRegistered(kCommand);
 
 }  // namespace

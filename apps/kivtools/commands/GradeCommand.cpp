@@ -1,9 +1,8 @@
 #include <array>
 #include <cstdint>
 
-#include "apps/kivtools/Amount.h"
 #include "apps/kivtools/Command.h"
-#include "apps/kivtools/Shown.h"
+#include "apps/kivtools/Numbers.h"
 
 namespace kivtools {
 namespace {
@@ -19,24 +18,15 @@ constexpr std::string_view kDetails =
     "  kivtools grade 950             NOUĂ, CINCIZECI\n"
     "  kivtools grade 950 --mode 2    (NOUĂ, 50)\n";
 
-std::int32_t ReadInRange(const std::string& text, std::int32_t least, std::int32_t most, const char* what) {
-  const std::int64_t number = ReadWholeNumber(text);
-  if (number < least || number > most) {
-    throw InputError(Shown(text) + " is not " + what + " from " + std::to_string(least) + " to " +
-                     std::to_string(most));
-  }
-  return static_cast<std::int32_t>(number);
-}
-
 int RunGrade(Session& session, const Arguments& arguments) {
-  const std::int32_t grade = ReadInRange(arguments.Values().front(), 100, 1000, "a grade times 100");
+  const std::int32_t grade = ReadWholeNumber(arguments.Values().front(), 100, 1000, "a grade times 100");
   const Library& library = session.Lib();
   std::string text;
   if (const auto mode = arguments.ValueOf("mode")) {
     if (arguments.Has("short")) {
       throw InputError("\"--short\" does not go with --mode");
     }
-    text = library.GradeInBrackets(grade, ReadInRange(*mode, 1, 3, "a mode"));
+    text = library.GradeInBrackets(grade, ReadWholeNumber(*mode, 1, 3, "a mode"));
   } else {
     text = library.Grade(grade, arguments.Has("short"));
   }

@@ -4,11 +4,12 @@
 
 #include "apps/kivtools/Command.h"
 #include "apps/kivtools/Shown.h"
+#include "apps/kivtools/input/Input.h"
 #include "apps/kivtools/invoice/InvoicePrinter.h"
 #include "apps/kivtools/invoice/InvoiceReader.h"
-#include "apps/kivtools/system/InputStream.h"
 #include "apps/kivtools/system/Paths.h"
 #include "apps/kivtools/system/SystemError.h"
+#include "kivtools/Ascii.h"
 
 namespace kivtools {
 namespace {
@@ -36,8 +37,7 @@ constexpr std::string_view kDetails =
 
 bool EndsInCsv(const std::filesystem::path& path) {
   std::string extension = Utf8FromPath(path.extension());
-  std::transform(extension.begin(), extension.end(), extension.begin(),
-                 [](char letter) { return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter + 32) : letter; });
+  std::ranges::transform(extension, extension.begin(), kiv::ascii::ToLower<char>);
   return extension == ".csv";
 }
 
@@ -63,15 +63,8 @@ std::vector<std::string> FilesIn(const std::string& folder) {
 }
 
 Invoice ReadInvoiceFile(const std::string& file, const std::string& shownName) {
-  InputStream stream = file == "-" ? InputStream::Standard() : InputStream::Open(PathFromUtf8(file));
-  Progress progress(stream.Size());
-  return ReadInvoice(
-      [&](char* into, std::size_t capacity) {
-        const std::size_t count = stream.Read(into, capacity);
-        progress.Advance(count);
-        return count;
-      },
-      shownName);
+  Input input(file);
+  return ReadInvoice(input.Source(), shownName);
 }
 
 /// Says which numbers of the parties are wrong.
@@ -90,7 +83,7 @@ int ReportFaults(Session& session, const Invoice& invoice, const InvoiceFaults& 
   int result = kDone;
   for (const auto& [wrong, field, value, what] : kNumbers) {
     if (wrong) {
-      session.out.Flush();  // so that the message stands behind the invoice
+      session.out.Flush();  // so that the message comes after the invoice
       session.Report(shownName + ": " + field + ": " + Shown(value) + " is not " + what);
       result = kCheckSaidNo;
     }
@@ -113,27 +106,34 @@ int PrintFile(Session& session, const std::string& file, bool first) {
   return ReportFaults(session, invoice, faults, shownName);
 }
 
+/// The files that an argument stands for.
+std::vector<std::string> FilesOf(const std::string& given) {
+  std::error_code unknown;  // what cannot be asked is tried as a file, which tells why
+  const bool isFolder = given != "-" && std::filesystem::is_directory(PathFromUtf8(given), unknown);
+  return isFolder ? FilesIn(given) : std::vector{given};
+}
+
 int RunInvoice(Session& session, const Arguments& arguments) {
-  std::vector<std::string> files;
-  for (const std::string& given : arguments.Values()) {
-    std::error_code error;
-    if (std::filesystem::is_directory(PathFromUtf8(given), error)) {
-      const auto inside = FilesIn(given);
-      files.insert(files.end(), inside.begin(), inside.end());
-    } else {
-      files.push_back(given);
-    }
-  }
   int result = kDone;
+  const auto report = [&](const InputError& error) {
+    session.out.Flush();  // so that the message comes after the invoices before it
+    session.Report(error.what());
+    result = kBadInput;
+  };
   bool first = true;
-  for (const std::string& file : files) {
+  const auto print = [&](const std::string& file) {
     try {
       result = std::max(result, PrintFile(session, file, first));
       first = false;
     } catch (const InputError& error) {
-      session.out.Flush();  // so that the message stands behind the invoices before it
-      session.Report(error.what());
-      result = kBadInput;
+      report(error);
+    }
+  };
+  for (const std::string& given : arguments.Values()) {
+    try {
+      std::ranges::for_each(FilesOf(given), print);
+    } catch (const InputError& error) {
+      report(error);
     }
   }
   return result;

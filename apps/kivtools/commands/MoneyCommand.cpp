@@ -1,39 +1,30 @@
 #include <array>
 #include <cstdint>
-#include <limits>
 
-#include "apps/kivtools/Amount.h"
 #include "apps/kivtools/Command.h"
-#include "apps/kivtools/Shown.h"
+#include "apps/kivtools/Numbers.h"
 
 namespace kivtools {
 namespace {
 
 constexpr std::array<Option, 3> kOptions = {{
-    {"decimals", "N", "decimals to show (2); further ones are cut"},
-    {"no-space", "", "no blank behind the comma"},
+    {"decimals", "N", "decimals to show, 0 to 4 (2); further ones are cut"},
+    {"no-space", "", "no blank after the comma"},
     {"parse", "TEXT", "read a Romanian amount and print it plainly"},
 }};
 
 constexpr std::string_view kDetails =
     "AMOUNT is written as 1234.56, with at most four decimals. TEXT is a Romanian amount: a comma before the\n"
-    "decimals; dots and blanks are passed over, decimals behind the fourth are cut.\n\n"
+    "decimals; dots and blanks are passed over, decimals after the fourth are cut.\n\n"
     "Examples:\n"
     "  kivtools money 1234567.89                  1.234.567, 89\n"
     "  kivtools money --no-space -1234.5          -1.234,50\n"
     "  kivtools money --parse \"1.234,5\"           1234.5\n";
 
-std::int32_t ReadDecimals(const std::string& text) {
-  const std::int64_t decimals = ReadWholeNumber(text);
-  if (decimals < std::numeric_limits<std::int32_t>::min() || decimals > std::numeric_limits<std::int32_t>::max()) {
-    throw InputError(Shown(text) + " is no number of decimals");
-  }
-  return static_cast<std::int32_t>(decimals);
-}
-
 std::string Format(const Library& library, const Arguments& arguments) {
   const std::int64_t amount = ReadPlainAmount(arguments.Values().front());
-  const std::int32_t decimals = ReadDecimals(arguments.ValueOf("decimals").value_or("2"));
+  const std::int32_t decimals =
+      ReadWholeNumber(arguments.ValueOf("decimals").value_or("2"), 0, 4, "a number of decimals");
   return arguments.Has("no-space") ? library.MoneyNoSpace(amount, decimals) : library.Money(amount, decimals);
 }
 

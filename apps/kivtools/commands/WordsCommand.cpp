@@ -2,8 +2,8 @@
 #include <cstdint>
 #include <limits>
 
-#include "apps/kivtools/Amount.h"
 #include "apps/kivtools/Command.h"
+#include "apps/kivtools/Numbers.h"
 #include "apps/kivtools/Shown.h"
 
 namespace kivtools {
@@ -22,20 +22,13 @@ constexpr std::string_view kDetails =
     "  kivtools words --compact 1.05    UNLEU,05BANI\n"
     "  kivtools words --number 21       DOUAZECISIUNU\n";
 
-/// The number, refused where the library would drop its upper bits and give the words of another number.
-std::int32_t ReadNumber(const std::string& text) {
-  const std::int64_t number = ReadWholeNumber(text);
-  if (number < std::numeric_limits<std::int32_t>::min() || number > std::numeric_limits<std::int32_t>::max()) {
-    throw InputError(Shown(text) + " is too large to be put into words");
-  }
-  return static_cast<std::int32_t>(number);
-}
-
 std::string Words(const Library& library, const Arguments& arguments) {
   const std::string& text = arguments.Values().front();
   try {
     if (arguments.Has("number")) {
-      return library.NumberInWords(ReadNumber(text));
+      // The library would drop the upper bits of a larger one and give the words of another number.
+      using Limits = std::numeric_limits<std::int32_t>;
+      return library.NumberInWords(ReadWholeNumber(text, Limits::min(), Limits::max(), "a whole number"));
     }
     const std::int64_t amount = ReadPlainAmount(text);
     return arguments.Has("compact") ? library.SumInWordsCompact(amount) : library.SumInWords(amount);

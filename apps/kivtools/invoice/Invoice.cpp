@@ -4,12 +4,13 @@
 #include <limits>
 #include <map>
 
-#include "apps/kivtools/Amount.h"
 #include "apps/kivtools/InputError.h"
+#include "kivtools/Currency.h"
 
 namespace kivtools {
 namespace {
 
+constexpr std::int64_t kUnit = kiv::Currency::kPerUnit;
 /// The most bani that are still an amount of money when counted in ten-thousandths.
 constexpr std::int64_t kMostBani = std::numeric_limits<std::int64_t>::max() / 100;
 
@@ -30,22 +31,23 @@ std::int64_t RoundedQuotient(std::int64_t value, std::int64_t divisor) noexcept 
 std::int64_t LineValue(std::int64_t quantity, std::int64_t unitPrice) {
   // With q = a * 10^4 + b and p = c * 10^4 + d the product in bani is a * c * 100 + (a * d + b * c) / 100 + b * d /
   // 10^6; what the divisions leave is put together before it is rounded.
-  const std::int64_t a = quantity / kTenThousandths;
-  const std::int64_t b = quantity % kTenThousandths;
-  const std::int64_t c = unitPrice / kTenThousandths;
-  const std::int64_t d = unitPrice % kTenThousandths;
+  const std::int64_t a = quantity / kUnit;
+  const std::int64_t b = quantity % kUnit;
+  const std::int64_t c = unitPrice / kUnit;
+  const std::int64_t d = unitPrice % kUnit;
   std::int64_t whole = 0;
   std::int64_t middle = 0;
   if (__builtin_mul_overflow(a, c, &whole) || __builtin_mul_overflow(whole, 100, &whole) ||
       __builtin_add_overflow(a * d, b * c, &middle) || __builtin_add_overflow(whole, middle / 100, &whole) ||
-      __builtin_add_overflow(whole, RoundedQuotient(middle % 100 * kTenThousandths + b * d, 1'000'000), &whole)) {
+      __builtin_add_overflow(whole, RoundedQuotient(middle % 100 * kUnit + b * d, 1'000'000), &whole)) {
     whole = std::numeric_limits<std::int64_t>::max();
   }
   return InRange(whole, "times the quantity");
 }
 
 std::int64_t VatOn(std::int64_t base, std::int32_t rate) {
-  return base / kTenThousandths * rate + RoundedQuotient(base % kTenThousandths * rate, kTenThousandths);
+  constexpr std::int64_t kWhole = 10'000;  // hundredths of a percent
+  return base / kWhole * rate + RoundedQuotient(base % kWhole * rate, kWhole);
 }
 
 InvoiceTotals ComputeTotals(const Invoice& invoice) {

@@ -4,8 +4,9 @@
 #include <array>
 #include <numeric>
 
-#include "apps/kivtools/Amount.h"
+#include "apps/kivtools/FiscalCode.h"
 #include "apps/kivtools/Layout.h"
+#include "apps/kivtools/Numbers.h"
 
 namespace kivtools {
 namespace {
@@ -36,22 +37,6 @@ std::string Grouped(const std::string& account) {
 
 std::string Marked(const std::string& number, bool wrong) {
   return wrong ? number + " (GREȘIT)" : number;
-}
-
-constexpr bool IsCapital(char character) noexcept {
-  return character >= 'A' && character <= 'Z';
-}
-
-bool IsForeign(std::string_view code) noexcept {
-  return code.size() > 2 && IsCapital(code[0]) && IsCapital(code[1]) && !code.starts_with("RO");
-}
-
-std::string_view WithoutRo(std::string_view code) noexcept {
-  if (code.starts_with("RO")) {
-    code.remove_prefix(2);
-    code.remove_prefix(std::min(code.find_first_not_of(' '), code.size()));
-  }
-  return code;
 }
 
 std::string Percent(std::int32_t rate) {

@@ -13,7 +13,7 @@ struct PartyFaults {
 };
 
 /// Which numbers of an invoice are wrong, by the library's checks. An empty one is not, and neither is a fiscal code
-/// with another country's letters in front; "RO" before a Romanian one is passed over.
+/// with another country's letters in front; "RO" before a Romanian one is dropped.
 struct InvoiceFaults {
   PartyFaults seller;
   PartyFaults buyer;

@@ -2,12 +2,13 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <utility>
 
-#include "apps/kivtools/Amount.h"
+#include "apps/kivtools/Dates.h"
+#include "apps/kivtools/Numbers.h"
 #include "apps/kivtools/Shown.h"
 #include "apps/kivtools/input/Csv.h"
+#include "kivtools/Currency.h"
 
 namespace kivtools {
 namespace {
@@ -50,34 +51,16 @@ std::string CleanText(std::string_view field, bool lines) {
   return text;
 }
 
-/// YYYY-MM-DD or DD.MM.YYYY.
-std::chrono::year_month_day ReadDate(std::string_view text) {
-  const bool dotted = text.size() == 10 && text[2] == '.' && text[5] == '.';
-  const bool dashed = text.size() == 10 && text[4] == '-' && text[7] == '-';
-  const auto number = [text](std::size_t at, std::size_t length) {
-    int value = -1;
-    const char* const end = text.data() + at + length;
-    const bool whole = text[at] != '-' && std::from_chars(text.data() + at, end, value).ptr == end;
-    return whole ? value : -1;
-  };
-  if (!dotted && !dashed) {
-    throw InputError("is not a date such as 2026-03-05 or 05.03.2026");
-  }
-  const int year = dotted ? number(6, 4) : number(0, 4);
-  const int month = dotted ? number(3, 2) : number(5, 2);
-  const int day = dotted ? number(0, 2) : number(8, 2);
-  const std::chrono::year_month_day date{std::chrono::year{year}, std::chrono::month{static_cast<unsigned>(month)},
-                                         std::chrono::day{static_cast<unsigned>(day)}};
-  if (year < 1 || !date.ok()) {
-    throw InputError("is not a date that the calendar has");
-  }
-  return date;
+std::chrono::year_month_day ReadInvoiceDate(std::string_view text) {
+  const Moment date = ReadDate(text);
+  return {std::chrono::year(date.year), std::chrono::month(static_cast<unsigned>(date.month)),
+          std::chrono::day(static_cast<unsigned>(date.day))};
 }
 
 std::int32_t ReadVatRate(std::string_view text) {
   const bool signedPercent = text.ends_with('%');
   const std::int64_t rate = ReadFileAmount(signedPercent ? Trimmed(text.substr(0, text.size() - 1)) : text, 2);
-  if (rate < 0 || rate > 100 * kTenThousandths) {
+  if (rate < 0 || rate > 100 * kiv::Currency::kPerUnit) {
     throw InputError("is not a rate from 0 to 100 percent");
   }
   return static_cast<std::int32_t>(rate / 100);
@@ -99,7 +82,7 @@ class Reader {
       throw InputError(name_ + ": there are no lines");
     }
     return std::move(invoice_);
-  } catch (const CsvError& error) {
+  } catch (const LineError& error) {
     throw InputError(name_ + ":" + std::to_string(error.Line()) + ": " + error.what());
   }
 
@@ -175,7 +158,7 @@ class Reader {
     if (field->text != nullptr) {
       field->text(invoice_) = TakeText(key, Field(1), field->required);
     } else {
-      invoice_.date = Take(key, Field(1), ReadDate);
+      invoice_.date = Take(key, Field(1), ReadInvoiceDate);
     }
   }
 

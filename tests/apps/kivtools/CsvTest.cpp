@@ -51,7 +51,7 @@ TEST(CsvReader, RefusesBrokenQuotingWithItsLine) {
     try {
       ReadRecords(text);
       ADD_FAILURE() << text;
-    } catch (const CsvError& error) {
+    } catch (const LineError& error) {
       EXPECT_EQ(error.what(), message);
       EXPECT_EQ(error.Line(), line) << text;
     }
@@ -59,9 +59,15 @@ TEST(CsvReader, RefusesBrokenQuotingWithItsLine) {
 }
 
 TEST(CsvReader, BoundsTheMemoryOfAQuoteThatNeverEnds) {
-  const std::string endless = "a\n\"" + std::string(CsvReader::kLongestRecord + 1, 'x');
-  EXPECT_THROW(ReadRecords(endless), CsvError);
-  const std::string longest(CsvReader::kLongestRecord - 1, 'x');
+  constexpr std::size_t kMost = std::size_t{16} * 1024 * 1024;
+  try {
+    ReadRecords("a\n\n\"" + std::string(kMost, '\n'));
+    ADD_FAILURE();
+  } catch (const LineError& error) {
+    EXPECT_STREQ(error.what(), "a record of more than 16 MiB; does a quote lack its end?");
+    EXPECT_EQ(error.Line(), 3U);
+  }
+  const std::string longest(kMost, 'x');
   EXPECT_EQ(ReadRecords(longest + "\nb"), (Records{{longest}, {"b"}}));
 }
 

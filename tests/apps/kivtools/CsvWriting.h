@@ -4,7 +4,7 @@
 #include <string_view>
 #include <vector>
 
-#include "apps/kivtools/Amount.h"
+#include "apps/kivtools/Numbers.h"
 #include "apps/kivtools/input/BlockReader.h"
 #include "apps/kivtools/input/Csv.h"
 #include "apps/kivtools/invoice/Invoice.h"

@@ -123,7 +123,7 @@ TEST(InvoiceReader, NamesFileLineFieldAndValueOfWhatIsWrong) {
       {"date,2026-02-30\n", "x.csv:1: date: \"2026-02-30\" is not a date that the calendar has"},
       {"date,0000-01-01\n", "x.csv:1: date: \"0000-01-01\" is not a date that the calendar has"},
       {"date,5.3.2026\n", "x.csv:1: date: \"5.3.2026\" is not a date such as 2026-03-05 or 05.03.2026"},
-      {"date,2026--3-05\n", "x.csv:1: date: \"2026--3-05\" is not a date that the calendar has"},
+      {"date,2026--3-05\n", "x.csv:1: date: \"2026--3-05\" is not a date such as 2026-03-05 or 05.03.2026"},
       {"seller,A\n\ndescription,unit,price\n", "x.csv:3: field 3: \"price\" is not the heading \"quantity\""},
       {"seller,A\ndescription,unit,quantity,unit_price,vat_rate\n", "x.csv:2: seller_code is missing"},
       {header.substr(0, header.find("desc")),

@@ -1,4 +1,4 @@
-#include "apps/kivtools/Amount.h"
+#include "apps/kivtools/Numbers.h"
 
 #include <algorithm>
 #include <limits>
@@ -6,16 +6,14 @@
 
 #include "apps/kivtools/InputError.h"
 #include "apps/kivtools/Shown.h"
+#include "kivtools/Ascii.h"
+#include "kivtools/Currency.h"
 
 namespace kivtools {
 namespace {
 
-constexpr bool IsDigit(char character) noexcept {
-  return character >= '0' && character <= '9';
-}
-
 bool AllDigits(std::string_view text) noexcept {
-  return !text.empty() && std::all_of(text.begin(), text.end(), IsDigit);
+  return !text.empty() && std::ranges::all_of(text, kiv::ascii::IsDigit<char>);
 }
 
 /// The number of these digits, dots between them passed over, followed by `decimals` filled up to `places` with zeros.
@@ -119,14 +117,15 @@ std::int64_t ReadPlainAmount(std::string_view text) {
   return *amount;
 }
 
-std::int64_t ReadWholeNumber(std::string_view text) {
+std::int32_t ReadWholeNumber(std::string_view text, std::int32_t least, std::int32_t most, std::string_view what) {
   std::string_view rest = text;
   const bool negative = TakeMinus(rest);
   const auto number = AllDigits(rest) ? Assemble(negative, rest, {}, 0) : std::nullopt;
-  if (!number) {
-    throw InputError(Shown(text) + " is not a whole number of 64 bits");
+  if (!number || *number < least || *number > most) {
+    throw InputError(Shown(text) + " is not " + std::string(what) + " from " + std::to_string(least) + " to " +
+                     std::to_string(most));
   }
-  return *number;
+  return static_cast<std::int32_t>(*number);
 }
 
 std::int64_t ReadFileAmount(std::string_view text, int decimals) {
@@ -143,11 +142,12 @@ std::int64_t ReadFileAmount(std::string_view text, int decimals) {
 }
 
 std::string WritePlainAmount(std::int64_t amount) {
+  constexpr std::uint64_t kUnit = kiv::Currency::kPerUnit;
   // The magnitude in unsigned arithmetic, where the smallest amount has one too.
   const std::uint64_t magnitude =
       amount < 0 ? 0 - static_cast<std::uint64_t>(amount) : static_cast<std::uint64_t>(amount);
-  std::string text = (amount < 0 ? "-" : "") + std::to_string(magnitude / kTenThousandths);
-  std::string decimals = std::to_string(magnitude % kTenThousandths + kTenThousandths).substr(1);
+  std::string text = (amount < 0 ? "-" : "") + std::to_string(magnitude / kUnit);
+  std::string decimals = std::to_string(magnitude % kUnit + kUnit).substr(1);
   decimals.resize(decimals.find_last_not_of('0') + 1);
   return decimals.empty() ? text : text + "." + decimals;
 }

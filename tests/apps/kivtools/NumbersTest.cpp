@@ -3,8 +3,8 @@
 #include <limits>
 #include <random>
 
-#include "apps/kivtools/Amount.h"
 #include "apps/kivtools/InputError.h"
+#include "apps/kivtools/Numbers.h"
 
 namespace kivtools {
 namespace {
@@ -43,11 +43,16 @@ TEST(PlainAmount, ReadsBackWhatIsWritten) {
   EXPECT_EQ(WritePlainAmount(20000), "2");
 }
 
-TEST(WholeNumber, TakesThe64BitRange) {
-  EXPECT_EQ(ReadWholeNumber("-9223372036854775808"), kLeast);
-  EXPECT_EQ(ReadWholeNumber("007"), 7);
-  for (const char* const bad : {"", "1.0", "9223372036854775808", "x", "-"}) {
-    EXPECT_THROW(ReadWholeNumber(bad), InputError) << bad;
+TEST(WholeNumber, TakesItsRangeAndNamesIt) {
+  EXPECT_EQ(ReadWholeNumber("-7", -7, 12, "an hour"), -7);
+  EXPECT_EQ(ReadWholeNumber("0012", -7, 12, "an hour"), 12);
+  for (const char* const bad : {"-8", "13", "", "1.0", "9223372036854775808", "x", "-", "+1", " 1"}) {
+    try {
+      ReadWholeNumber(bad, -7, 12, "an hour");
+      ADD_FAILURE() << bad;
+    } catch (const InputError& error) {
+      EXPECT_EQ(error.what(), "\"" + std::string(bad) + "\" is not an hour from -7 to 12");
+    }
   }
 }
 

@@ -1,0 +1,195 @@
+"""What kivtools does where its streams fail, close or are a terminal: streams_test.py PROGRAM LIBRARY"""
+import fcntl
+import os
+import pty
+import re
+import select
+import shutil
+import struct
+import subprocess
+import sys
+import tempfile
+import termios
+import time
+
+PROGRAM, LIBRARY = (os.path.abspath(path) for path in sys.argv[1:3])
+CODE = b"12345674\n"  # a valid fiscal code
+BAR = re.compile("(█*░*|) ?[0-9]+ %|[0-9]+ MiB")
+failures = 0
+
+
+def expect(what, actual, wanted):
+    global failures
+    if actual != wanted:
+        failures += 1
+        print(f"{what}:\n  is     {actual!r}\n  wanted {wanted!r}")
+
+
+def shell(command, **options):
+    done = subprocess.run(["sh", "-c", command.replace("kivtools", PROGRAM, 1)], capture_output=True, **options)
+    return done.returncode, done.stderr.decode().replace("kivtools ", "", 1)
+
+
+def missing_streams(folder):
+    """Ten rounds each: a worker that outlives what it uses does not crash every time."""
+    lines = os.path.join(folder, "lines")
+    with open(lines, "wb") as file:
+        file.write(CODE * 400_000)
+    fifo = os.path.join(folder, "fifo")
+    os.mkfifo(fifo)
+    cases = [
+        (f"exec kivtools check cui <{lines} >/dev/full", (2, "check: standard output: No space left on device (error 28)\n")),
+        (f"exec kivtools check cui <{lines} >&-", (2, "check: standard output: Bad file descriptor (error 9)\n")),
+        (f"exec kivtools check cui --csv 1 <{lines} >/dev/full", (2, "check: standard output: No space left on device (error 28)\n")),
+        (f"exec kivtools convert --from 1250 --to 852 <{lines} >/dev/full", (2, "convert: standard output: No space left on device (error 28)\n")),
+        (f"{{ kivtools check cui <{lines}; echo $? >&2; }} | head -n 1", (0, "check: standard output: Broken pipe (error 32)\n2\n")),
+    ]
+    for _ in range(10):
+        for command, wanted in cases:
+            expect(command, shell(command), wanted)
+    for command, wanted in [
+        # The file that is read next must not become the missing stream.
+        ("exec kivtools invoice examples/invoice.csv >&-", (2, "invoice: standard output: Bad file descriptor (error 9)\n")),
+        ("exec kivtools invoice examples/invoice.csv >/dev/null 2>&-", (0, "")),
+        ("exec kivtools check cui <&-", (2, "check: standard input: cannot be read: Bad file descriptor (error 9)\n")),
+        (f"exec kivtools check cui <{folder}", (2, "check: standard input: cannot be read: Is a directory (error 21)\n")),
+        (f"exec kivtools version {fifo}", (2, f"version: {fifo} is not a file\n")),
+        (f"exec kivtools invoice {folder}/no.csv", (2, f"invoice: {folder}/no.csv: cannot be opened: No such file or directory (error 2)\n")),
+    ]:
+        expect(command, shell(command, timeout=60), wanted)
+
+
+def comma_letters():
+    """ISO 8859-16 has only the comma forms, Windows-1250 only the cedilla forms. Not every Windows has the former."""
+    def convert(source, target, text):
+        run = subprocess.run([PROGRAM, "convert", "--from", source, "--to", target], input=text, capture_output=True)
+        return run.stdout + run.stderr
+    expect("comma letters", convert("1250", "28606", b"\xba\xfe \xaa\xde\n"), "șț ȘȚ\n".encode("iso8859-16"))
+    expect("cedilla letters", convert("28606", "1250", "șț ȘȚ\n".encode("iso8859-16")), b"\xba\xfe \xaa\xde\n")
+
+
+def installed(folder):
+    """Only the file that the SONAME names is there, as in an installation without development files."""
+    for place in "bin", "lib":
+        os.mkdir(os.path.join(folder, place))
+    program = shutil.copy(PROGRAM, os.path.join(folder, "bin"))
+    shutil.copy(LIBRARY, os.path.join(folder, "lib"))
+    run = subprocess.run([program, "words", "--number", "21"], capture_output=True, cwd="/")
+    expect("installed", run.stdout, b"DOUAZECISIUNU\n")
+    os.remove(os.path.join(folder, "lib", os.path.basename(LIBRARY)))
+    run = subprocess.run([program, "words", "--number", "21"], capture_output=True, cwd="/")
+    expect("not installed", (run.returncode, run.stderr.decode().endswith("; KIVTOOLS_LIBRARY can name the library\n")), (2, True))
+    run = subprocess.run([program, "words", "--number", "21"], capture_output=True, cwd=os.path.dirname(LIBRARY),
+                         env={"KIVTOOLS_LIBRARY": os.path.basename(LIBRARY)})
+    expect("named", run.stdout, b"DOUAZECISIUNU\n")
+
+
+class Terminal:
+    """A terminal's screen; remembers every state that a line of it had."""
+
+    def __init__(self, columns):
+        self.master, self.slave = pty.openpty()
+        fcntl.ioctl(self.slave, termios.TIOCSWINSZ, struct.pack("HHHH", 25, columns, 0, 0))
+        mode = termios.tcgetattr(self.slave)
+        mode[3] &= ~termios.ECHO
+        termios.tcsetattr(self.slave, termios.TCSANOW, mode)
+        self.lines, self.column, self.states, self.pending = [""], 0, set(), b""
+
+    def read(self, seconds):
+        end = time.monotonic() + seconds
+        while time.monotonic() < end:
+            if select.select([self.master], [], [], 0.02)[0]:
+                self.show(os.read(self.master, 65536))
+
+    def show(self, data):
+        data = self.pending + data
+        text = data.decode("utf-8", "ignore")
+        self.pending = data[len(text.encode()):]
+        for part in re.findall(r"\r|\n|[^\r\n]+", text):
+            if part == "\r":
+                self.column = 0
+            elif part == "\n":
+                self.lines.append("")
+                self.column = 0
+            else:
+                line = self.lines[-1].ljust(self.column)
+                self.lines[-1] = line[:self.column] + part + line[self.column + len(part):]
+                self.column += len(part)
+                self.states.add(self.lines[-1].rstrip())
+
+    def result(self):
+        return "\n".join(line.rstrip() for line in self.lines)
+
+
+def on_terminal(arguments, feed, columns=80, stdin=subprocess.PIPE):
+    """Runs the program with its output and messages on a terminal; feed(terminal, process) types and waits."""
+    terminal = Terminal(columns)
+    with subprocess.Popen([PROGRAM, *arguments], stdin=terminal.slave if stdin == "terminal" else stdin,
+                          stdout=terminal.slave, stderr=terminal.slave) as process:
+        feed(terminal, process)
+        while process.poll() is None:
+            terminal.read(0.05)
+        terminal.read(0.2)
+    os.close(terminal.slave)
+    os.close(terminal.master)
+    bars = {state for state in terminal.states if BAR.fullmatch(state)}
+    mixed = {state for state in terminal.states - bars if BAR.search(state)}
+    expect(f"{arguments}: lines that progress shares", mixed, set())
+    return terminal.result(), bars
+
+
+def slowly(pieces):
+    def feed(terminal, process):
+        for piece in pieces:
+            process.stdin.write(piece)
+            process.stdin.flush()
+            terminal.read(1.1)
+        process.stdin.close()
+    return feed
+
+
+def typed(pieces):
+    def feed(terminal, _):
+        for piece in pieces:
+            os.write(terminal.master, piece)
+            terminal.read(1.2)
+        os.write(terminal.master, b"\x04")
+    return feed
+
+
+def unread(terminal, _):
+    """The program waits for its terminal, longer than it works without a bar."""
+    time.sleep(1.2)
+
+
+def on_terminals(folder):
+    result, bars = on_terminal(["check", "cui"], slowly([CODE, CODE, b"x\n", CODE]))
+    expect("results and progress", result, "valid\t12345674\n" * 2 + "invalid\tx\nvalid\t12345674\n4 checked, 1 invalid\n")
+    expect("progress of a pipe", bars, {"0 MiB"})
+
+    result, bars = on_terminal(["convert", "--from", "1250", "--to", "65001"], slowly([b"a\nb", b"c", b"d\n\xff", b"e"]))
+    expect("lines that come in pieces", result, "a\nbcd\n˙e")
+
+    result, bars = on_terminal(["convert", "--from", "20127", "--to", "65001"], slowly([b"a\n", b"b\n", b"\xff\n"]))
+    expect("an error after progress", result, 'a\nb\nkivtools convert: line 3: "\\xFF" is not code page 20127\n')
+
+    result, bars = on_terminal(["check", "cui"], typed([CODE, b"x\n"]), stdin="terminal")
+    expect("typed", (result, bars), ("valid\t12345674\ninvalid\tx\n2 checked, 1 invalid\n", set()))
+
+    lines = os.path.join(folder, "many")
+    with open(lines, "wb") as file:
+        file.write(CODE * 300_000)
+    for columns, longest in (80, len("100 %") + 31), (20, 19), (6, 5):
+        with open(lines, "rb") as file:
+            result, bars = on_terminal(["check", "cui"], unread, columns, file)
+        expect(f"results on {columns} columns", result, "valid\t12345674\n" * 300_000 + "300000 checked, 0 invalid\n")
+        expect(f"the bar on {columns} columns", bool(bars) and all(len(bar) <= longest for bar in bars), True)
+
+
+with tempfile.TemporaryDirectory() as work:
+    missing_streams(work)
+    installed(work)
+    comma_letters()
+    on_terminals(work)
+print(f"{failures} failures")
+sys.exit(failures != 0)

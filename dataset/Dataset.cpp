@@ -55,6 +55,15 @@ std::optional<RowId> Dataset::Find(std::span<const ValueView> key) const {
   return row == store::Contents::kNone ? std::nullopt : std::optional(static_cast<RowId>(row));
 }
 
+std::optional<RowId> Dataset::Find(std::int64_t key) const {
+  std::uint32_t row = store::Contents::kNone;
+  if (store_->FindNumber(key, row)) [[likely]] {
+    return row == store::Contents::kNone ? std::nullopt : std::optional(static_cast<RowId>(row));
+  }
+  const ValueView value(key);
+  return Find(std::span(&value, 1));
+}
+
 Snapshot Dataset::TakeSnapshot() {
   return Snapshot(store_->CopyContents());
 }

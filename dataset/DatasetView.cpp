@@ -1,3 +1,4 @@
+#include "core/Calendar.h"
 #include "core/Numbers.h"
 #include "dataset/store/Contents.h"
 #include "kivtools/dataset/Dataset.h"
@@ -16,20 +17,23 @@ constexpr std::uint8_t BitOf(StoredState state) noexcept {
 constexpr std::uint8_t kPresent =
     BitOf(StoredState::Unmodified) | BitOf(StoredState::Inserted) | BitOf(StoredState::Modified);
 
-[[noreturn]] void RefuseRow(const Contents& contents, std::uint32_t row, TextView why) {
+[[noreturn, gnu::cold, gnu::noinline]] void RefuseRow(const Contents& contents, std::uint32_t row, TextView why) {
   Text message = contents.owner + ": randul ";
   AppendDecimal(message, row);
   throw Error(message.append(why));
 }
 
+[[noreturn, gnu::cold, gnu::noinline]] void RefuseState(const Contents& contents, std::uint32_t row) {
+  const bool isDeleted = row < contents.rowCount && contents.StateOf(row) == StoredState::Deleted;
+  RefuseRow(contents, row, isDeleted ? " este sters" : " nu exista");
+}
+
 /// The row's number. Throws for one that is not there.
-std::uint32_t RequireRow(const Contents& contents, RowId id, bool mayBeDeleted = false) {
+inline std::uint32_t RequireRow(const Contents& contents, RowId id, bool mayBeDeleted = false) {
   const auto row = static_cast<std::uint32_t>(id);
-  if (row >= contents.rowCount || contents.StateOf(row) == StoredState::Gone) {
-    RefuseRow(contents, row, " nu exista");
-  }
-  if (!mayBeDeleted && contents.StateOf(row) == StoredState::Deleted) {
-    RefuseRow(contents, row, " este sters");
+  const StoredState mostAllowed = mayBeDeleted ? StoredState::Deleted : StoredState::Modified;
+  if (row >= contents.rowCount || contents.StateOf(row) > mostAllowed) [[unlikely]] {
+    RefuseState(contents, row);
   }
   return row;
 }
@@ -53,16 +57,14 @@ const Schema& DatasetView::GetSchema() const noexcept {
   return contents_->schema;
 }
 
-std::size_t DatasetView::Resolve(const Contents& contents, const FieldSelector& field) {
-  if (field.owner_ == contents.schemaData) {
-    return field.index_;
-  }
-  if (field.owner_ != nullptr) {
+std::size_t DatasetView::ResolveName(const Contents& contents, FieldSelector field) {
+  if ((field.size_ & FieldSelector::kIsReference) != 0) {
     throw Error(contents.owner + ": campul este al altui set de date");
   }
-  const auto found = contents.schemaData->IndexOf(field.name_);
+  const TextView name(static_cast<const char*>(field.owner_), field.size_);
+  const auto found = contents.schemaData->IndexOf(name);
   if (!found) {
-    throw Error(contents.owner + ": campul " + store::Quoted(field.name_) + " nu exista");
+    throw Error(contents.owner + ": campul " + store::Quoted(name) + " nu exista");
   }
   return *found;
 }
@@ -109,17 +111,13 @@ bool DatasetView::IsNull(RowId row, FieldSelector field) const {
   return contents_->columns[Resolve(*contents_, field)].IsNull(RequireRow(*contents_, row));
 }
 
-Cell DatasetView::Read(RowId row, const FieldSelector& field, TypeSet types) const {
-  const std::size_t index = Resolve(*contents_, field);
-  const FieldType type = contents_->columns[index].type;
-  if ((types >> static_cast<unsigned>(type) & 1U) == 0) {
-    throw InvalidCast(contents_->owner + ": campul " + store::Quoted(contents_->schemaData->fields[index].name) +
-                      " este de tip " + store::TraitsOf(type).name + " si nu se citeste ca alt fel de valoare");
-  }
-  return contents_->Read(RequireRow(*contents_, row), index);
-}
-
 namespace {
+
+[[noreturn, gnu::cold, gnu::noinline]] void RefuseType(const Contents& contents, std::size_t field) {
+  throw InvalidCast(contents.owner + ": campul " + store::Quoted(contents.schemaData->fields[field].name) +
+                    " este de tip " + store::TraitsOf(contents.columns[field].type).name +
+                    " si nu se citeste ca alt fel de valoare");
+}
 
 template <class... Types>
 constexpr std::uint32_t SetOf(Types... types) noexcept {
@@ -127,49 +125,92 @@ constexpr std::uint32_t SetOf(Types... types) noexcept {
 }
 constexpr std::uint32_t kIntegers = SetOf(FieldType::Int16, FieldType::Int32, FieldType::Int64, FieldType::AutoInc);
 constexpr std::uint32_t kMoments = SetOf(FieldType::Date, FieldType::Time, FieldType::DateTime);
+constexpr std::uint32_t kByteTypes = SetOf(FieldType::Blob, FieldType::Memo);
+
+constexpr std::uint32_t NumberOf(RowId row) noexcept {
+  return static_cast<std::uint32_t>(row);
+}
 
 }  // namespace
 
+// The getters read elements straight from their column: whoever goes through rows waits for memory, and the less there
+// is around each wait, the more of them run side by side.
+
+inline const store::Column& DatasetView::Locate(RowId row, FieldSelector field, TypeSet types) const {
+  const std::size_t index = Resolve(*contents_, field);
+  const store::Column& column = contents_->columns[index];
+  if ((types >> static_cast<unsigned>(column.type) & 1U) == 0) [[unlikely]] {
+    RefuseType(*contents_, index);
+  }
+  RequireRow(*contents_, row);
+  return column;
+}
+
 bool DatasetView::GetBool(RowId row, FieldSelector field) const {
-  return Read(row, field, SetOf(FieldType::Boolean)).bits != 0;
+  const store::Column& column = Locate(row, field, SetOf(FieldType::Boolean));
+  return column.values.BitAt(NumberOf(row));
 }
 
 std::int64_t DatasetView::GetInt64(RowId row, FieldSelector field) const {
-  return static_cast<std::int64_t>(Read(row, field, kIntegers).bits);
+  const store::Column& column = Locate(row, field, kIntegers);
+  switch (column.values.ElementWidth()) {
+    case store::Plane::Width::Two:
+      return column.values.At<std::int16_t>(NumberOf(row));
+    case store::Plane::Width::Four:
+      return column.values.At<std::int32_t>(NumberOf(row));
+    default:
+      return column.values.At<std::int64_t>(NumberOf(row));
+  }
 }
 
 double DatasetView::GetDouble(RowId row, FieldSelector field) const {
-  return std::bit_cast<double>(Read(row, field, SetOf(FieldType::Double)).bits);
+  return Locate(row, field, SetOf(FieldType::Double)).values.At<double>(NumberOf(row));
 }
 
 Currency DatasetView::GetCurrency(RowId row, FieldSelector field) const {
-  return Currency::FromRaw(static_cast<std::int64_t>(Read(row, field, SetOf(FieldType::Currency)).bits));
+  const store::Column& column = Locate(row, field, SetOf(FieldType::Currency));
+  return Currency::FromRaw(column.values.At<std::int64_t>(NumberOf(row)));
 }
 
 DateTime DatasetView::GetDateTime(RowId row, FieldSelector field) const {
-  const Cell cell = Read(row, field, kMoments);
-  const FieldType type = contents_->columns[Resolve(*contents_, field)].type;
-  return cell.isNull ? DateTime() : std::get<DateTime>(store::ViewOf(type, cell).Get());
+  const store::Column& column = Locate(row, field, kMoments);
+  if (column.type == FieldType::DateTime) {
+    return MomentOf(column.values.At<std::int64_t>(NumberOf(row)));
+  }
+  const auto element = column.values.At<std::int32_t>(NumberOf(row));
+  return column.type == FieldType::Date ? DateTime(element) : MomentOf(element);
 }
 
 TextView DatasetView::GetText(RowId row, FieldSelector field) const {
-  return Read(row, field, SetOf(FieldType::Text, FieldType::Memo)).bytes;
+  const store::Column& column = Locate(row, field, SetOf(FieldType::Text, FieldType::Memo));
+  if (column.IsNull(NumberOf(row))) {
+    return {};
+  }
+  const auto code = column.values.At<std::uint32_t>(NumberOf(row));
+  return column.type == FieldType::Text ? column.texts.Read(code, contents_->large) : contents_->large.At(code);
 }
 
 std::u16string_view DatasetView::GetWideText(RowId row, FieldSelector field) const {
-  const Cell cell = Read(row, field, SetOf(FieldType::WideText));
-  return cell.isNull ? std::u16string_view()
-                     : std::get<std::u16string_view>(store::ViewOf(FieldType::WideText, cell).Get());
+  const store::Column& column = Locate(row, field, SetOf(FieldType::WideText));
+  if (column.IsNull(NumberOf(row))) {
+    return {};
+  }
+  const std::string_view bytes = column.texts.Read(column.values.At<std::uint32_t>(NumberOf(row)), contents_->large);
+  return {reinterpret_cast<const char16_t*>(bytes.data()), bytes.size() / sizeof(char16_t)};
 }
 
 Guid DatasetView::GetGuid(RowId row, FieldSelector field) const {
-  const Cell cell = Read(row, field, SetOf(FieldType::Guid));
+  const Cell cell = Locate(row, field, SetOf(FieldType::Guid)).Load(NumberOf(row));
   return cell.isNull ? Guid() : std::get<Guid>(store::ViewOf(FieldType::Guid, cell).Get());
 }
 
 BytesView DatasetView::GetBytes(RowId row, FieldSelector field) const {
-  const Cell cell = Read(row, field, SetOf(FieldType::Blob, FieldType::Memo));
-  return cell.isNull ? BytesView() : std::get<BytesView>(store::ViewOf(FieldType::Blob, cell).Get());
+  const store::Column& column = Locate(row, field, kByteTypes);
+  if (column.IsNull(NumberOf(row))) {
+    return {};
+  }
+  const std::string_view bytes = contents_->large.At(column.values.At<std::uint32_t>(NumberOf(row)));
+  return {reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()};
 }
 
 ValueView DatasetView::View(RowId row, FieldSelector field) const {

@@ -104,3 +104,12 @@ struct Contents {
 };
 
 }  // namespace kiv::store
+
+namespace kiv {
+
+inline std::size_t DatasetView::Resolve(const store::Contents& contents, FieldSelector field) {
+  return field.owner_ == contents.schemaData ? field.size_ & ~FieldSelector::kIsReference
+                                             : ResolveName(contents, field);
+}
+
+}  // namespace kiv

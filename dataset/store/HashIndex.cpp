@@ -4,14 +4,6 @@
 
 namespace kiv::store {
 
-void HashIndex::Segment::Put(std::uint32_t tag, std::uint32_t number) noexcept {
-  std::uint32_t at = Home(tag);
-  while (slots[at].number != kNone) {
-    at = Next(at);
-  }
-  slots[at] = {tag, number};
-}
-
 void HashIndex::Grow(Segment& segment, std::uint32_t capacity) {
   Segment grown;
   grown.slots = std::make_unique_for_overwrite<Slot[]>(capacity);
@@ -33,12 +25,6 @@ void HashIndex::ReserveSegment(std::uint32_t segment, std::uint32_t entries) {
   if (entries > 0 && wanted > segments_[segment].capacity) {
     Grow(segments_[segment], wanted < 8 ? 8 : wanted);
   }
-}
-
-void HashIndex::Insert(std::uint32_t tag, std::uint32_t number) noexcept {
-  Segment& segment = segments_[SegmentOf(tag)];
-  segment.Put(tag, number);
-  ++segment.count;
 }
 
 void HashIndex::Erase(std::uint32_t tag, std::uint32_t number) noexcept {

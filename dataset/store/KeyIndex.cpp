@@ -20,6 +20,8 @@ KeyIndex::KeyIndex(const Contents& contents) noexcept
       seed_(Mix64(reinterpret_cast<std::uintptr_t>(&contents) ^ 0x9E3779B97F4A7C15U)) {
   isNumber_ = fields_.size() == 1 && contents.columns[fields_[0]].type != FieldType::Guid &&
               TraitsOf(contents.columns[fields_[0]].type).storage == Storage::Fixed;
+  const FieldType type = isNumber_ ? contents.columns[fields_[0]].type : FieldType::Text;
+  isInteger_ = type == FieldType::Int32 || type == FieldType::Int64 || type == FieldType::AutoInc;
   isExact_ = isNumber_;
 }
 
@@ -78,31 +80,52 @@ void KeyIndex::RefuseTwice(std::span<const Cell> key) const {
   throw Error(contents_.owner + ": cheia " + shown + " exista deja");
 }
 
+std::uint32_t KeyIndex::TagAt(std::uint32_t row, std::vector<Cell>& key) const {
+  if (isNumber_) {
+    const Cell cell = contents_.columns[fields_[0]].Load(row);
+    return TagOf({&cell, 1});
+  }
+  ReadKey(row, key);
+  return TagOf(key);
+}
+
+void KeyIndex::ReserveFor(std::uint32_t rows, std::vector<Cell>& key) {
+  std::array<std::uint32_t, HashIndex::kSegments> counts{};
+  for (std::uint32_t row = 0; row < rows; ++row) {
+    if (contents_.StateOf(row) < StoredState::Deleted) {
+      ++counts[HashIndex::SegmentOf(TagAt(row, key))];
+    }
+  }
+  for (std::uint32_t segment = 0; segment < HashIndex::kSegments; ++segment) {
+    index_.ReserveSegment(segment, counts[segment]);
+  }
+}
+
 void KeyIndex::Build(std::uint32_t rows) {
   if (!Exists()) {
     return;
   }
-  const auto isPresent = [&](std::uint32_t row) { return contents_.StateOf(row) < StoredState::Deleted; };
   KeyIndex built(contents_);
-  std::array<std::uint32_t, HashIndex::kSegments> counts{};
+  built.seed_ = seed_;
   std::vector<Cell> key;
-  for (std::uint32_t row = 0; row < rows; ++row) {
-    if (isPresent(row)) {
-      ReadKey(row, key);
-      ++counts[HashIndex::SegmentOf(TagOf(key))];
+  built.ReserveFor(rows, key);
+  // Places are fetched a few rows ahead: waiting for memory row by row would take most of the time.
+  constexpr std::uint32_t kAhead = 32;
+  std::array<std::uint32_t, kAhead> tags{};
+  for (std::uint32_t first = 0; first < rows; first += kAhead) {
+    const std::uint32_t end = std::min(rows, first + kAhead);
+    for (std::uint32_t row = first; row < end; ++row) {
+      tags[row - first] = TagAt(row, key);
+      built.index_.Prefetch(tags[row - first]);
     }
-  }
-  for (std::uint32_t segment = 0; segment < HashIndex::kSegments; ++segment) {
-    built.index_.ReserveSegment(segment, counts[segment]);
-  }
-  for (std::uint32_t row = 0; row < rows; ++row) {
-    if (isPresent(row)) {
-      ReadKey(row, key);
-      const std::uint32_t tag = TagOf(key);
-      if (built.Find(tag, key) != HashIndex::kNone) {
-        RefuseTwice(key);
+    for (std::uint32_t row = first; row < end; ++row) {
+      if (contents_.StateOf(row) < StoredState::Deleted) {
+        ReadKey(row, key);
+        if (built.Find(tags[row - first], key) != HashIndex::kNone) {
+          RefuseTwice(key);
+        }
+        built.Insert(tags[row - first], key, row);
       }
-      built.Insert(tag, key, row);
     }
   }
   index_ = std::move(built.index_);

@@ -4,6 +4,7 @@
 #include <span>
 
 #include "dataset/store/Contents.h"
+#include "dataset/store/Hash.h"
 #include "dataset/store/HashIndex.h"
 
 namespace kiv::store {
@@ -23,6 +24,16 @@ class KeyIndex {
   [[nodiscard]] std::uint32_t TagOf(std::span<const Cell> key) const noexcept;
   /// The row with that key, HashIndex::kNone if there is none.
   [[nodiscard]] std::uint32_t Find(std::uint32_t tag, std::span<const Cell> key) const noexcept;
+  /// The row with a key of one integer, where all keys fit in 32 bits; false where that is not so.
+  [[nodiscard]] bool FindNumber(std::int64_t key, std::uint32_t& row) const noexcept {
+    if (!isExact_ || isBroken_ || !isInteger_ || key != static_cast<std::int32_t>(key)) {
+      return false;
+    }
+    row = index_.Find(Mix32(static_cast<std::uint32_t>(key) ^ seed_), [](std::uint32_t) { return true; });
+    return true;
+  }
+  /// Brings the place of a tag near that is soon asked for.
+  void Prefetch(std::uint32_t tag) const noexcept { index_.Prefetch(tag); }
   /// Room for one more row with that tag. Throws std::bad_alloc.
   void Reserve(std::uint32_t tag) { index_.Reserve(tag); }
   /// Adds a row. Where no room was made and there is none the index breaks: it does no more until Repair().
@@ -53,12 +64,15 @@ class KeyIndex {
 
  private:
   void ReadKey(std::uint32_t row, std::vector<Cell>& key) const;
+  std::uint32_t TagAt(std::uint32_t row, std::vector<Cell>& key) const;
+  void ReserveFor(std::uint32_t rows, std::vector<Cell>& key);
 
   const Contents& contents_;
   std::span<const std::uint16_t> fields_;
   HashIndex index_;
   std::uint32_t seed_;
   bool isNumber_;
+  bool isInteger_;
   bool isExact_;
   bool isBroken_ = false;
 };

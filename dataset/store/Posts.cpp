@@ -105,9 +105,6 @@ void Store::MakeRowWritable(std::uint32_t row) {
 }
 
 void Store::MakeRoomForInsert(std::uint32_t row, const KeyPlace& place) {
-  for (std::size_t i = 0; i < proposed_.size(); ++i) {
-    Intern(i, proposed_[i]);
-  }
   MakeRowWritable(row);
   for (std::size_t i = 0; i < proposed_.size(); ++i) {
     contents_.columns[i].nulls.MakeWritableFor(row, !proposed_[i].isNull);
@@ -196,6 +193,13 @@ std::uint32_t Store::Insert(std::span<const FieldValue> values) {
       key_.push_back(proposed_[field]);
     }
     place = {keys_.TagOf(key_), key_};
+    keys_.Prefetch(place.tag);
+  }
+  // While the key's place is on its way from memory.
+  for (std::size_t i = 0; i < proposed_.size(); ++i) {
+    Intern(i, proposed_[i]);
+  }
+  if (keys_.Exists()) {
     RefuseKeyOfAnother(place, row);
   }
   AskListeners(ChangeKind::Insert, row);

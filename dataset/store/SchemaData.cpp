@@ -14,34 +14,6 @@ constexpr std::size_t kLongestName = 63;
 constexpr std::int32_t kMostTextBytes = 32'000;
 constexpr std::int32_t kMostWideUnits = 16'000;
 
-constexpr std::array kTraits = {
-    TypeTraits{FieldType::Int16, "Int16", Plane::Width::Two, Storage::Fixed},
-    TypeTraits{FieldType::Int32, "Int32", Plane::Width::Four, Storage::Fixed},
-    TypeTraits{FieldType::Int64, "Int64", Plane::Width::Eight, Storage::Fixed},
-    TypeTraits{FieldType::Currency, "Currency", Plane::Width::Eight, Storage::Fixed},
-    TypeTraits{FieldType::Double, "Double", Plane::Width::Eight, Storage::Fixed},
-    TypeTraits{FieldType::Date, "Date", Plane::Width::Four, Storage::Fixed},
-    TypeTraits{FieldType::Time, "Time", Plane::Width::Four, Storage::Fixed},
-    TypeTraits{FieldType::DateTime, "DateTime", Plane::Width::Eight, Storage::Fixed},
-    TypeTraits{FieldType::Text, "Text", Plane::Width::Four, Storage::Texts},
-    TypeTraits{FieldType::WideText, "WideText", Plane::Width::Four, Storage::Texts},
-    TypeTraits{FieldType::Boolean, "Boolean", Plane::Width::Bit, Storage::Fixed},
-    TypeTraits{FieldType::Guid, "Guid", Plane::Width::Eight, Storage::Fixed},
-    TypeTraits{FieldType::Memo, "Memo", Plane::Width::Four, Storage::Large},
-    TypeTraits{FieldType::Blob, "Blob", Plane::Width::Four, Storage::Large},
-    TypeTraits{FieldType::AutoInc, "AutoInc", Plane::Width::Eight, Storage::Fixed},
-};
-
-constexpr bool StandInOrder() {
-  for (std::size_t i = 0; i < kTraits.size(); ++i) {
-    if (kTraits[i].type != static_cast<FieldType>(i)) {
-      return false;
-    }
-  }
-  return true;
-}
-static_assert(StandInOrder());
-
 /// The lower-case form of an upper-case letter of Windows-1250, other bytes as they are.
 constexpr unsigned char LowerCase(unsigned char byte) noexcept {
   if ((byte >= 'A' && byte <= 'Z') || (byte >= 0xC0 && byte <= 0xDE && byte != 0xD7)) {
@@ -124,10 +96,6 @@ void CheckField(const FieldDef& field) {
 }
 
 }  // namespace
-
-const TypeTraits& TraitsOf(FieldType type) noexcept {
-  return kTraits[static_cast<std::size_t>(type)];
-}
 
 bool IsIdentifier(TextView name) noexcept {
   const auto isLetterOrSign = [](char character) {

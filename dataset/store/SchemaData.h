@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <utility>
 #include <vector>
@@ -24,8 +25,38 @@ struct TypeTraits {
   Storage storage;
 };
 
+inline constexpr std::array kTraits = {
+    TypeTraits{FieldType::Int16, "Int16", Plane::Width::Two, Storage::Fixed},
+    TypeTraits{FieldType::Int32, "Int32", Plane::Width::Four, Storage::Fixed},
+    TypeTraits{FieldType::Int64, "Int64", Plane::Width::Eight, Storage::Fixed},
+    TypeTraits{FieldType::Currency, "Currency", Plane::Width::Eight, Storage::Fixed},
+    TypeTraits{FieldType::Double, "Double", Plane::Width::Eight, Storage::Fixed},
+    TypeTraits{FieldType::Date, "Date", Plane::Width::Four, Storage::Fixed},
+    TypeTraits{FieldType::Time, "Time", Plane::Width::Four, Storage::Fixed},
+    TypeTraits{FieldType::DateTime, "DateTime", Plane::Width::Eight, Storage::Fixed},
+    TypeTraits{FieldType::Text, "Text", Plane::Width::Four, Storage::Texts},
+    TypeTraits{FieldType::WideText, "WideText", Plane::Width::Four, Storage::Texts},
+    TypeTraits{FieldType::Boolean, "Boolean", Plane::Width::Bit, Storage::Fixed},
+    TypeTraits{FieldType::Guid, "Guid", Plane::Width::Eight, Storage::Fixed},
+    TypeTraits{FieldType::Memo, "Memo", Plane::Width::Four, Storage::Large},
+    TypeTraits{FieldType::Blob, "Blob", Plane::Width::Four, Storage::Large},
+    TypeTraits{FieldType::AutoInc, "AutoInc", Plane::Width::Eight, Storage::Fixed},
+};
+
+consteval bool TraitsStandInOrder() {
+  for (std::size_t i = 0; i < kTraits.size(); ++i) {
+    if (kTraits[i].type != static_cast<FieldType>(i)) {
+      return false;
+    }
+  }
+  return true;
+}
+static_assert(TraitsStandInOrder());
+
 /// Of that type. Example: `TraitsOf(FieldType::Text).storage` is Storage::Texts.
-const TypeTraits& TraitsOf(FieldType type) noexcept;
+constexpr const TypeTraits& TraitsOf(FieldType type) noexcept {
+  return kTraits[static_cast<std::size_t>(type)];
+}
 
 /// The bytes that a value takes in a change record: its elements in the column. A Guid has two of eight bytes.
 constexpr std::size_t BytesInRecord(FieldType type, const TypeTraits& traits) noexcept {

@@ -29,6 +29,10 @@ class Store {
   void Update(std::uint32_t row, std::span<const FieldValue> values);
   void Delete(std::uint32_t row);
   [[nodiscard]] std::uint32_t Find(std::span<const ValueView> key);
+  /// Looks a key up the short way, which there is for one integer while all keys fit in 32 bits; false elsewhere.
+  [[nodiscard]] bool FindNumber(std::int64_t key, std::uint32_t& row) const noexcept {
+    return keys_.FindNumber(key, row);
+  }
 
   // The history: see ChangeLog.
   Mark SetMark();

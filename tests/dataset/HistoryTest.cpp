@@ -6,6 +6,7 @@
 
 #include "BlockCopy.h"
 #include "Expect.h"
+#include "Show.h"
 #include "kivtools/dataset/Dataset.h"
 
 namespace kiv {
@@ -30,27 +31,6 @@ Dataset Loaded() {
 constexpr RowId kAlfa{0};
 constexpr RowId kBeta{1};
 constexpr RowId kGama{2};
-
-/// Everything that can be seen of a dataset but its log.
-std::string Show(const DatasetView& view) {
-  std::string shown;
-  for (std::uint32_t row = 0; row < view.GetContents().rowCount; ++row) {
-    if (!view.Exists(RowId{row})) {
-      shown += "-\n";
-      continue;
-    }
-    shown += std::to_string(row) + " " + std::to_string(static_cast<int>(view.State(RowId{row})));
-    for (std::size_t i = 0; i < view.GetSchema().Fields().size(); ++i) {
-      const FieldType type = view.GetSchema().Fields()[i].type;
-      shown += " " + store::Describe(type, view.GetContents().Read(row, i));
-      if (view.State(RowId{row}) != RowState::Inserted) {
-        shown += "/" + store::Describe(type, view.GetContents().ReadOriginal(row, i));
-      }
-    }
-    shown += "\n";
-  }
-  return shown;
-}
 
 TEST(History, AcceptedRowsAreTheOriginals) {
   Dataset lines = Loaded();

@@ -20,7 +20,7 @@
 namespace kiv {
 
 namespace store {
-struct Cell;
+struct Column;
 struct Contents;
 class Store;
 }  // namespace store
@@ -44,16 +44,22 @@ class FieldRef {
 class FieldSelector {
  public:
   // Implicit, so that either form is written as it is.
-  constexpr FieldSelector(FieldRef field) noexcept : owner_(field.owner_), index_(field.index_) {}  // NOLINT
+  constexpr FieldSelector(FieldRef field) noexcept  // NOLINT
+      : owner_(field.owner_), size_(kIsReference | field.index_) {}
   template <class Characters>
   requires std::convertible_to<const Characters&, TextView>
-  constexpr FieldSelector(const Characters& name) noexcept : name_(static_cast<TextView>(name)) {}  // NOLINT
+  constexpr FieldSelector(const Characters& name) noexcept  // NOLINT
+      : FieldSelector(Named{}, static_cast<TextView>(name)) {}
 
  private:
   friend class DatasetView;
-  const void* owner_ = nullptr;
-  std::uint16_t index_ = 0;
-  TextView name_;
+  struct Named {};
+  static constexpr std::size_t kIsReference = ~(~std::size_t{0} >> 1U);
+  constexpr FieldSelector(Named /*tag*/, TextView name) noexcept : owner_(name.data()), size_(name.size()) {}
+
+  // Two words, which are passed in registers: of a reference the dataset and the place, of a name where it is.
+  const void* owner_;
+  std::size_t size_;
 };
 
 /// A field and the value it is to get. Example: `{"suma", 1234.56_lei}`.
@@ -180,8 +186,9 @@ class DatasetView {
   /// A bit for each FieldType.
   using TypeSet = std::uint32_t;
   /// The place of the field. Throws Error for a name that is none and for another dataset's reference.
-  [[nodiscard]] static std::size_t Resolve(const store::Contents& contents, const FieldSelector& field);
-  [[nodiscard]] store::Cell Read(RowId row, const FieldSelector& field, TypeSet types) const;
+  [[nodiscard]] static std::size_t Resolve(const store::Contents& contents, FieldSelector field);
+  [[nodiscard]] static std::size_t ResolveName(const store::Contents& contents, FieldSelector field);
+  [[nodiscard]] const store::Column& Locate(RowId row, FieldSelector field, TypeSet types) const;
 };
 
 /// A dataset as it was at one moment. It shares memory with it, and what is edited later is copied first, 64 KiB at a
@@ -243,6 +250,8 @@ class Dataset : public DatasetView {
   [[nodiscard]] KIV_API std::optional<RowId> Find(std::initializer_list<ValueView> key) const;
   /// The same from values collected at run time.
   [[nodiscard]] KIV_API std::optional<RowId> Find(std::span<const ValueView> key) const;
+  /// The same for a key of one integer field. Example: `linii.Find(17)`.
+  [[nodiscard]] KIV_API std::optional<RowId> Find(std::int64_t key) const;
 
   /// The history of its changes. Example: `linii.Changes().UndoLast()`.
   [[nodiscard]] ChangeLog Changes() noexcept { return ChangeLog(*store_); }

@@ -1,0 +1,163 @@
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "Allocations.h"
+#include "BlockCopy.h"
+#include "Expect.h"
+#include "Show.h"
+#include "kivtools/dataset/Loader.h"
+
+namespace kiv {
+namespace {
+
+using namespace kiv::literals;
+
+/// Rows on both sides of the edge of a block, some of them changed, the log nearly at the end of a piece.
+Dataset Edited() {
+  Dataset dataset("randuri", {{"id", FieldType::AutoInc, kKey},
+                              {"text", FieldType::Text, 20},
+                              {"wide", FieldType::WideText},
+                              {"guid", FieldType::Guid},
+                              {"memo", FieldType::Memo},
+                              {"suma", FieldType::Currency}});
+  Loader loader(dataset);
+  const ValueView null;
+  for (std::int64_t i = 0; i < 64; ++i) {
+    loader.Add({i, "t" + std::to_string(i), null, Guid{1}, null, 1_lei});
+  }
+  loader.Finish();
+  dataset.Set(RowId{1}, "suma", 2_lei);
+  dataset.Delete(RowId{2});
+  dataset.Update(RowId{3}, {{"id", 1003}, {"memo", "m"}});
+  return dataset;
+}
+
+struct Operation {
+  const char* name;
+  void (*act)(Dataset&);
+};
+
+const Operation kOperations[] = {
+    {"insert",
+     [](Dataset& d) {
+       d.Insert({{"text", "nou"}, {"wide", u"n"}, {"guid", Guid{2}}, {"memo", "mm"}});
+     }},
+    {"insert nulls", [](Dataset& d) { d.Insert({}); }},
+    {"insert long",
+     [](Dataset& d) {
+       d.Insert({{"memo", Text(40'000, 'x')}, {"wide", WideText(20'000, u'x')}});
+     }},
+    {"update",
+     [](Dataset& d) {
+       d.Update(RowId{5}, {{"text", "alt"}, {"wide", u"w"}, {"suma", Null{}}});
+     }},
+    {"update key", [](Dataset& d) { d.Set(RowId{5}, "id", std::int64_t{1} << 40U); }},
+    {"update again",
+     [](Dataset& d) {
+       d.Update(RowId{1}, {{"memo", "alt"}, {"guid", Guid{7}}});
+     }},
+    {"delete", [](Dataset& d) { d.Delete(RowId{5}); }},
+    {"revert modified", [](Dataset& d) { d.Changes().RevertRow(RowId{3}); }},
+    {"revert deleted", [](Dataset& d) { d.Changes().RevertRow(RowId{2}); }},
+    {"undo", [](Dataset& d) { d.Changes().UndoLast(); }},
+    {"cancel", [](Dataset& d) { d.Changes().CancelChanges(); }},
+    {"accept", [](Dataset& d) { d.Changes().AcceptChanges(); }},
+    {"mark", [](Dataset& d) { d.Changes().SetMark(); }},
+    {"snapshot", [](Dataset& d) { static_cast<void>(d.TakeSnapshot()); }},
+    {"delta", [](Dataset& d) { static_cast<void>(d.Changes().MakeDelta()); }},
+    {"compact", [](Dataset& d) { d.Compact(); }},
+    {"load",
+     [](Dataset& d) {
+       Loader loader(d);
+       for (std::int64_t i = 100; i < 110; ++i) {
+         loader.Add({i, "t", u"w", Guid{}, "memo", Null{}});
+       }
+       loader.Finish();
+     }},
+};
+
+/// The dataset that an operation is tried on: as it is, with every block shared with a snapshot, or after a compaction.
+enum class Form { Own, Shared, Compacted };
+
+TEST(Allocations, AFailureAtAnyOfThemChangesNothing) {
+  for (const Form form : {Form::Own, Form::Shared, Form::Compacted}) {
+    for (const auto& [name, act] : kOperations) {
+      bool hasFailed = true;
+      for (std::uint64_t failing = 0; hasFailed; ++failing) {
+        ASSERT_LT(failing, 10'000U) << name;
+        Dataset dataset = Edited();
+        if (form == Form::Compacted) {
+          dataset.Compact();
+        }
+        const std::optional<Snapshot> snapshot =
+            form == Form::Shared ? std::optional(dataset.TakeSnapshot()) : std::nullopt;
+        const std::string before = Show(dataset);
+        const std::size_t changes = dataset.Changes().Count();
+        Allocations::FailFrom(failing);
+        try {
+          act(dataset);
+          hasFailed = Allocations::Stop();
+          ASSERT_FALSE(hasFailed) << name << ": a failure went unnoticed";
+        } catch (const std::bad_alloc&) {
+          ASSERT_TRUE(Allocations::Stop());
+          ASSERT_EQ(Show(dataset), before) << name << " " << failing;
+          ASSERT_EQ(dataset.Changes().Count(), changes) << name;
+          for (const std::int64_t key : {1, 2, 3, 5, 63, 1003}) {
+            ASSERT_EQ(dataset.Find({key}).has_value(), key != 2 && key != 3) << name << " " << key;
+          }
+          // And it is as good as new: the same works now, and all of it can be taken back.
+          act(dataset);
+          dataset.Changes().CancelChanges();
+          ASSERT_TRUE(dataset.Find({63}).has_value());
+        }
+        if (snapshot) {
+          ASSERT_EQ(Show(*snapshot), before) << name;
+        }
+      }
+    }
+  }
+}
+
+TEST(Allocations, AFailureWhileBlocksAreReadLosesNothing) {
+  const Dataset source = Edited();
+  bool hasFailed = true;
+  for (std::uint64_t failing = 0; hasFailed; ++failing) {
+    Allocations::FailFrom(failing);
+    try {
+      const Dataset copy(CopyByBlocks(source.GetContents()));
+      hasFailed = Allocations::Stop();
+      ASSERT_EQ(Show(copy), Show(source));
+    } catch (const std::bad_alloc&) {
+      ASSERT_TRUE(Allocations::Stop());
+    }
+  }
+}
+
+TEST(Allocations, NoneIsAbove64KiBButThoseOfLongValues) {
+  Allocations::WatchLargest();
+  Dataset dataset("randuri", {{"id", FieldType::Int32, kKey},
+                              {"text", FieldType::Text},
+                              {"guid", FieldType::Guid},
+                              {"suma", FieldType::Currency}});
+  {
+    Loader loader(dataset);
+    for (int i = 0; i < 100'000; ++i) {
+      loader.Add({i, "un text oarecare " + std::to_string(i), Guid{}, 1_lei});
+    }
+    loader.Finish();
+  }
+  for (int i = 0; i < 80'000; ++i) {
+    dataset.Insert({{"id", 200'000 + i}, {"text", "alt text"}, {"suma", 3_lei}});
+    dataset.Set(static_cast<RowId>(i), "suma", 2_lei);
+  }
+  const Snapshot snapshot = dataset.TakeSnapshot();
+  dataset.Set(RowId{50'000}, "text", "nou");
+  dataset.Changes().CancelChanges();
+  EXPECT_LE(Allocations::Largest(), 64U * 1024);
+  EXPECT_GE(Allocations::Largest(), 32U * 1024) << "nothing was watched";
+}
+
+}  // namespace
+}  // namespace kiv

@@ -98,6 +98,16 @@ RowRange DatasetView::Rows(RowState state) const noexcept {
   return {contents_, BitOf(static_cast<StoredState>(state))};
 }
 
+std::optional<RowId> DatasetView::NextRow(std::optional<RowId> after) const noexcept {
+  const std::uint32_t from = after ? static_cast<std::uint32_t>(*after) + 1 : 0;
+  const std::uint32_t row = RowRange::Next(contents_, from, kPresent);
+  return row == RowRange::kEnd ? std::nullopt : std::optional(static_cast<RowId>(row));
+}
+
+std::size_t DatasetView::ChangeCount() const noexcept {
+  return contents_->log.Count();
+}
+
 bool DatasetView::Exists(RowId row) const noexcept {
   const auto number = static_cast<std::uint32_t>(row);
   return number < contents_->rowCount && contents_->StateOf(number) != StoredState::Gone;

@@ -12,6 +12,7 @@
 #include "kivtools/c/Bitmaps.h"
 #include "kivtools/c/CodePages.h"
 #include "kivtools/c/Colours.h"
+#include "kivtools/c/Dataset.h"
 #include "kivtools/c/DateArithmetic.h"
 #include "kivtools/c/DateText.h"
 #include "kivtools/c/FiscalCode.h"

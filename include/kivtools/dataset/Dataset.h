@@ -137,6 +137,8 @@ class DatasetView {
   [[nodiscard]] KIV_API RowRange Rows() const noexcept;
   /// The rows of one state. Example: `Rows(RowState::Deleted)`.
   [[nodiscard]] KIV_API RowRange Rows(RowState state) const noexcept;
+  /// The row after another one, or the first, deleted ones left out; empty after the last. Example: `NextRow({})`.
+  [[nodiscard]] KIV_API std::optional<RowId> NextRow(std::optional<RowId> after) const noexcept;
   /// Whether the number is that of a row, be it deleted.
   [[nodiscard]] KIV_API bool Exists(RowId row) const noexcept;
   /// The row's state. Throws Error for a row that does not exist.
@@ -166,6 +168,8 @@ class DatasetView {
   [[nodiscard]] KIV_API ValueView View(RowId row, FieldSelector field) const;
   /// Of any field. Example: `linii.Get(row, "suma") == Value(1234.56_lei)`.
   [[nodiscard]] KIV_API Value Get(RowId row, FieldSelector field) const;
+  /// How many changes the log remembers; 0 after they were accepted.
+  [[nodiscard]] KIV_API std::size_t ChangeCount() const noexcept;
   /// The value that the row had when it was loaded or last accepted; also of deleted rows. Throws Error for an inserted
   /// row, which had none. Example: 1234.56_lei after `Set(row, "suma", 1500_lei)`.
   [[nodiscard]] KIV_API Value Original(RowId row, FieldSelector field) const;

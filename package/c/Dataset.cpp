@@ -1,0 +1,483 @@
+#include "kivtools/c/Dataset.h"
+
+#include <algorithm>
+#include <bit>
+#include <new>
+#include <optional>
+#include <vector>
+
+#include "kivtools/dataset/Dataset.h"
+#include "package/c/Abi.h"
+
+using namespace kiv::c;
+using kiv::Value;
+
+struct KivSchema {
+  std::vector<kiv::FieldDef> fields;
+};
+
+struct KivDataset {
+  kiv::Dataset dataset;
+  std::vector<kiv::Mark> marks{};
+  /// The open row and what was set in it.
+  struct Open {
+    std::uint32_t row;
+    std::vector<std::pair<std::size_t, Value>> values;
+  };
+  std::optional<Open> open{};
+};
+
+struct KivDelta {
+  kiv::Delta delta;
+};
+
+namespace {
+
+static_assert(sizeof(KivGuid) == sizeof(kiv::Guid));
+
+constexpr bool IsOneOf(std::int32_t value, std::int32_t last) noexcept {
+  return value >= 0 && value <= last;
+}
+
+/// Notes a value of the open row, which it opens if none is.
+void Set(KivDataset& dataset, std::uint32_t row, std::size_t field, Value value) {
+  static_cast<void>(dataset.dataset.FieldAt(field));
+  if (!dataset.open) {
+    static_cast<void>(dataset.dataset.State(kiv::RowId{row}));
+    dataset.open.emplace(KivDataset::Open{row, {}});
+  } else if (dataset.open->row != row) {
+    throw ArgumentError("row: alt rand este deschis");
+  }
+  dataset.open->values.emplace_back(field, std::move(value));
+}
+
+std::uint32_t Post(KivDataset& dataset) {
+  if (!dataset.open) {
+    throw ArgumentError("dataset: niciun rand nu este deschis");
+  }
+  std::vector<kiv::FieldValue> values;
+  for (const auto& [field, value] : dataset.open->values) {
+    values.push_back({dataset.dataset.FieldAt(field), value});
+  }
+  std::uint32_t row = dataset.open->row;
+  if (row == KIV_NO_ROW) {
+    row = static_cast<std::uint32_t>(dataset.dataset.Insert(values));
+  } else {
+    dataset.dataset.Update(kiv::RowId{row}, values);
+  }
+  dataset.open.reset();
+  return row;
+}
+
+/// How C has a kind of value.
+template <class Number>
+Number ForC(Number value) {
+  return value;
+}
+std::int64_t ForC(kiv::Currency value) {
+  return value.Raw();
+}
+double ForC(kiv::DateTime value) {
+  return value.Days();
+}
+KivGuid ForC(const kiv::Guid& value) {
+  return std::bit_cast<KivGuid>(value);
+}
+
+/// Stores a value of one kind; false for null.
+template <class Kind, class Out>
+bool Store(const Value& value, Out& out) {
+  if (std::holds_alternative<kiv::Null>(value)) {
+    return false;
+  }
+  const Kind* const held = std::get_if<Kind>(&value);
+  if (held == nullptr) {
+    throw kiv::InvalidCast("field: valoarea este de alt fel");
+  }
+  out = static_cast<Out>(ForC(*held));
+  return true;
+}
+
+Value ValueOf(const KivDataset& dataset, std::uint32_t row, std::size_t field) {
+  return dataset.dataset.Get(kiv::RowId{row}, dataset.dataset.FieldAt(field));
+}
+
+Value ValueOf(const KivDelta& delta, std::uint32_t ticket, std::size_t field, std::int32_t original) {
+  return original != 0 ? delta.delta.Original(ticket, field) : delta.delta.Current(ticket, field);
+}
+
+KivAnswer GiveRow(std::optional<kiv::RowId> found, std::uint32_t& row) {
+  if (found) {
+    row = static_cast<std::uint32_t>(*found);
+  }
+  return found ? 1 : 0;
+}
+
+}  // namespace
+
+extern "C" {
+
+KivSchema* KivSchemaNew(void) {
+  return new (std::nothrow) KivSchema;
+}
+
+void KivSchemaFree(KivSchema* schema) {
+  delete schema;
+}
+
+KivStatus KivSchemaAddField(KivSchema* schema, const char* name, size_t length, int32_t type, int32_t size,
+                            int32_t flags) {
+  return Run([=] {
+    auto& fields = KIV_REQUIRED(schema).fields;
+    if (!IsOneOf(type, KIV_FIELD_AUTO_INC)) {
+      throw ArgumentError("type: valoare necunoscuta");
+    }
+    if (!IsOneOf(flags, 31)) {
+      throw ArgumentError("flags: valoare necunoscuta");
+    }
+    fields.emplace_back(kiv::Text(KIV_TEXT(name, length)), static_cast<kiv::FieldType>(type), size,
+                        static_cast<kiv::FieldFlags>(flags));
+  });
+}
+
+KivStatus KivDatasetNew(const char* name, size_t length, const KivSchema* schema, KivDataset** dataset) {
+  return Run([=] {
+    const kiv::TextView given = KIV_TEXT(name, length);
+    const auto& fields = KIV_REQUIRED(schema).fields;
+    KivDataset*& result = KIV_REQUIRED(dataset);
+    result = new KivDataset{kiv::Dataset(given, kiv::Schema(fields))};
+  });
+}
+
+void KivDatasetFree(KivDataset* dataset) {
+  delete dataset;
+}
+
+KivLength KivDatasetField(const KivDataset* dataset, const char* name, size_t length) {
+  return GiveLength([=] { return KIV_REQUIRED(dataset).dataset.Field(KIV_TEXT(name, length)).Index(); });
+}
+
+KivLength KivDatasetRowCount(const KivDataset* dataset) {
+  return GiveLength([=] { return KIV_REQUIRED(dataset).dataset.RowCount(); });
+}
+
+KivAnswer KivDatasetNextRow(const KivDataset* dataset, uint32_t row, uint32_t* next) {
+  return GiveAnswer([=] {
+    const kiv::Dataset& rows = KIV_REQUIRED(dataset).dataset;
+    std::uint32_t& result = KIV_REQUIRED(next);
+    return GiveRow(rows.NextRow(row == KIV_NO_ROW ? std::nullopt : std::optional(kiv::RowId{row})), result) != 0;
+  });
+}
+
+KivStatus KivDatasetState(const KivDataset* dataset, uint32_t row, int32_t* state) {
+  return Run([=] {
+    std::int32_t& result = KIV_REQUIRED(state);
+    result = static_cast<std::int32_t>(KIV_REQUIRED(dataset).dataset.State(kiv::RowId{row}));
+  });
+}
+
+KivAnswer KivDatasetFindInt64(const KivDataset* dataset, int64_t key, uint32_t* row) {
+  return GiveAnswer([=] {
+    std::uint32_t& result = KIV_REQUIRED(row);
+    return GiveRow(KIV_REQUIRED(dataset).dataset.Find(key), result) != 0;
+  });
+}
+
+KivAnswer KivDatasetFindText(const KivDataset* dataset, const char* key, size_t length, uint32_t* row) {
+  return GiveAnswer([=] {
+    std::uint32_t& result = KIV_REQUIRED(row);
+    return GiveRow(KIV_REQUIRED(dataset).dataset.Find({KIV_TEXT(key, length)}), result) != 0;
+  });
+}
+
+KivStatus KivDatasetInsert(KivDataset* dataset) {
+  return Run([=] {
+    KivDataset& opened = KIV_REQUIRED(dataset);
+    if (opened.open) {
+      throw ArgumentError("dataset: alt rand este deschis");
+    }
+    opened.open.emplace(KivDataset::Open{KIV_NO_ROW, {}});
+  });
+}
+
+KivStatus KivDatasetSetNull(KivDataset* dataset, uint32_t row, size_t field) {
+  return Run([=] { Set(KIV_REQUIRED(dataset), row, field, kiv::Null{}); });
+}
+
+KivStatus KivDatasetSetBoolean(KivDataset* dataset, uint32_t row, size_t field, int32_t value) {
+  return Run([=] { Set(KIV_REQUIRED(dataset), row, field, value != 0); });
+}
+
+KivStatus KivDatasetSetInt64(KivDataset* dataset, uint32_t row, size_t field, int64_t value) {
+  return Run([=] { Set(KIV_REQUIRED(dataset), row, field, value); });
+}
+
+KivStatus KivDatasetSetDouble(KivDataset* dataset, uint32_t row, size_t field, double value) {
+  return Run([=] { Set(KIV_REQUIRED(dataset), row, field, value); });
+}
+
+KivStatus KivDatasetSetCurrency(KivDataset* dataset, uint32_t row, size_t field, int64_t value) {
+  return Run([=] { Set(KIV_REQUIRED(dataset), row, field, kiv::Currency::FromRaw(value)); });
+}
+
+KivStatus KivDatasetSetDateTime(KivDataset* dataset, uint32_t row, size_t field, double days) {
+  return Run([=] { Set(KIV_REQUIRED(dataset), row, field, kiv::DateTime(days)); });
+}
+
+KivStatus KivDatasetSetText(KivDataset* dataset, uint32_t row, size_t field, const char* text, size_t length) {
+  return Run([=] { Set(KIV_REQUIRED(dataset), row, field, kiv::Text(KIV_TEXT(text, length))); });
+}
+
+KivStatus KivDatasetSetWideText(KivDataset* dataset, uint32_t row, size_t field, const uint16_t* text, size_t length) {
+  return Run([=] { Set(KIV_REQUIRED(dataset), row, field, KIV_WIDE(text, length)); });
+}
+
+KivStatus KivDatasetSetGuid(KivDataset* dataset, uint32_t row, size_t field, const KivGuid* value) {
+  return Run([=] { Set(KIV_REQUIRED(dataset), row, field, std::bit_cast<kiv::Guid>(KIV_REQUIRED(value))); });
+}
+
+KivStatus KivDatasetSetBytes(KivDataset* dataset, uint32_t row, size_t field, const uint8_t* bytes, size_t size) {
+  return Run([=] {
+    if (size > 0) {
+      KIV_REQUIRED(bytes);
+    }
+    Set(KIV_REQUIRED(dataset), row, field, kiv::Bytes(bytes, bytes + size));
+  });
+}
+
+KivStatus KivDatasetPost(KivDataset* dataset, uint32_t* posted) {
+  return Run([=] {
+    const std::uint32_t row = Post(KIV_REQUIRED(dataset));
+    if (posted != nullptr) {
+      *posted = row;
+    }
+  });
+}
+
+KivStatus KivDatasetCancel(KivDataset* dataset) {
+  return Run([=] { KIV_REQUIRED(dataset).open.reset(); });
+}
+
+KivStatus KivDatasetDelete(KivDataset* dataset, uint32_t row) {
+  return Run([=] { KIV_REQUIRED(dataset).dataset.Delete(kiv::RowId{row}); });
+}
+
+KivAnswer KivDatasetIsNull(const KivDataset* dataset, uint32_t row, size_t field) {
+  return GiveAnswer([=] {
+    const kiv::Dataset& rows = KIV_REQUIRED(dataset).dataset;
+    return rows.IsNull(kiv::RowId{row}, rows.FieldAt(field));
+  });
+}
+
+KivAnswer KivDatasetGetBoolean(const KivDataset* dataset, uint32_t row, size_t field, int32_t* value) {
+  return GiveAnswer([=] {
+    int32_t& result = KIV_REQUIRED(value);
+    return Store<bool>(ValueOf(KIV_REQUIRED(dataset), row, field), result);
+  });
+}
+
+KivAnswer KivDatasetGetInt64(const KivDataset* dataset, uint32_t row, size_t field, int64_t* value) {
+  return GiveAnswer([=] {
+    int64_t& result = KIV_REQUIRED(value);
+    return Store<std::int64_t>(ValueOf(KIV_REQUIRED(dataset), row, field), result);
+  });
+}
+
+KivAnswer KivDatasetGetDouble(const KivDataset* dataset, uint32_t row, size_t field, double* value) {
+  return GiveAnswer([=] {
+    double& result = KIV_REQUIRED(value);
+    return Store<double>(ValueOf(KIV_REQUIRED(dataset), row, field), result);
+  });
+}
+
+KivAnswer KivDatasetGetCurrency(const KivDataset* dataset, uint32_t row, size_t field, int64_t* value) {
+  return GiveAnswer([=] {
+    int64_t& result = KIV_REQUIRED(value);
+    return Store<kiv::Currency>(ValueOf(KIV_REQUIRED(dataset), row, field), result);
+  });
+}
+
+KivAnswer KivDatasetGetDateTime(const KivDataset* dataset, uint32_t row, size_t field, double* value) {
+  return GiveAnswer([=] {
+    double& result = KIV_REQUIRED(value);
+    return Store<kiv::DateTime>(ValueOf(KIV_REQUIRED(dataset), row, field), result);
+  });
+}
+
+KivAnswer KivDatasetGetGuid(const KivDataset* dataset, uint32_t row, size_t field, KivGuid* value) {
+  return GiveAnswer([=] {
+    KivGuid& result = KIV_REQUIRED(value);
+    return Store<kiv::Guid>(ValueOf(KIV_REQUIRED(dataset), row, field), result);
+  });
+}
+
+KivLength KivDatasetGetText(const KivDataset* dataset, uint32_t row, size_t field, char* buffer, size_t capacity) {
+  return GiveText(buffer, capacity, [=] {
+    const kiv::Dataset& rows = KIV_REQUIRED(dataset).dataset;
+    return rows.GetText(kiv::RowId{row}, rows.FieldAt(field));
+  });
+}
+
+KivLength KivDatasetGetWideText(const KivDataset* dataset, uint32_t row, size_t field, uint16_t* buffer,
+                                size_t capacity) {
+  return GiveText(buffer, capacity, [=] {
+    const kiv::Dataset& rows = KIV_REQUIRED(dataset).dataset;
+    return rows.GetWideText(kiv::RowId{row}, rows.FieldAt(field));
+  });
+}
+
+KivLength KivDatasetGetBytes(const KivDataset* dataset, uint32_t row, size_t field, uint8_t* buffer, size_t capacity) {
+  return GiveLength([=] {
+    KIV_BUFFER(buffer, capacity);
+    const kiv::Dataset& rows = KIV_REQUIRED(dataset).dataset;
+    const kiv::BytesView bytes = rows.GetBytes(kiv::RowId{row}, rows.FieldAt(field));
+    std::copy_n(bytes.begin(), std::min(bytes.size(), capacity), buffer);
+    return bytes.size();
+  });
+}
+
+KivLength KivDatasetChangeCount(const KivDataset* dataset) {
+  return GiveLength([=] { return KIV_REQUIRED(dataset).dataset.ChangeCount(); });
+}
+
+KivStatus KivDatasetSetMark(KivDataset* dataset, size_t* mark) {
+  return Run([=] {
+    std::size_t& result = KIV_REQUIRED(mark);
+    KivDataset& marked = KIV_REQUIRED(dataset);
+    marked.marks.push_back(marked.dataset.Changes().SetMark());
+    result = marked.marks.size() - 1;
+  });
+}
+
+KivStatus KivDatasetRollbackTo(KivDataset* dataset, size_t mark) {
+  return Run([=] {
+    KivDataset& marked = KIV_REQUIRED(dataset);
+    if (mark >= marked.marks.size()) {
+      throw ArgumentError("mark: valoare necunoscuta");
+    }
+    marked.dataset.Changes().RollbackTo(marked.marks[mark]);
+  });
+}
+
+KivAnswer KivDatasetUndoLast(KivDataset* dataset) {
+  return GiveAnswer([=] { return KIV_REQUIRED(dataset).dataset.Changes().UndoLast(); });
+}
+
+KivStatus KivDatasetRevertRow(KivDataset* dataset, uint32_t row) {
+  return Run([=] { KIV_REQUIRED(dataset).dataset.Changes().RevertRow(kiv::RowId{row}); });
+}
+
+KivStatus KivDatasetCancelChanges(KivDataset* dataset) {
+  return Run([=] { KIV_REQUIRED(dataset).dataset.Changes().CancelChanges(); });
+}
+
+KivStatus KivDatasetAcceptChanges(KivDataset* dataset) {
+  return Run([=] { KIV_REQUIRED(dataset).dataset.Changes().AcceptChanges(); });
+}
+
+KivStatus KivDatasetCompact(KivDataset* dataset) {
+  return Run([=] { KIV_REQUIRED(dataset).dataset.Compact(); });
+}
+
+KivStatus KivDatasetMakeDelta(KivDataset* dataset, KivDelta** delta) {
+  return Run([=] {
+    KivDelta*& result = KIV_REQUIRED(delta);
+    result = new KivDelta{KIV_REQUIRED(dataset).dataset.Changes().MakeDelta()};
+  });
+}
+
+void KivDeltaFree(KivDelta* delta) {
+  delete delta;
+}
+
+KivLength KivDeltaCount(const KivDelta* delta) {
+  return GiveLength([=] { return KIV_REQUIRED(delta).delta.Count(); });
+}
+
+KivStatus KivDeltaId(const KivDelta* delta, KivGuid* id) {
+  return Run([=] {
+    KivGuid& result = KIV_REQUIRED(id);
+    result = ForC(KIV_REQUIRED(delta).delta.Id());
+  });
+}
+
+KivStatus KivDeltaTicket(const KivDelta* delta, uint32_t ticket, int32_t* kind, uint32_t* row) {
+  return Run([=] {
+    const kiv::Delta& changes = KIV_REQUIRED(delta).delta;
+    const auto number = static_cast<std::uint32_t>(changes.Row(ticket));
+    if (kind != nullptr) {
+      *kind = static_cast<std::int32_t>(changes.Kind(ticket));
+    }
+    if (row != nullptr) {
+      *row = number;
+    }
+  });
+}
+
+KivAnswer KivDeltaIsChanged(const KivDelta* delta, uint32_t ticket, size_t field) {
+  return GiveAnswer([=] { return KIV_REQUIRED(delta).delta.IsChanged(ticket, field); });
+}
+
+KivAnswer KivDeltaHasOriginal(const KivDelta* delta, uint32_t ticket, size_t field) {
+  return GiveAnswer([=] { return KIV_REQUIRED(delta).delta.HasOriginal(ticket, field); });
+}
+
+KivAnswer KivDeltaGetBoolean(const KivDelta* delta, uint32_t ticket, size_t field, int32_t original, int32_t* value) {
+  return GiveAnswer([=] {
+    int32_t& result = KIV_REQUIRED(value);
+    return Store<bool>(ValueOf(KIV_REQUIRED(delta), ticket, field, original), result);
+  });
+}
+
+KivAnswer KivDeltaGetInt64(const KivDelta* delta, uint32_t ticket, size_t field, int32_t original, int64_t* value) {
+  return GiveAnswer([=] {
+    int64_t& result = KIV_REQUIRED(value);
+    return Store<std::int64_t>(ValueOf(KIV_REQUIRED(delta), ticket, field, original), result);
+  });
+}
+
+KivAnswer KivDeltaGetDouble(const KivDelta* delta, uint32_t ticket, size_t field, int32_t original, double* value) {
+  return GiveAnswer([=] {
+    double& result = KIV_REQUIRED(value);
+    return Store<double>(ValueOf(KIV_REQUIRED(delta), ticket, field, original), result);
+  });
+}
+
+KivAnswer KivDeltaGetCurrency(const KivDelta* delta, uint32_t ticket, size_t field, int32_t original, int64_t* value) {
+  return GiveAnswer([=] {
+    int64_t& result = KIV_REQUIRED(value);
+    return Store<kiv::Currency>(ValueOf(KIV_REQUIRED(delta), ticket, field, original), result);
+  });
+}
+
+KivAnswer KivDeltaGetDateTime(const KivDelta* delta, uint32_t ticket, size_t field, int32_t original, double* value) {
+  return GiveAnswer([=] {
+    double& result = KIV_REQUIRED(value);
+    return Store<kiv::DateTime>(ValueOf(KIV_REQUIRED(delta), ticket, field, original), result);
+  });
+}
+
+KivAnswer KivDeltaGetGuid(const KivDelta* delta, uint32_t ticket, size_t field, int32_t original, KivGuid* value) {
+  return GiveAnswer([=] {
+    KivGuid& result = KIV_REQUIRED(value);
+    return Store<kiv::Guid>(ValueOf(KIV_REQUIRED(delta), ticket, field, original), result);
+  });
+}
+
+KivLength KivDeltaGetText(const KivDelta* delta, uint32_t ticket, size_t field, int32_t original, char* buffer,
+                          size_t capacity) {
+  return GiveText(buffer, capacity, [=] {
+    kiv::Text text;
+    const Value value = ValueOf(KIV_REQUIRED(delta), ticket, field, original);
+    if (!std::holds_alternative<kiv::Null>(value)) {
+      const kiv::Text* const held = std::get_if<kiv::Text>(&value);
+      if (held == nullptr) {
+        throw kiv::InvalidCast("field: valoarea este de alt fel");
+      }
+      text = *held;
+    }
+    return text;
+  });
+}
+
+}  // extern "C"

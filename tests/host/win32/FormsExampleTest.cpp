@@ -8,6 +8,7 @@
 #include <functional>
 #include <string>
 #include <thread>
+#include <vector>
 
 namespace {
 
@@ -49,23 +50,24 @@ HWND Shown(const wchar_t* title) {
   return found;
 }
 
+struct Search {
+  const wchar_t* text;
+  HWND found;
+};
+
+BOOL CALLBACK IsWanted(HWND child, LPARAM argument) {
+  auto& search = *reinterpret_cast<Search*>(argument);
+  wchar_t shown[128] = L"";
+  GetWindowTextW(child, shown, 128);
+  if (std::wstring(shown) == search.text) {
+    search.found = child;
+  }
+  return search.found == nullptr ? TRUE : FALSE;
+}
+
 HWND Inside(HWND form, const wchar_t* text) {
-  struct Search {
-    const wchar_t* text;
-    HWND found;
-  } search{text, nullptr};
-  EnumChildWindows(
-      form,
-      [](HWND child, LPARAM argument) -> BOOL {
-        auto& wanted = *reinterpret_cast<Search*>(argument);
-        wchar_t shown[128] = L"";
-        GetWindowTextW(child, shown, 128);
-        if (std::wstring(shown) == wanted.text) {
-          wanted.found = child;
-        }
-        return wanted.found == nullptr ? TRUE : FALSE;
-      },
-      reinterpret_cast<LPARAM>(&search));
+  Search search{text, nullptr};
+  EnumChildWindows(form, &IsWanted, reinterpret_cast<LPARAM>(&search));
   return search.found;
 }
 

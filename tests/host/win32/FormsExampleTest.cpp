@@ -58,7 +58,7 @@ struct Search {
 BOOL CALLBACK IsWanted(HWND child, LPARAM argument) {
   auto& search = *reinterpret_cast<Search*>(argument);
   wchar_t shown[128] = L"";
-  GetWindowTextW(child, shown, 128);
+  SendMessageW(child, WM_GETTEXT, 128, reinterpret_cast<LPARAM>(shown));  // an edit tells its text to no other process
   if (std::wstring(shown) == search.text) {
     search.found = child;
   }

@@ -24,7 +24,7 @@ class PreparedConsole {
   PreparedConsole& operator=(const PreparedConsole&) = delete;
 
  private:
-  unsigned formerCodePage_ = 0;
+  [[maybe_unused]] unsigned formerCodePage_ = 0;  // Windows alone
 };
 
 /// The arguments of main() as UTF-8, without the program's name.

@@ -307,7 +307,7 @@ TEST(VersionDamage, RefusesADirectoryThatTheOptionalHeaderIsTooShortFor) {
   const std::size_t header = version::Number32(std::span(whole).subspan(60)) + 24;
   const std::size_t sections = header + version::Number16(std::span(whole).subspan(header - 4));
   // The section headers come straight after the optional one, wherever that ends.
-  for (const std::size_t length : {120, 119, 116}) {
+  for (const std::size_t length : {120U, 119U, 116U}) {
     Bytes image = whole;
     image[header - 4] = static_cast<std::uint8_t>(length);
     std::copy_n(whole.begin() + static_cast<std::ptrdiff_t>(sections), 40 * whole[header - 18],

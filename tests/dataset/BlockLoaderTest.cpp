@@ -103,7 +103,7 @@ TEST(BlockLoader, RefusesBlocksThatNoPostCouldHaveMade) {
   for (const auto& [spoil, message] : kCases) {
     Broken broken;
     ExpectError<Error>(
-        [&] {
+        [&broken, spoil = spoil] {
           spoil(broken);
           broken->EndBlock();
           broken->Finish();
@@ -154,7 +154,7 @@ TEST(BlockLoader, RefusesLogsThatNoEditsCouldHaveLeft) {
   for (const auto& [message, add] : kCases) {
     Broken broken;
     broken->EndBlock();
-    ExpectError<Error>([&] { add(*broken); }, "Dataset \"stricat\": " + Text(message));
+    ExpectError<Error>([&broken, add = add] { add(*broken); }, "Dataset \"stricat\": " + Text(message));
   }
 }
 

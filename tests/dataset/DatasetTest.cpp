@@ -135,7 +135,11 @@ TEST(Dataset, RefusesWhatAFieldCannotHold) {
   };
   for (const auto& [type, size, value, message] : kCases) {
     Dataset dataset = OneField(type, size);
-    ExpectError<Error>([&] { dataset.Insert({{"v", value}}); }, "Dataset \"unul\": campul \"v\" " + Text(message));
+    ExpectError<Error>(
+        [&dataset, value = value] {
+          dataset.Insert({{"v", value}});
+        },
+        "Dataset \"unul\": campul \"v\" " + Text(message));
     EXPECT_EQ(dataset.RowCount(), 0U);
   }
 }

@@ -55,7 +55,7 @@ TEST(Schema, RefusesWhatNoDatasetCanHold) {
       {{"a", FieldType::Text, 2, kRequired, Text("abc")}, "Schema: campul \"a\" tine cel mult 2 octeti, nu 3"},
   };
   for (const auto& [field, message] : kCases) {
-    ExpectError<Error>([&] { Schema(std::vector<FieldDef>{{"alfa", FieldType::Int32}, field}); }, message);
+    ExpectError<Error>([field = field] { Schema(std::vector<FieldDef>{{"alfa", FieldType::Int32}, field}); }, message);
   }
   ExpectError<Error>([] { Schema(std::vector<FieldDef>()); }, "Schema: un set de date are 1..1024 campuri, nu 0");
 }

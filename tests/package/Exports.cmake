@@ -1,6 +1,6 @@
 cmake_policy(VERSION 3.25)
 # The shared library publishes its own names and none of what it is made from: a host may hold another version of those.
-set(own "_Z(NK?|T[ISV]N?|StlsN?)3kiv.*|Kiv[A-Z].*|GetPackageInfoTable|Initialize|Finalize|PackageLoadEntry")
+set(own "_Z(NK?|T[ISV]N?|Thn[0-9]+_NK?|StlsN?)3kiv.*|Kiv[A-Z].*|GetPackageInfoTable|Initialize|Finalize|PackageLoadEntry")
 if(BINARY MATCHES "\\.dll$")
   execute_process(COMMAND ${OBJDUMP} -p ${BINARY} OUTPUT_VARIABLE headers COMMAND_ERROR_IS_FATAL ANY)
   string(REGEX REPLACE ".*Ordinal/Name Pointer\\] Table\n" "" headers "${headers}")
@@ -23,3 +23,7 @@ foreach(needed KivInitialize KivLastErrorMessage GetPackageInfoTable Initialize 
     message(SEND_ERROR "${BINARY} does not publish ${needed}")
   endif()
 endforeach()
+# A class of the host may be derived from: its table also names functions that are reached through a second base.
+if(NOT BINARY MATCHES "\\.dll$" AND NOT published MATCHES "_ZThn[0-9]+_N3kiv4host12LaidOutPanel9OnResizedEv")
+  message(SEND_ERROR "${BINARY} does not publish what a class derived from kiv::host::LaidOutPanel needs")
+endif()

@@ -142,8 +142,9 @@ void LayoutNode::Scale(std::int32_t multiplier, std::int32_t divisor) {
     PutAt(Rect::At(bounds.left, bounds.top, bounds.Width() - client.width + Scaled(client.width, multiplier, divisor),
                    bounds.Height() - client.height + Scaled(client.height, multiplier, divisor)));
   }
-  ScaleFont(multiplier, divisor);
+  // From the inside out: where controls without a font of their own take their container's, each is scaled once.
   ScaleChildren(plan, multiplier, divisor);
+  ScaleFont(multiplier, divisor);
 }
 
 void LayoutNode::ScaleFont(std::int32_t /*multiplier*/, std::int32_t /*divisor*/) {}
@@ -262,8 +263,10 @@ void LayoutNode::ScaleChildren(const std::vector<Scaling>& plan, std::int32_t mu
     }
     step.node->MoveTo(step.bounds);
     if (IsChild(step.node)) {
-      step.node->ScaleFont(multiplier, divisor);
       step.node->ScaleChildren(step.children, multiplier, divisor);
+    }
+    if (IsChild(step.node)) {
+      step.node->ScaleFont(multiplier, divisor);
       step.node->KeepDesign();
     }
   }

@@ -182,6 +182,21 @@ TEST(Layout, ScalesWithEverythingInside) {
   EXPECT_EQ(panel.Bounds(), Rect::At(7, 13, 68, 32));
 }
 
+TEST(Layout, FontsAreScaledFromTheInsideOut) {
+  static std::vector<Text> scaled;
+  struct Lettered : Panel {
+    using Panel::Panel;
+    void ScaleFont(std::int32_t multiplier, std::int32_t divisor) override {
+      scaled.push_back(Name() + " " + std::to_string(multiplier) + ":" + std::to_string(divisor));
+    }
+  };
+  Lettered outer(nullptr, "outer");
+  Lettered middle(&outer, "middle");
+  Lettered inner(&middle, "inner");
+  outer.ScaleBy(5, 4);
+  EXPECT_EQ(scaled, (std::vector<Text>{"inner 5:4", "middle 5:4", "outer 5:4"}));
+}
+
 TEST(HeadlessForm, ItsWindowOutlivesIt) {
   std::shared_ptr<Window> window;
   {

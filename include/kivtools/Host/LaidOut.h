@@ -48,12 +48,14 @@ class KIV_API LayoutNode {
   [[nodiscard]] virtual Control& AsControl() = 0;
   /// Where the framework has the control now.
   [[nodiscard]] virtual Rect Place() const = 0;
-  /// Lets the framework move it. A change of the inner area has to reach Resized, sooner or later.
+  /// Lets the framework move it. A change of the inner area has to reach Resized: where the framework tells of it only
+  /// later, as some do of what is hidden, this calls Resized itself.
   virtual void MoveTo(const Rect& bounds) = 0;
   /// The size of the inner area, without frame and borders.
   [[nodiscard]] virtual Size ClientSize() const = 0;
   [[nodiscard]] virtual bool Shown() const = 0;
-  /// Scales the font, where there is one, after the control itself has been scaled.
+  /// Scales the font, where there is one, after the control itself and everything in it has been scaled. A control that
+  /// took its container's font has to keep the scaled one as its own.
   virtual void ScaleFont(std::int32_t multiplier, std::int32_t divisor);
   /// The inner area has another size, and the children have been laid out.
   virtual void OnResized() {}

@@ -2,6 +2,9 @@ include(CMakePackageConfigHelpers)
 
 set(KIV_CMAKE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/KivToolsRePack)
 set(KIV_INSTALLED KivToolsRePack KivToolsRePackStatic kiv_loader kivtools)
+if(TARGET KivToolsRePackQtHost)
+  list(APPEND KIV_INSTALLED KivToolsRePackQtHost)
+endif()
 # ./run builds this, so that what it leaves can be installed.
 add_custom_target(kiv_installed DEPENDS ${KIV_INSTALLED})
 
@@ -39,3 +42,10 @@ file(RELATIVE_PATH KIV_PREFIX_FROM_PC ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${C
 configure_file(cmake/kivtoolsrepack.pc.in kivtoolsrepack.pc @ONLY)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/kivtoolsrepack.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig
   COMPONENT Development)
+
+# The host for Qt applications, for who writes one.
+if(TARGET KivToolsRePackQtHost)
+  install(TARGETS KivToolsRePackQtHost EXPORT KivToolsRePackQtHostTargets ARCHIVE COMPONENT QtHost)
+  install(DIRECTORY host/qt/include/kivtools DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT QtHost)
+  install(EXPORT KivToolsRePackQtHostTargets NAMESPACE KivToolsRePack:: DESTINATION ${KIV_CMAKE_DIR} COMPONENT QtHost)
+endif()

@@ -1,0 +1,33 @@
+# Installs the Qt host with what it stands on, builds the example as a project of its own over that, and runs it.
+cmake_policy(VERSION 3.25)
+file(REMOVE_RECURSE ${WORK})
+set(prefix ${WORK}/installed)
+
+function(run)
+  execute_process(COMMAND ${ARGN} RESULT_VARIABLE result OUTPUT_VARIABLE output ERROR_VARIABLE output)
+  if(NOT result EQUAL 0)
+    message(FATAL_ERROR "${result}: ${ARGN}\n${output}")
+  endif()
+endfunction()
+
+foreach(component Runtime Development)
+  run(${CMAKE_COMMAND} --install ${BUILD} --prefix ${prefix} --component ${component})
+endforeach()
+file(GLOB_RECURSE of_qt ${prefix}/*Qt*)
+if(of_qt)
+  message(FATAL_ERROR "not for applications without Qt: ${of_qt}")
+endif()
+set(configure ${CMAKE_COMMAND} -G Ninja -S ${SOURCE} -B ${WORK}/build -DCMAKE_BUILD_TYPE=Debug
+  -DCMAKE_CXX_COMPILER=${CXX_COMPILER} -DCMAKE_PREFIX_PATH=${prefix})
+execute_process(COMMAND ${configure} RESULT_VARIABLE result ERROR_VARIABLE message OUTPUT_QUIET)
+if(result EQUAL 0 OR NOT message MATCHES "component QtHost")
+  message(FATAL_ERROR "the missing component is not named: ${message}")
+endif()
+run(${CMAKE_COMMAND} --install ${BUILD} --prefix ${prefix} --component QtHost)
+run(${configure})
+run(${CMAKE_COMMAND} --build ${WORK}/build)
+execute_process(COMMAND ${WORK}/build/forms 640 240 ${WORK}/forms.png -platform offscreen
+  OUTPUT_VARIABLE output COMMAND_ERROR_IS_FATAL ANY)
+if(NOT output MATCHES ", pnlButoane 190, pnlClient 320, pnlNumar 129\n$" OR NOT EXISTS ${WORK}/forms.png)
+  message(FATAL_ERROR "forms: ${output}")
+endif()

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <thread>
+#include <tuple>
 
 #include "core/Service.h"
 #include "host/BuiltIn.h"
@@ -91,6 +92,14 @@ void Install(Host& host) noexcept {
 
 Host& Current() noexcept {
   return host_service.Current();
+}
+
+void ShowFailure(const std::exception& failure) noexcept {
+  try {
+    std::ignore = Current().GetDialogs().Ask(DialogKind::Error, failure.what(), DialogButtons::Ok);
+  } catch (...) {
+    // Nobody is there to be told.
+  }
 }
 
 }  // namespace kiv::host

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 #include <exception>
-#include <tuple>
 #include <utility>
 
 #include "host/qt/Texts.h"
@@ -12,15 +11,6 @@
 
 namespace kiv::host::qt {
 namespace {
-
-/// What a framework does with an exception that nobody has caught.
-void ShowFailure(const std::exception& failure) noexcept {
-  try {
-    std::ignore = Current().GetDialogs().Ask(DialogKind::Error, failure.what(), DialogButtons::Ok);
-  } catch (...) {
-    // Nobody is there to be told.
-  }
-}
 
 /// No exception may pass through Qt's own frames, from which this is called.
 template <class Notify>

@@ -4,7 +4,6 @@
 #include <array>
 #include <exception>
 #include <map>
-#include <tuple>
 #include <utility>
 
 #include "core/WideText.h"
@@ -20,15 +19,6 @@ HWND Native(Handle window) noexcept {
 
 /// Where a failure goes while MoveWindowTo waits for the system; null at other times.
 std::exception_ptr* collecting = nullptr;
-
-/// What a framework does with an exception that nobody has caught.
-void ShowFailure(const std::exception& failure) noexcept {
-  try {
-    std::ignore = Current().GetDialogs().Ask(DialogKind::Error, failure.what(), DialogButtons::Ok);
-  } catch (...) {
-    // Nobody is there to be told.
-  }
-}
 
 /// No exception may pass through the system's own frames, from which this is called.
 template <class Notify>

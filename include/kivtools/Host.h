@@ -6,6 +6,8 @@
 /// Where nothing else is said everything here is meant for the application's main thread.
 #pragma once
 
+#include <exception>
+
 #include "kivtools/Host/Component.h"
 #include "kivtools/Host/Controls.h"
 #include "kivtools/Host/Geometry.h"
@@ -61,5 +63,10 @@ KIV_API void Install(Host& host) noexcept;
 /// The installed host, the built-in one where none is. May be called from any thread.
 /// Example: `host::Current().GetClipboard().SetText("12")`.
 [[nodiscard]] KIV_API Host& Current() noexcept;
+
+/// Shows a failure that nobody can catch any more in a dialog of the installed host; one that the host cannot show is
+/// lost. For adapters that their toolkit calls, where no exception may pass.
+/// Example: `catch (const std::exception& failure) { host::ShowFailure(failure); }`
+KIV_API void ShowFailure(const std::exception& failure) noexcept;
 
 }  // namespace kiv::host

@@ -113,6 +113,16 @@ TEST(HeadlessApplication, ServesMessagesByWhatItIsTold) {
   EXPECT_FALSE(onAnother);
 }
 
+TEST(Host, FailuresThatNobodyCatchesAreShownOrLost) {
+  headless::Host host;
+  Install(host);
+  host.GetDialogs().Expect({DialogKind::Error, "din handler", DialogButtons::Ok}, DialogAnswer::Ok);
+  ShowFailure(Error("alta"));
+  EXPECT_EQ(host.GetDialogs().Outstanding(), 1U);
+  ShowFailure(Error("din handler"));
+  EXPECT_EQ(host.GetDialogs().Outstanding(), 0U);
+}
+
 TEST(Host, ServicesThatItLacksAreThoseOfTheBuiltInOne) {
   struct Partly : Host {
     [[nodiscard]] Screen& GetScreen() override { return screen; }

@@ -4,6 +4,7 @@
 
 #include "BlockCopy.h"
 #include "Expect.h"
+#include "SameRows.h"
 #include "dataset/store/BlockLoader.h"
 
 namespace kiv {
@@ -22,22 +23,6 @@ const Schema& AllTypes() {
                               {"zi", FieldType::Date},
                               {"obs", FieldType::Memo}});
   return schema;
-}
-
-void ExpectSameRows(const DatasetView& left, const DatasetView& right) {
-  ASSERT_EQ(left.GetContents().rowCount, right.GetContents().rowCount);
-  EXPECT_EQ(left.GetContents().log.Count(), right.GetContents().log.Count());
-  for (std::uint32_t row = 0; row < left.GetContents().rowCount; ++row) {
-    ASSERT_EQ(left.GetContents().StateOf(row), right.GetContents().StateOf(row)) << row;
-    for (std::size_t field = 0; field < left.GetContents().columns.size(); ++field) {
-      if (left.GetContents().StateOf(row) < StoredState::Deleted) {
-        ASSERT_EQ(left.Get(RowId{row}, left.FieldAt(field)), right.Get(RowId{row}, right.FieldAt(field)));
-      }
-      if (left.GetContents().StateOf(row) == StoredState::Modified) {
-        ASSERT_EQ(left.Original(RowId{row}, left.FieldAt(field)), right.Original(RowId{row}, right.FieldAt(field)));
-      }
-    }
-  }
 }
 
 TEST(BlockLoader, TakesBackWhatContentsGive) {

@@ -3,6 +3,7 @@
 // as well, which sees what equal results do not show. scripts/check-lists names an operation that is missing here.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <latch>
 #include <random>
@@ -16,6 +17,7 @@
 #include "kivtools/Types.h"
 #include "kivtools/WideTools.h"
 #include "kivtools/WinUtil.h"
+#include "kivtools/dataset/Packet.h"
 #include "kivtools/kiv.h"
 
 namespace kiv {
@@ -241,6 +243,20 @@ constexpr Operation kOperations[] = {
       StringList pieces = Explode("abc", TextOf(number), 5);
       SplitTextOnSeparator(TextOf(number), "efg", pieces);
       return pieces.back();
+    },
+    [](std::uint32_t number) {
+      Dataset dataset("linii", {{"id", FieldType::AutoInc, kKey}, {"nume", FieldType::Text}});
+      dataset.Insert({{"nume", TextOf(number)}});
+      std::vector<std::uint8_t> packet;
+      WriteBinary(dataset, [&](auto bytes) { packet.insert(packet.end(), bytes.begin(), bytes.end()); });
+      std::size_t at = 0;
+      const Dataset read = ReadBinary([&](std::span<std::uint8_t> into) {
+        const std::size_t count = std::min(into.size(), packet.size() - at);
+        std::copy_n(packet.data() + at, count, into.data());
+        at += count;
+        return count;
+      });
+      return Text(read.GetText(RowId{0}, "nume"));
     },
 };
 

@@ -2,6 +2,7 @@
 
 #include "core/Service.h"
 #include "kivtools/DateTime.h"
+#include "platform/Files.h"
 
 namespace kiv::platform {
 
@@ -20,6 +21,10 @@ DateTime ClockReading(int year, int month, int day, int hour, int minute, int se
 
 /// The system's clock in the system's time zone.
 const Clock& SystemClock() noexcept;
+
+/// A moment of the system's clock of files as the local date and time, to the millisecond. Throws DateEncodingError
+/// outside the years 1 to 9999.
+DateTime LocalTimeOf(FileTime time);
 
 /// The clock that everything in the library reads: the system's, unless another one is in use.
 extern constinit Service<const Clock> clock_service;

@@ -63,12 +63,16 @@ struct EntryInfo {
 /// Whether a name that is a link stands for itself or for what it leads to.
 enum class Links : std::uint8_t { AsThemselves, Followed };
 
-/// An open folder, which names are relative to: what happens to the path that led there does not matter any more.
+/// An open folder, which names are relative to: what happens to the path that led there does not matter any more. In
+/// one that is not open nothing has a name, and nothing gets one.
 class Folder {
  public:
   Folder() noexcept = default;
   /// The process's working folder: names may be whole paths. It is the same object for all, and is not open.
   static const Folder& Working() noexcept;
+
+  /// How many folders one walk of a tree may keep open. POSIX counts the open files of a process, Windows does not.
+  static std::size_t MostOpen() noexcept;
 
   /// Opens a folder for listing and for the names in it. Fails for everything else. What was open is closed.
   SystemStatus Open(const Folder& at, SystemName name, Links links = Links::Followed) noexcept;
@@ -89,11 +93,12 @@ class Folder {
 
 /// How a file is opened. Others may read, write, rename and delete it meanwhile.
 enum class OpenMode : std::uint8_t {
-  ReadFile,    ///< a regular file; everything else is refused, without waiting for the other side of a pipe
-  ReadStream,  ///< whatever gives bytes: pipes and devices too
-  CreateNew,   ///< a file that nothing has the name of yet; a link that leads nowhere is a name as well
-  Overwrite,   ///< a file that is empty then, whether it existed or not
-  Append,      ///< a file that grows at its end, whether it existed or not
+  ReadFile,       ///< a regular file; everything else is refused, without waiting for the other side of a pipe
+  ReadExclusive,  ///< the same while nobody else has it open; on POSIX, while nobody else has it locked (`flock`)
+  ReadStream,     ///< whatever gives bytes: pipes and devices too
+  CreateNew,      ///< a file that nothing has the name of yet; a link that leads nowhere is a name as well
+  Overwrite,      ///< a file that is empty then, whether it existed or not
+  Append,         ///< a file that grows at its end, whether it existed or not
 };
 
 /// An open file.
@@ -102,6 +107,9 @@ class File {
   /// Opens the file; what was open is closed. A new one gets `permissions` on POSIX, less what the process masks.
   SystemStatus Open(const Folder& at, SystemName name, OpenMode mode, std::uint32_t permissions = 0666) noexcept;
   SystemStatus Open(SystemName path, OpenMode mode) noexcept { return Open(Folder::Working(), path, mode); }
+  /// Opens a regular file for reading and says what it is, with one question to the system for both.
+  SystemStatus OpenToRead(const Folder& at, SystemName name, EntryInfo& info,
+                          OpenMode mode = OpenMode::ReadFile) noexcept;
 
   [[nodiscard]] bool IsOpen() const noexcept { return handle_.IsOpen(); }
 
@@ -134,6 +142,10 @@ class File {
 /// What has a name in the folder.
 SystemStatus Query(const Folder& at, SystemName name, Links links, EntryInfo& info) noexcept;
 
+/// Whether an entry is protected from writing: by its attribute on Windows, by the lack of every right to write on
+/// POSIX.
+bool IsProtected(const EntryInfo& info) noexcept;
+
 /// Whether an entry may be replaced by a file: folders, devices, pipes and what is protected from writing may not.
 SystemStatus WhyNotReplaced(const EntryInfo& info) noexcept;
 
@@ -152,7 +164,9 @@ SystemStatus MakeHardLink(const Folder& from, SystemName name, const Folder& to,
 SystemStatus RemoveFile(const Folder& at, SystemName name) noexcept;
 /// Removes an empty folder.
 SystemStatus RemoveFolder(const Folder& at, SystemName name) noexcept;
-/// Makes a folder. Fails where something has the name.
-SystemStatus MakeFolder(const Folder& at, SystemName name) noexcept;
+/// Removes a file or a link even where its attributes protect it: they are cleared first. POSIX has none that do.
+SystemStatus ForceRemoveFile(const Folder& at, SystemName name) noexcept;
+/// Makes a folder, on POSIX with `permissions` less what the process masks. Fails where something has the name.
+SystemStatus MakeFolder(const Folder& at, SystemName name, std::uint32_t permissions = 0777) noexcept;
 
 }  // namespace kiv::platform

@@ -11,8 +11,14 @@ namespace kiv::platform {
 /// An entry as the folder's list has it.
 struct FolderEntry {
   SystemName name = nullptr;  ///< valid until the next entry is asked for
+  NativeView letters;         ///< the name's own, without the zero
+  NativeView shortName;       ///< Windows: another name of the entry, without letters of its own; often empty
   EntryKind kind = EntryKind::Other;
 };
+
+/// Puts the entry's name behind a path. On Windows as Windows-1250: an entry with letters outside the code page is
+/// named by its short name, and where it has none with "?" for each such letter, which no name can have.
+void AppendName(const FolderEntry& entry, Text& path);
 
 /// The entries of a folder in the file system's order, without "." and "..". One system call for a few hundred of them,
 /// and none for each.
@@ -33,6 +39,10 @@ class FolderEntries {
   /// The next entry; `found` is false after the last one and after a failure.
   SystemStatus Next(FolderEntry& entry, bool& found);
 
+  /// Reads what is left, so that the folder may be closed and opened again. On Windows, where nobody has to, it does
+  /// nothing.
+  SystemStatus Detach();
+
  private:
   SystemStatus Fill(bool& found) noexcept;
 
@@ -42,6 +52,7 @@ class FolderEntries {
   std::size_t filled_ = 0;
   std::size_t at_ = 0;
   bool started_ = false;
+  bool complete_ = false;                       // POSIX: all is in the buffer
   std::basic_string<SystemName::Letter> name_;  // Windows: the list's own names have no zero at their end
 };
 

@@ -19,6 +19,13 @@ std::filesystem::path WithEnding(const std::filesystem::path& name, std::string_
   return letters;
 }
 
+std::filesystem::path FolderOf(const std::filesystem::path& path) {
+  const std::filesystem::path folder = path.parent_path();
+  return folder.empty() ? "." : folder;
+}
+
+}  // namespace
+
 std::filesystem::path TemporaryName(const std::filesystem::path& name) {
   std::random_device random;
   std::array<char, 32> ending{};
@@ -26,13 +33,6 @@ std::filesystem::path TemporaryName(const std::filesystem::path& name) {
                 static_cast<unsigned>(random()));
   return WithEnding(name, ending.data());
 }
-
-std::filesystem::path FolderOf(const std::filesystem::path& path) {
-  const std::filesystem::path folder = path.parent_path();
-  return folder.empty() ? "." : folder;
-}
-
-}  // namespace
 
 SystemStatus SafeFile::Create(const std::filesystem::path& path) {
   std::filesystem::path target = path;

@@ -13,6 +13,10 @@ enum class Durability : std::uint8_t { Flushed, Written };
 /// What becomes of the file that had the name.
 enum class Backup : std::uint8_t { None, Kept };
 
+/// The name of a file that is to take another's name: that one with ".tmp-" and sixteen random digits at its end, cut
+/// short where file systems would refuse it. Example: "a.kdp" gives "a.kdp.tmp-0123456789abcdef".
+std::filesystem::path TemporaryName(const std::filesystem::path& name);
+
 /// A file that is written beside its name and takes it when it is whole. Whatever fails, and wherever the process or
 /// the machine stops, what has the name is the old file or the new one, never a part of either.
 ///
@@ -31,7 +35,7 @@ class SafeFile {
   SafeFile(const SafeFile&) = delete;
   SafeFile& operator=(const SafeFile&) = delete;
 
-  /// Makes the file to be written, `path` with ".tmp-" and sixteen random digits at its end. Where `path` is a symbolic
+  /// Makes the file to be written, under the TemporaryName of `path`. Where `path` is a symbolic
   /// link, what it leads to is what will be replaced (on Windows the link itself).
   SystemStatus Create(const std::filesystem::path& path);
   /// The same for a name in a folder, which must stay open as long as this object is used. A link is replaced itself.

@@ -23,6 +23,8 @@ enum class SystemCall : std::uint8_t {
   MakeFolder,
   List,
   Close,
+  Copy,     ///< a whole file, or a part of one, by the system itself
+  Reserve,  ///< memory by pages
 };
 
 /// Told of each system call before it is made. The built-in one lets all pass; a test stands in its place and makes

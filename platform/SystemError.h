@@ -26,6 +26,8 @@ class [[nodiscard]] SystemStatus {
   [[nodiscard]] bool IsMissing() const noexcept;
   /// Whether the call failed because something has the name already.
   [[nodiscard]] bool IsExisting() const noexcept;
+  /// Whether the call failed for want of a right.
+  [[nodiscard]] bool IsDenied() const noexcept;
 
   /// Throws OsError for a failure: the operation, the system's own text and the code.
   void OrThrow(TextView operation) const {

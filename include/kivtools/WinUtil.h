@@ -6,6 +6,8 @@
 #include "kivtools/WinUtil/Colours.h"
 #include "kivtools/WinUtil/DateArithmetic.h"
 #include "kivtools/WinUtil/DateText.h"
+#include "kivtools/WinUtil/FileLists.h"
+#include "kivtools/WinUtil/FileTrees.h"
 #include "kivtools/WinUtil/FiscalCode.h"
 #include "kivtools/WinUtil/Floppy.h"
 #include "kivtools/WinUtil/Forms.h"

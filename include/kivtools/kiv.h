@@ -15,6 +15,8 @@
 #include "kivtools/c/Dataset.h"
 #include "kivtools/c/DateArithmetic.h"
 #include "kivtools/c/DateText.h"
+#include "kivtools/c/FileLists.h"
+#include "kivtools/c/FileTrees.h"
 #include "kivtools/c/FiscalCode.h"
 #include "kivtools/c/Forms.h"
 #include "kivtools/c/Grades.h"

@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <stdio.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -9,18 +10,10 @@
 #include <limits>
 
 #include "platform/posix/Call.h"
+#include "platform/posix/Descriptor.h"
 
 namespace kiv::platform {
 namespace {
-
-int Descriptor(const FileHandle& handle) noexcept {
-  return static_cast<int>(handle.Get());
-}
-
-/// What a name is relative to; the working folder has a number of its own, and whole paths ignore the folder.
-int Base(const Folder& at) noexcept {
-  return at.IsOpen() ? Descriptor(at.Handle()) : AT_FDCWD;
-}
 
 SystemStatus OpenHandle(FileHandle& handle, const Folder& at, SystemName name, int flags, mode_t permissions) noexcept {
   int descriptor = -1;
@@ -98,9 +91,18 @@ SystemStatus WhyNoFile(EntryKind kind) noexcept {
   }
 }
 
+/// Ends with the descriptor. Where a file system has no locks, nobody else has one either.
+SystemStatus LockAgainstOthers(const FileHandle& handle) noexcept {
+  const SystemStatus locked = MakeCall(SystemCall::Open, [&] { return flock(Descriptor(handle), LOCK_EX | LOCK_NB); });
+  const bool noLocks = locked.Code() == EBADF || locked.Code() == EINVAL || locked.Code() == ENOLCK ||
+                       locked.Code() == ENOSYS || locked.Code() == EOPNOTSUPP;
+  return noLocks ? SystemStatus() : locked;
+}
+
 int FlagsOf(OpenMode mode) noexcept {
   switch (mode) {
     case OpenMode::ReadFile:
+    case OpenMode::ReadExclusive:
       return O_RDONLY | O_NONBLOCK;
     case OpenMode::ReadStream:
       return O_RDONLY;
@@ -128,6 +130,10 @@ const Folder& Folder::Working() noexcept {
   return working;
 }
 
+std::size_t Folder::MostOpen() noexcept {
+  return 32;  // a process may have 256 files open on the thriftiest systems
+}
+
 SystemStatus Folder::Open(const Folder& at, SystemName name, Links links) noexcept {
   const int followed = links == Links::Followed ? 0 : O_NOFOLLOW;
   return OpenHandle(handle_, at, name, O_RDONLY | O_DIRECTORY | followed, 0);
@@ -152,19 +158,28 @@ SystemStatus Folder::Flush() const noexcept {
 }
 
 SystemStatus File::Open(const Folder& at, SystemName name, OpenMode mode, std::uint32_t permissions) noexcept {
-  const SystemStatus opened = OpenHandle(handle_, at, name, FlagsOf(mode), permissions);
-  if (opened.Failed() || mode != OpenMode::ReadFile) {
-    return opened;
+  if (mode == OpenMode::ReadFile || mode == OpenMode::ReadExclusive) {
+    EntryInfo info;
+    return OpenToRead(at, name, info, mode);
   }
-  EntryInfo info;
-  SystemStatus regular = Query(info);
-  if (!regular.Failed()) {
-    regular = WhyNoFile(info.kind);
+  return OpenHandle(handle_, at, name, FlagsOf(mode), permissions);
+}
+
+SystemStatus File::OpenToRead(const Folder& at, SystemName name, EntryInfo& info, OpenMode mode) noexcept {
+  SystemStatus opened = OpenHandle(handle_, at, name, FlagsOf(mode), 0);
+  if (!opened.Failed()) {
+    opened = Query(info);
   }
-  if (regular.Failed()) {
+  if (!opened.Failed()) {
+    opened = WhyNoFile(info.kind);
+  }
+  if (!opened.Failed() && mode == OpenMode::ReadExclusive) {
+    opened = LockAgainstOthers(handle_);
+  }
+  if (opened.Failed()) {
     handle_ = FileHandle();
   }
-  return regular;
+  return opened;
 }
 
 SystemStatus File::Read(std::span<std::uint8_t> buffer, std::size_t& count) noexcept {
@@ -237,13 +252,16 @@ SystemStatus Query(const Folder& at, SystemName name, Links links, EntryInfo& in
   return asked;
 }
 
+bool IsProtected(const EntryInfo& info) noexcept {
+  return (info.attributes & 0222U) == 0;
+}
+
 SystemStatus WhyNotReplaced(const EntryInfo& info) noexcept {
   if (info.kind == EntryKind::Link) {
     return {};
   }
   const SystemStatus noFile = WhyNoFile(info.kind);
-  const bool isProtected = (info.attributes & 0222U) == 0;
-  return noFile.Failed() || !isProtected ? noFile : SystemStatus(EACCES);
+  return noFile.Failed() || !IsProtected(info) ? noFile : SystemStatus(EACCES);
 }
 
 SystemStatus Rename(const Folder& from, SystemName name, const Folder& to, SystemName newName,
@@ -261,12 +279,16 @@ SystemStatus RemoveFile(const Folder& at, SystemName name) noexcept {
   return MakeCall(SystemCall::Remove, [&] { return unlinkat(Base(at), name.Get(), 0); });
 }
 
+SystemStatus ForceRemoveFile(const Folder& at, SystemName name) noexcept {
+  return RemoveFile(at, name);  // what a file's permissions forbid does not concern its name
+}
+
 SystemStatus RemoveFolder(const Folder& at, SystemName name) noexcept {
   return MakeCall(SystemCall::Remove, [&] { return unlinkat(Base(at), name.Get(), AT_REMOVEDIR); });
 }
 
-SystemStatus MakeFolder(const Folder& at, SystemName name) noexcept {
-  return MakeCall(SystemCall::MakeFolder, [&] { return mkdirat(Base(at), name.Get(), 0777); });
+SystemStatus MakeFolder(const Folder& at, SystemName name, std::uint32_t permissions) noexcept {
+  return MakeCall(SystemCall::MakeFolder, [&] { return mkdirat(Base(at), name.Get(), permissions); });
 }
 
 }  // namespace kiv::platform

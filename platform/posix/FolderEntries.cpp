@@ -3,7 +3,9 @@
 #include <dirent.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <string_view>
+#include <vector>
 
 #include "platform/posix/Call.h"
 
@@ -28,8 +30,31 @@ EntryKind KindOf(unsigned char type) noexcept {
 FolderEntries::FolderEntries(const Folder& folder, std::size_t bufferSize)
     : folder_(folder), capacity_(bufferSize), buffer_(new std::byte[bufferSize]) {}
 
+void AppendName(const FolderEntry& entry, Text& path) {
+  path.append(entry.letters);
+}
+
+SystemStatus FolderEntries::Detach() {
+  std::vector<std::byte> rest(buffer_.get() + at_, buffer_.get() + filled_);
+  SystemStatus listed;
+  for (bool more = !complete_; more;) {
+    listed = Fill(more);
+    rest.insert(rest.end(), buffer_.get(), buffer_.get() + filled_);
+  }
+  complete_ = true;
+  buffer_ = std::make_unique_for_overwrite<std::byte[]>(rest.size());
+  std::ranges::copy(rest, buffer_.get());
+  capacity_ = filled_ = rest.size();
+  at_ = 0;
+  return listed;
+}
+
 SystemStatus FolderEntries::Fill(bool& found) noexcept {
   const int descriptor = static_cast<int>(folder_.Handle().Get());
+  if (complete_) {
+    found = false;
+    return {};
+  }
   if (!started_) {
     started_ = true;
     lseek(descriptor, 0, SEEK_SET);
@@ -58,6 +83,7 @@ SystemStatus FolderEntries::Next(FolderEntry& entry, bool& found) {
       continue;
     }
     entry.name = record->d_name;
+    entry.letters = name;
     entry.kind = KindOf(record->d_type);
     found = true;
     if (record->d_type == DT_UNKNOWN) {  // a file system whose lists have no such field

@@ -13,6 +13,10 @@ bool SystemStatus::IsExisting() const noexcept {
   return code_ == EEXIST || code_ == ENOTEMPTY;
 }
 
+bool SystemStatus::IsDenied() const noexcept {
+  return code_ == EACCES || code_ == EPERM;
+}
+
 SystemStatus LastStatus() noexcept {
   return SystemStatus(errno != 0 ? errno : EIO);
 }

@@ -9,18 +9,6 @@
 #include "platform/win32/Nt.h"
 
 namespace kiv::platform {
-namespace {
-
-constexpr ULONG kSharedByAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-constexpr std::int64_t kTicksPerSecond = 10'000'000;
-constexpr std::int64_t kSecondsFrom1601To1970 = 11'644'473'600;
-
-/// How an entry is opened, in the words of the inner interface.
-struct Opening {
-  ACCESS_MASK access;
-  ULONG disposition;
-  ULONG options;
-};
 
 SystemStatus OpenHandle(FileHandle& handle, const Folder& at, SystemName name, SystemCall kind,
                         const Opening& opening) noexcept {
@@ -35,23 +23,19 @@ SystemStatus OpenHandle(FileHandle& handle, const Folder& at, SystemName name, S
     InitializeObjectAttributes(&object, &ntName.Letters(), OBJ_CASE_INSENSITIVE, ntName.Root(), nullptr);
     IO_STATUS_BLOCK result{};
     status = StatusOf(NtCreateFile(&opened, opening.access | SYNCHRONIZE | FILE_READ_ATTRIBUTES, &object, &result,
-                                   nullptr, FILE_ATTRIBUTE_NORMAL, kSharedByAll, opening.disposition,
+                                   nullptr, FILE_ATTRIBUTE_NORMAL, opening.sharing, opening.disposition,
                                    opening.options | FILE_SYNCHRONOUS_IO_NONALERT, nullptr, 0));
   }
   handle = FileHandle(AsNumber(status.Failed() ? INVALID_HANDLE_VALUE : opened));
   return status;
 }
 
+namespace {
+
 FileTime TimeOf(const LARGE_INTEGER& time) noexcept {
   // A remainder has its dividend's sign; no file is from before 1601.
   const std::int64_t ticks = std::max<std::int64_t>(time.QuadPart, 0);
   return {ticks / kTicksPerSecond - kSecondsFrom1601To1970, static_cast<std::int32_t>(ticks % kTicksPerSecond) * 100};
-}
-
-FILETIME TimeOf(FileTime time) noexcept {
-  const auto ticks =
-      static_cast<std::uint64_t>((time.seconds + kSecondsFrom1601To1970) * kTicksPerSecond + time.nanoseconds / 100);
-  return {static_cast<DWORD>(ticks), static_cast<DWORD>(ticks >> 32U)};
 }
 
 /// Whether a reparse point is another name for something, as links and junctions are; others are files that the system
@@ -113,8 +97,8 @@ SystemStatus QueryHandle(const FileHandle& handle, EntryInfo& info) noexcept {
 }
 
 SystemStatus SetHandleTimes(const FileHandle& handle, FileTime read, FileTime written) noexcept {
-  const FILETIME lastRead = TimeOf(read);
-  const FILETIME lastWritten = TimeOf(written);
+  const FILETIME lastRead = SystemFileTime(read);
+  const FILETIME lastWritten = SystemFileTime(written);
   return MakeCall(SystemCall::SetTimes,
                   [&] { return SetFileTime(AsHandle(handle.Get()), nullptr, &lastRead, &lastWritten); });
 }
@@ -138,6 +122,8 @@ Opening OpeningOf(OpenMode mode) noexcept {
     case OpenMode::ReadFile:
     case OpenMode::ReadStream:
       return {GENERIC_READ, FILE_OPEN, FILE_NON_DIRECTORY_FILE};
+    case OpenMode::ReadExclusive:
+      return {GENERIC_READ, FILE_OPEN, FILE_NON_DIRECTORY_FILE, 0};
     case OpenMode::CreateNew:
       return {kWriting, FILE_CREATE, FILE_NON_DIRECTORY_FILE};
     case OpenMode::Overwrite:
@@ -148,19 +134,27 @@ Opening OpeningOf(OpenMode mode) noexcept {
   return {};
 }
 
+SystemStatus OpenToRemove(FileHandle& handle, const Folder& at, SystemName name, ACCESS_MASK access,
+                          ULONG options) noexcept {
+  return OpenHandle(handle, at, name, SystemCall::Open,
+                    {access, FILE_OPEN, options | FILE_OPEN_REPARSE_POINT | FILE_OPEN_FOR_BACKUP_INTENT});
+}
+
 /// Removes an entry once nobody has it open any more.
-SystemStatus Remove(const Folder& at, SystemName name, ULONG options) noexcept {
-  FileHandle handle;
-  const Opening opening = {DELETE, FILE_OPEN, options | FILE_OPEN_REPARSE_POINT | FILE_OPEN_FOR_BACKUP_INTENT};
-  if (const SystemStatus opened = OpenHandle(handle, at, name, SystemCall::Open, opening); opened.Failed()) {
-    return opened;
-  }
+SystemStatus Remove(FileHandle& handle) noexcept {
   FILE_DISPOSITION_INFO disposition{TRUE};
   const SystemStatus removed = MakeCall(SystemCall::Remove, [&] {
     return SetFileInformationByHandle(AsHandle(handle.Get()), FileDispositionInfo, &disposition, sizeof disposition);
   });
   const SystemStatus closed = handle.Close();
   return removed.Failed() ? removed : closed;
+}
+
+/// A link to a folder is a folder to the system, and yet no folder here.
+SystemStatus WhyNotRemovedAsFile(const FileHandle& handle) noexcept {
+  EntryInfo info;
+  const SystemStatus asked = QueryHandle(handle, info);
+  return !asked.Failed() && info.kind == EntryKind::Folder ? SystemStatus(ERROR_ACCESS_DENIED) : asked;
 }
 
 /// Gives an entry another name or, as `kind` says, one more. Links and renames have the same record.
@@ -201,6 +195,10 @@ const Folder& Folder::Working() noexcept {
   return working;
 }
 
+std::size_t Folder::MostOpen() noexcept {
+  return SIZE_MAX;
+}
+
 SystemStatus Folder::Open(const Folder& at, SystemName name, Links links) noexcept {
   const ULONG asItself = links == Links::Followed ? 0 : FILE_OPEN_REPARSE_POINT;
   const Opening opening = {FILE_LIST_DIRECTORY | FILE_TRAVERSE, FILE_OPEN,
@@ -238,9 +236,21 @@ SystemStatus Folder::Flush() const noexcept {
 
 SystemStatus File::Open(const Folder& at, SystemName name, OpenMode mode, std::uint32_t /*permissions*/) noexcept {
   const SystemStatus opened = OpenHandle(handle_, at, name, SystemCall::Open, OpeningOf(mode));
-  if (!opened.Failed() && mode == OpenMode::ReadFile && GetFileType(AsHandle(handle_.Get())) != FILE_TYPE_DISK) {
+  const bool wantsFile = mode == OpenMode::ReadFile || mode == OpenMode::ReadExclusive;
+  if (!opened.Failed() && wantsFile && GetFileType(AsHandle(handle_.Get())) != FILE_TYPE_DISK) {
     handle_ = FileHandle();
     return SystemStatus(ERROR_NOT_SUPPORTED);
+  }
+  return opened;
+}
+
+SystemStatus File::OpenToRead(const Folder& at, SystemName name, EntryInfo& info, OpenMode mode) noexcept {
+  SystemStatus opened = Open(at, name, mode);
+  if (!opened.Failed()) {
+    opened = Query(info);
+  }
+  if (opened.Failed()) {
+    handle_ = FileHandle();
   }
   return opened;
 }
@@ -326,12 +336,15 @@ SystemStatus Query(const Folder& at, SystemName name, Links links, EntryInfo& in
   return opened.Failed() ? opened : QueryHandle(handle, info);
 }
 
+bool IsProtected(const EntryInfo& info) noexcept {
+  return (info.attributes & FILE_ATTRIBUTE_READONLY) != 0;
+}
+
 SystemStatus WhyNotReplaced(const EntryInfo& info) noexcept {
   if (info.kind == EntryKind::Other) {
     return SystemStatus(ERROR_NOT_SUPPORTED);
   }
-  const bool isProtected = (info.attributes & FILE_ATTRIBUTE_READONLY) != 0;
-  return info.kind == EntryKind::Folder || isProtected ? SystemStatus(ERROR_ACCESS_DENIED) : SystemStatus();
+  return info.kind == EntryKind::Folder || IsProtected(info) ? SystemStatus(ERROR_ACCESS_DENIED) : SystemStatus();
 }
 
 SystemStatus Rename(const Folder& from, SystemName name, const Folder& to, SystemName newName,
@@ -357,19 +370,30 @@ SystemStatus MakeHardLink(const Folder& from, SystemName name, const Folder& to,
 }
 
 SystemStatus RemoveFile(const Folder& at, SystemName name) noexcept {
-  EntryInfo info;
-  // A link to a folder is a folder to the system, and yet no folder here.
-  if (const SystemStatus asked = Query(at, name, Links::AsThemselves, info); asked.Failed()) {
-    return asked;
+  FileHandle handle;
+  const SystemStatus opened = OpenToRemove(handle, at, name, DELETE, 0);
+  const SystemStatus removable = opened.Failed() ? opened : WhyNotRemovedAsFile(handle);
+  return removable.Failed() ? removable : Remove(handle);
+}
+
+SystemStatus ForceRemoveFile(const Folder& at, SystemName name) noexcept {
+  FileHandle handle;
+  const SystemStatus opened = OpenToRemove(handle, at, name, DELETE | FILE_WRITE_ATTRIBUTES, 0);
+  const SystemStatus removable = opened.Failed() ? opened : WhyNotRemovedAsFile(handle);
+  if (removable.Failed()) {
+    return removable;
   }
-  return info.kind == EntryKind::Folder ? SystemStatus(ERROR_ACCESS_DENIED) : Remove(at, name, 0);
+  static_cast<void>(SetHandleAttributes(handle, EntryInfo()));  // what comes of it shows when the file is removed
+  return Remove(handle);
 }
 
 SystemStatus RemoveFolder(const Folder& at, SystemName name) noexcept {
-  return Remove(at, name, FILE_DIRECTORY_FILE);
+  FileHandle handle;
+  const SystemStatus opened = OpenToRemove(handle, at, name, DELETE, FILE_DIRECTORY_FILE);
+  return opened.Failed() ? opened : Remove(handle);
 }
 
-SystemStatus MakeFolder(const Folder& at, SystemName name) noexcept {
+SystemStatus MakeFolder(const Folder& at, SystemName name, std::uint32_t /*permissions*/) noexcept {
   FileHandle handle;
   return OpenHandle(handle, at, name, SystemCall::MakeFolder,
                     {FILE_LIST_DIRECTORY, FILE_CREATE, FILE_DIRECTORY_FILE | FILE_OPEN_FOR_BACKUP_INTENT});

@@ -1,7 +1,10 @@
 #include "platform/FolderEntries.h"
 
+#include <algorithm>
 #include <string_view>
 
+#include "kivtools/Windows1250.h"
+#include "platform/Paths.h"
 #include "platform/win32/Nt.h"
 
 namespace kiv::platform {
@@ -22,6 +25,17 @@ EntryKind KindOf(const FILE_ID_BOTH_DIR_INFO& record) noexcept {
 FolderEntries::FolderEntries(const Folder& folder, std::size_t bufferSize)
     : folder_(folder), capacity_(bufferSize), buffer_(new std::byte[bufferSize]) {
   name_.reserve(kLongestEntry);
+}
+
+void AppendName(const FolderEntry& entry, Text& path) {
+  const bool inCodePage = std::ranges::all_of(entry.letters, [](wchar_t letter) {
+    return windows1250::FromUnicode(static_cast<char16_t>(letter)).has_value();
+  });
+  path.append(ShownPath(inCodePage || entry.shortName.empty() ? entry.letters : entry.shortName));
+}
+
+SystemStatus FolderEntries::Detach() {
+  return {};
 }
 
 SystemStatus FolderEntries::Fill(bool& found) noexcept {
@@ -53,6 +67,8 @@ SystemStatus FolderEntries::Next(FolderEntry& entry, bool& found) {
     }
     name_.assign(name);
     entry.name = name_.c_str();
+    entry.letters = name_;
+    entry.shortName = {record.ShortName, static_cast<std::size_t>(record.ShortNameLength) / sizeof(wchar_t)};
     entry.kind = KindOf(record);
     found = true;
     return {};

@@ -35,6 +35,16 @@ SystemStatus MakeCall(SystemCall kind, Call&& call) noexcept {
   return call() != 0 ? SystemStatus() : LastStatus();
 }
 
+/// The system counts ticks from 1601 on.
+inline constexpr std::int64_t kTicksPerSecond = 10'000'000;
+inline constexpr std::int64_t kSecondsFrom1601To1970 = 11'644'473'600;
+
+inline FILETIME SystemFileTime(FileTime time) noexcept {
+  const auto ticks =
+      static_cast<std::uint64_t>((time.seconds + kSecondsFrom1601To1970) * kTicksPerSecond + time.nanoseconds / 100);
+  return {static_cast<DWORD>(ticks), static_cast<DWORD>(ticks >> 32U)};
+}
+
 /// A name as the system's inner interface takes it: with a folder, relative to that; without one, whole.
 class NtName {
  public:
@@ -49,5 +59,17 @@ class NtName {
   UNICODE_STRING letters_{};
   HANDLE root_ = nullptr;
 };
+
+/// How an entry is opened, in the words of the inner interface.
+struct Opening {
+  ACCESS_MASK access;
+  ULONG disposition;
+  ULONG options;
+  ULONG sharing = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+};
+
+/// Opens an entry; `kind` is what the gate is told. What the handle held is closed.
+SystemStatus OpenHandle(FileHandle& handle, const Folder& at, SystemName name, SystemCall kind,
+                        const Opening& opening) noexcept;
 
 }  // namespace kiv::platform

@@ -47,7 +47,10 @@ SystemStatus NtName::Set(const Folder& at, SystemName name) noexcept {
   if (letters.empty()) {
     return SystemStatus(ERROR_PATH_NOT_FOUND);
   }
-  if (at.IsOpen()) {
+  if (&at != &Folder::Working()) {
+    if (!at.IsOpen()) {
+      return SystemStatus(ERROR_INVALID_HANDLE);
+    }
     root_ = AsHandle(at.Handle().Get());
   } else {
     try {

@@ -16,6 +16,10 @@ bool SystemStatus::IsExisting() const noexcept {
   return code_ == ERROR_ALREADY_EXISTS || code_ == ERROR_FILE_EXISTS;
 }
 
+bool SystemStatus::IsDenied() const noexcept {
+  return code_ == ERROR_ACCESS_DENIED;
+}
+
 SystemStatus LastStatus() noexcept {
   const auto code = static_cast<std::int32_t>(GetLastError());
   return SystemStatus(code != 0 ? code : ERROR_GEN_FAILURE);

@@ -11,18 +11,22 @@ SystemStatus CopyNew(const Folder& from, SystemName name, EntryKind kind, const 
   return kind == EntryKind::Link ? CopyNewLink(from, name, to, newName) : CopyNewFile(from, name, to, newName);
 }
 
-/// Whether two names are the same entry, or lead to it.
-bool LeadToTheSame(const Folder& from, SystemName name, const Folder& to, SystemName newName) noexcept {
+/// Whether two names are the same entry, or lead to it; `former` is what has the second one.
+bool LeadToTheSame(const Folder& from, SystemName name, EntryKind kind, const Folder& to, SystemName newName,
+                   const EntryInfo& former) noexcept {
+  EntryInfo source;
+  EntryInfo destination = former;
+  // What is no link leads to itself; a second question is for links alone.
   for (const Links one : {Links::AsThemselves, Links::Followed}) {
-    EntryInfo source;
-    if (Query(from, name, one, source).Failed()) {
+    if ((one == Links::Followed && kind != EntryKind::Link) || Query(from, name, one, source).Failed()) {
       continue;
     }
-    for (const Links other : {Links::AsThemselves, Links::Followed}) {
-      EntryInfo destination;
-      if (!Query(to, newName, other, destination).Failed() && destination.identity == source.identity) {
-        return true;
-      }
+    if (source.identity == former.identity) {
+      return true;
+    }
+    if (former.kind == EntryKind::Link && !Query(to, newName, Links::Followed, destination).Failed() &&
+        source.identity == destination.identity) {
+      return true;
     }
   }
   return false;
@@ -63,7 +67,7 @@ SystemStatus Replace(const Folder& from, SystemName name, EntryKind kind, const 
   if (!done.Failed()) {
     done = WhyNotReplaced(former);
   }
-  if (done.Failed() || LeadToTheSame(from, name, to, newName)) {
+  if (done.Failed() || LeadToTheSame(from, name, kind, to, newName, former)) {
     return done;
   }
   const std::filesystem::path beside = TemporaryName(newName.Get());

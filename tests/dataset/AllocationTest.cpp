@@ -105,12 +105,12 @@ TEST(Allocations, AFailureAtAnyOfThemChangesNothing) {
           ASSERT_EQ(Show(dataset), before) << name << " " << failing;
           ASSERT_EQ(dataset.Changes().Count(), changes) << name;
           for (const std::int64_t key : {1, 2, 3, 5, 63, 1003}) {
-            ASSERT_EQ(dataset.Find({key}).has_value(), key != 2 && key != 3) << name << " " << key;
+            ASSERT_EQ(dataset.Find(key).has_value(), key != 2 && key != 3) << name << " " << key;
           }
           // And it is as good as new: the same works now, and all of it can be taken back.
           act(dataset);
           dataset.Changes().CancelChanges();
-          ASSERT_TRUE(dataset.Find({63}).has_value());
+          ASSERT_TRUE(dataset.Find(63).has_value());
         }
         if (snapshot) {
           ASSERT_EQ(Show(*snapshot), before) << name;

@@ -39,7 +39,7 @@ TEST(BlockLoader, TakesBackWhatContentsGive) {
   }
   Dataset copy(CopyByBlocks(source.GetContents()));
   ExpectSameRows(source, copy);
-  EXPECT_EQ(copy.Find({-2}), RowId{1});
+  EXPECT_EQ(copy.Find(-2), RowId{1});
   EXPECT_EQ(copy.GetInt64(copy.Insert({{"oras", "o1"}}), "id"), -9001);
 }
 

@@ -192,8 +192,8 @@ TEST(Dataset, RefusesNullsKeysAndRowsByName) {
     ExpectError<Error>(act, "Dataset \"linii\": " + Text(message));
   }
   EXPECT_EQ(lines.RowCount(), 2U);
-  EXPECT_EQ(lines.Find({17}), row);
-  EXPECT_EQ(lines.Find({18}), other);
+  EXPECT_EQ(lines.Find(17), row);
+  EXPECT_EQ(lines.Find(18), other);
 }
 
 TEST(Dataset, KeysFollowUpdatesAndDeletions) {
@@ -221,14 +221,14 @@ TEST(Dataset, KeysOfMoreThan32BitsAreTold) {
   Dataset dataset("chei", {{"id", FieldType::Int64, kKey}});
   const std::int64_t wide = std::int64_t{5} << 32U;
   const RowId narrowRow = dataset.Insert({{"id", 0}});
-  EXPECT_EQ(dataset.Find({wide}), std::nullopt);
+  EXPECT_EQ(dataset.Find(wide), std::nullopt);
   std::vector<std::pair<std::int64_t, RowId>> rows = {{0, narrowRow}};
   for (std::int64_t i = 0; i < 5000; ++i) {
     const std::int64_t key = i % 2 == 0 ? wide + i : -1 - i;
     rows.emplace_back(key, dataset.Insert({{"id", key}}));
   }
   for (const auto& [key, row] : rows) {
-    ASSERT_EQ(dataset.Find({key}), row) << key;
+    ASSERT_EQ(dataset.Find(key), row) << key;
   }
 }
 
@@ -255,7 +255,7 @@ TEST(Dataset, RowsAroundTheEdgesOfBlocksAreKept) {
     ASSERT_EQ(dataset.GetGuid(row, "guid"), guidOf(i));
     ASSERT_EQ(dataset.IsNull(row, "small"), i % 3 == 0);
     ASSERT_EQ(dataset.GetInt64(row, "small"), i % 3 == 0 ? 0 : static_cast<std::int16_t>(i));
-    ASSERT_EQ(dataset.Find({i}), row);
+    ASSERT_EQ(dataset.Find(i), row);
   }
 }
 

@@ -109,11 +109,11 @@ TEST(History, RollsBackToEveryMark) {
       EXPECT_EQ(Show(lines).substr(0, seen[i - 1].size()), seen[i - 1]) << back << " " << i;
     }
     EXPECT_FALSE(lines.Changes().UndoLast());
-    EXPECT_EQ(lines.Find({1}), kAlfa);
-    EXPECT_EQ(lines.Find({2}), kBeta);
-    EXPECT_EQ(lines.Find({3}), kGama);
-    EXPECT_EQ(lines.Find({9}), std::nullopt);
-    EXPECT_EQ(lines.Find({30}), std::nullopt);
+    EXPECT_EQ(lines.Find(1), kAlfa);
+    EXPECT_EQ(lines.Find(2), kBeta);
+    EXPECT_EQ(lines.Find(3), kGama);
+    EXPECT_EQ(lines.Find(9), std::nullopt);
+    EXPECT_EQ(lines.Find(30), std::nullopt);
   }
 }
 
@@ -123,7 +123,7 @@ TEST(History, RevertsOneRowAmongOthers) {
   lines.Set(kBeta, "suma", 2_lei);
   lines.Changes().RevertRow(kAlfa);
   EXPECT_EQ(lines.State(kAlfa), RowState::Unmodified);
-  EXPECT_EQ(lines.Find({1}), kAlfa);
+  EXPECT_EQ(lines.Find(1), kAlfa);
   EXPECT_EQ(lines.GetCurrency(kBeta, "suma"), 2_lei);
   lines.Changes().RevertRow(kAlfa);
   EXPECT_EQ(lines.Changes().Count(), 3U);
@@ -207,7 +207,7 @@ TEST(History, BlocksCarryItThrough) {
     ASSERT_TRUE(copy.Changes().UndoLast());
     ASSERT_EQ(Show(copy), Show(lines));
     for (const int key : {1, 2, 3, 7, 30}) {
-      ASSERT_EQ(copy.Find({key}), lines.Find({key})) << key;
+      ASSERT_EQ(copy.Find(key), lines.Find(key)) << key;
     }
   }
 }
@@ -226,10 +226,10 @@ TEST(History, CompactionKeepsAllButWhatNobodyNeeds) {
   EXPECT_EQ(lines.GetContents().rowCount, 3U);
   EXPECT_EQ(lines.GetCurrency(beta, sum), 21_lei);
   EXPECT_EQ(lines.Original(beta, sum), Value(20_lei));
-  EXPECT_EQ(lines.Find({2}), beta);
+  EXPECT_EQ(lines.Find(2), beta);
   EXPECT_EQ(lines.State(RowId{1}), RowState::Deleted);
   lines.Changes().RollbackTo(mark);
-  EXPECT_EQ(lines.Find({3}), RowId{1});
+  EXPECT_EQ(lines.Find(3), RowId{1});
   EXPECT_TRUE(lines.Changes().UndoLast());
   EXPECT_EQ(lines.State(beta), RowState::Unmodified);
 }

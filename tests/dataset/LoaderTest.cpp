@@ -29,7 +29,7 @@ TEST(Loader, AddsUnmodifiedRowsAllAtOnce) {
   EXPECT_EQ(lines.RowCount(), 20'001U);
   EXPECT_EQ(lines.Changes().Count(), 1U);
   for (int i = 0; i < 20'000; ++i) {
-    const RowId row = lines.Find({i}).value();
+    const RowId row = lines.Find(i).value();
     ASSERT_EQ(lines.State(row), RowState::Unmodified);
     ASSERT_EQ(lines.GetText(row, "nume"), "n" + std::to_string(i % 300));
     ASSERT_EQ(lines.IsNull(row, "v"), i % 4 == 0);
@@ -49,7 +49,7 @@ TEST(Loader, WithoutItsEndNothingIsAdded) {
     ExpectError<Error>([&] { loader.Finish(); }, "Dataset \"linii\": cheia -7 exista deja");
   }
   EXPECT_EQ(lines.RowCount(), 0U);
-  EXPECT_EQ(lines.Find({-7}), std::nullopt);
+  EXPECT_EQ(lines.Find(-7), std::nullopt);
   // What the loader left behind is not seen in the rows that take its place.
   const RowId row = lines.Insert({{"nume", "c"}, {"v", 3}});
   EXPECT_EQ(lines.GetInt64(row, "id"), -1);

@@ -361,7 +361,7 @@ class Walk {
         expected = IdOf(i);
       }
     }
-    ASSERT_EQ(dataset_.Find({key}), expected) << key;
+    ASSERT_EQ(dataset_.Find(key), expected) << key;
   }
 
   mutable std::mt19937_64 random_;

@@ -76,7 +76,7 @@ void Edit(Dataset& dataset, std::uint32_t seed) {
         dataset.Delete(row);
         break;
       case 1:
-        dataset.Insert({{"s", "nou " + std::to_string(i)}, {"n", Text(i, 'n')}});
+        dataset.Insert({{"s", "nou " + std::to_string(i)}, {"n", Text(static_cast<std::size_t>(i), 'n')}});
         break;
       case 2:
         dataset.Update(row, {{"i2", Null{}}, {"g", Guid{9, 9, 9, {static_cast<std::uint8_t>(i)}}}, {"b", i % 2 == 0}});

@@ -171,7 +171,7 @@ class HalideBlur {
   [[nodiscard]] bool Agrees(const Bitmap& expected) const {
     for (int y = reach_; y < expected.Height() - reach_; ++y) {
       const std::size_t bytes = 3 * static_cast<std::size_t>(expected.Width() - 2 * reach_);
-      if (std::memcmp(&out_(3 * reach_, y), expected.ScanLine(y) + 3 * reach_, bytes) != 0) {
+      if (std::memcmp(&out_(3 * reach_, y), expected.ScanLine(y) + std::ptrdiff_t{3} * reach_, bytes) != 0) {
         return false;
       }
     }

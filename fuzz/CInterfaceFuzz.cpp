@@ -61,7 +61,7 @@ class Arguments {
     } else if constexpr (std::is_floating_point_v<Type>) {
       return data_.ConsumeBool() ? data_.ConsumeFloatingPoint<Type>()
                                  : data_.ConsumeFloatingPointInRange<Type>(-1e6, 4e6);
-    } else if constexpr (sizeof(Type) == 4) {
+    } else if constexpr (std::is_same_v<Type, std::int32_t>) {
       // Widths of gigabytes would only test the memory of this machine.
       return data_.ConsumeBool() ? data_.ConsumeIntegralInRange<Type>(-2, 70)
                                  : std::min<Type>(data_.ConsumeIntegral<Type>(), 9999);

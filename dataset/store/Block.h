@@ -11,7 +11,7 @@ namespace kiv::store {
 
 /// The most that one allocation takes, but for index segments and large values: the granularity at which 32-bit Windows
 /// hands out address space.
-inline constexpr std::size_t kLargestBlock = 64 * 1024;
+inline constexpr std::size_t kLargestBlock = 65'536;
 
 /// A piece of memory with several owners, freed by the last. An owner that is not alone may read it only; copies of
 /// columns, texts and logs for a snapshot are copies of these.

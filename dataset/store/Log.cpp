@@ -24,7 +24,7 @@ std::uint32_t Log::End() const noexcept {
 
 Log::Header Log::HeaderAt(std::uint32_t position) const noexcept {
   Header header;
-  std::memcpy(&header, pieces_[position / kWords].block.Data() + (position % kWords) * 8, sizeof header);
+  std::memcpy(&header, pieces_[position / kWords].block.Data() + std::size_t{position % kWords} * 8, sizeof header);
   return header;
 }
 

@@ -43,7 +43,7 @@ class Log {
   [[nodiscard]] Header HeaderAt(std::uint32_t position) const noexcept;
   /// The old values of a record: see RecordReader.
   [[nodiscard]] std::byte* PayloadAt(std::uint32_t position) const noexcept {
-    return pieces_[position / kWords].block.Data() + (position % kWords) * 8 + sizeof(Header);
+    return pieces_[position / kWords].block.Data() + std::size_t{position % kWords} * 8 + sizeof(Header);
   }
   /// The first record, the one after a record, kNone where there is none.
   [[nodiscard]] std::uint32_t First() const noexcept { return count_ == 0 ? kNone : 0; }

@@ -66,7 +66,7 @@ static void TestFills(void) {
   EXPECT(KivGenerateVertFountainFill(pixels, kStride, kWidth, kHeight, 0, 0xFFFFFF) == KIV_OK);
   EXPECT(memcmp(pixels, down, sizeof pixels) == 0);
   EXPECT(KivGenerateGradientFillBitmap(flat, 514 * 3, 514, 2, 0x010203, 0x010203) == KIV_OK);
-  EXPECT(flat[0] == 1 && flat[512 * 3 + 2] == 3 && flat[513 * 3] == 0 && flat[514 * 3] == 0);
+  EXPECT(flat[0] == 1 && flat[1538] == 3 && flat[1539] == 0 && flat[1542] == 0);
 }
 
 static void TestRefusals(void) {

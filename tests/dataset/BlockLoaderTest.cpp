@@ -54,7 +54,7 @@ class Broken {
     }
     std::ranges::fill(loader_.SecondValues(5), std::byte{0});
     for (std::uint32_t row = 0; row < rows; ++row) {
-      loader_.Values(0)[row * 8U] = static_cast<std::byte>(row);
+      loader_.Values(0)[std::size_t{row} * 8] = static_cast<std::byte>(row);
       loader_.PutText(3, row, {});
       SetNull(7, row);
     }

@@ -168,7 +168,7 @@ class Walk {
       case 4:
         return Guid{Below(2), 0, 0, {static_cast<std::uint8_t>(Below(2))}};
       case 5:
-        return Text(Below(3) * 20, 'm');
+        return Text(std::size_t{Below(3)} * 20, 'm');
       default:
         return DateTime(Below(3));
     }

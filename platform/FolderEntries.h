@@ -52,7 +52,7 @@ class FolderEntries {
   std::size_t filled_ = 0;
   std::size_t at_ = 0;
   bool started_ = false;
-  bool complete_ = false;                       // POSIX: all is in the buffer
+  [[maybe_unused]] bool complete_ = false;      // POSIX: all is in the buffer
   std::basic_string<SystemName::Letter> name_;  // Windows: the list's own names have no zero at their end
 };
 

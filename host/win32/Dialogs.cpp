@@ -54,6 +54,8 @@ DialogAnswer Dialogs::Ask(DialogKind kind, TextView text, DialogButtons buttons)
       return DialogAnswer::Yes;
     case IDNO:
       return DialogAnswer::No;
+    case IDRETRY:
+      return DialogAnswer::Retry;
     default:
       platform::LastStatus().Throw("Nu pot arata dialogul \"" + Text(text) + "\"");
   }

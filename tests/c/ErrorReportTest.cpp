@@ -58,7 +58,7 @@ TEST(CInterface, GivesEachErrorItsCodeAndMessage) {
 }
 
 TEST(CInterface, CutsAMessageThatIsLongerThanItsStore) {
-  for (const std::size_t length : {1022, 1023, 1024, 5000}) {
+  for (const std::size_t length : {1022U, 1023U, 1024U, 5000U}) {
     const Text message(length, 'x');
     EXPECT_EQ(KivSomething([&] { throw Error(message); }).message, message.substr(0, 1023)) << length;
     const Text whole = "KivSomething: " + message;

@@ -30,7 +30,7 @@ std::int64_t Work(int salt) {
   Dataset dataset = Filled(salt);
   const FieldRef sum = dataset.Field("suma");
   for (int i = 0; i < 300; ++i) {
-    const RowId row = dataset.Find({i * 7}).value();
+    const RowId row = dataset.Find(std::int64_t{i} * 7).value();
     const Mark mark = dataset.Changes().SetMark();
     dataset.Update(row, {{sum, Currency::FromRaw(i)}, {"memo", "m" + std::to_string(i)}, {"text", std::to_string(i)}});
     dataset.Insert({{"text", "nou"}, {sum, Currency::FromRaw(1)}});

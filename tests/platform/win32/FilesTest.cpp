@@ -42,10 +42,10 @@ TEST(WindowsStatus, IsAFailureEvenWithoutACode) {
   EXPECT_EQ(LastStatus().Code(), ERROR_GEN_FAILURE);
   SetLastError(ERROR_SHARING_VIOLATION);
   EXPECT_EQ(LastStatus().Code(), ERROR_SHARING_VIOLATION);
-  for (const DWORD code : {ERROR_FILE_NOT_FOUND, ERROR_PATH_NOT_FOUND}) {
+  for (const long code : {ERROR_FILE_NOT_FOUND, ERROR_PATH_NOT_FOUND}) {
     EXPECT_TRUE(SystemStatus(static_cast<std::int32_t>(code)).IsMissing());
   }
-  for (const DWORD code : {ERROR_FILE_EXISTS, ERROR_ALREADY_EXISTS}) {
+  for (const long code : {ERROR_FILE_EXISTS, ERROR_ALREADY_EXISTS}) {
     EXPECT_TRUE(SystemStatus(static_cast<std::int32_t>(code)).IsExisting());
   }
 }

@@ -65,7 +65,7 @@ static void TestFills(void) {
   EXPECT(memcmp(pixels, down, sizeof pixels) != 0 && pixels[kStride] == 255 && pixels[0] == 127);
   EXPECT(KivGenerateVertFountainFill(pixels, kStride, kWidth, kHeight, 0, 0xFFFFFF) == KIV_OK);
   EXPECT(memcmp(pixels, down, sizeof pixels) == 0);
-  EXPECT(KivGenerateGradientFillBitmap(flat, 514 * 3, 514, 2, 0x010203, 0x010203) == KIV_OK);
+  EXPECT(KivGenerateGradientFillBitmap(flat, 1542, 514, 2, 0x010203, 0x010203) == KIV_OK);
   EXPECT(flat[0] == 1 && flat[1538] == 3 && flat[1539] == 0 && flat[1542] == 0);
 }
 

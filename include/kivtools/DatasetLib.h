@@ -14,7 +14,7 @@ class DatasetEngine {
   virtual ~DatasetEngine() = default;
   /// The name that hosts ask for. Example: "DatasetLib".
   [[nodiscard]] virtual TextView Name() const noexcept = 0;
-  /// The data formats the engine can open, none while it has no reader. Example: an empty list.
+  /// The data formats the engine opens for whoever found it here. Example: an empty list.
   [[nodiscard]] virtual StringList Formats() const = 0;
 };
 
@@ -23,7 +23,8 @@ class DatasetEngine {
 KIV_API void RegisterDatasetEngine(const DatasetEngine& engine);
 
 /// The engine of that name, null if none is registered. Before Initialize() there is none.
-/// Example: `FindDatasetEngine("DatasetLib")->Formats()` is empty: the engine of this version opens nothing yet.
+/// Example: `FindDatasetEngine("DatasetLib")->Formats()` is empty: files are opened by LoadBinary, not through the
+/// registry.
 [[nodiscard]] KIV_API const DatasetEngine* FindDatasetEngine(TextView name) noexcept;
 
 }  // namespace kiv

@@ -21,7 +21,7 @@ int main(int /*count*/, char** arguments) {
   const std::ptrdiff_t before = OpenFiles();
   kiv::Handle process = 0;
   try {
-    process = kiv::StartProgram(arguments[1], "60");
+    process = kiv::StartProgram(arguments[1], "8");
     std::puts("started");
     std::fflush(stdout);
     std::puts(kiv::TerminateProgram(process) ? "ended" : "not ended");

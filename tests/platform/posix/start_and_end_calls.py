@@ -16,7 +16,7 @@ CASES = (
 failures = 0
 for calls, fault, expected in CASES:
     trace = [] if calls == "none" else ["strace", "-f", "-qq", "-o", "/dev/null", "-e", f"inject={calls}:{fault}"]
-    # The child that could not be ended is this test's to end; it lives for a minute at most.
+      # The child that could not be ended lives for the eight seconds that it sleeps.
     result = subprocess.run([*trace, sys.argv[1], SLEEP], capture_output=True, text=True, timeout=90)
     if result.stdout != expected:
         failures += 1

@@ -18,6 +18,7 @@
 #include "kivtools/c/FileLists.h"
 #include "kivtools/c/FileTrees.h"
 #include "kivtools/c/FiscalCode.h"
+#include "kivtools/c/Floppy.h"
 #include "kivtools/c/Forms.h"
 #include "kivtools/c/Grades.h"
 #include "kivtools/c/Host.h"

@@ -1,5 +1,6 @@
 #include "platform/FolderWalk.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "platform/Paths.h"
@@ -7,9 +8,7 @@
 namespace kiv::platform {
 
 SystemStatus OpenFolders::Enter(SystemName name) {
-  if (levels_.size() >= Folder::MostOpen()) {
-    Release(levels_[levels_.size() - Folder::MostOpen()]);
-  }
+  ReleaseUpTo(FirstKept());
   Folder folder;
   const SystemStatus opened = levels_.empty() ? folder.Open(Folder::Working(), name, Links::Followed)
                                               : folder.Open(levels_.back().folder, name, Links::AsThemselves);
@@ -17,11 +16,32 @@ SystemStatus OpenFolders::Enter(SystemName name) {
   return opened;
 }
 
-void OpenFolders::Leave() {
+SystemStatus OpenFolders::Leave() {
   const Level left = std::move(levels_.back());
   levels_.pop_back();
-  if (!levels_.empty() && levels_.back().released) {
-    Reopen(levels_.back(), left.folder);
+  if (levels_.empty()) {
+    return {};
+  }
+  firstOpen_ = std::min(firstOpen_, levels_.size() - 1);
+  return levels_.back().released ? Reopen(levels_.back(), left.folder) : SystemStatus();
+}
+
+std::size_t OpenFolders::FirstKept() const noexcept {
+  return levels_.size() < mostOpen_ ? 0 : levels_.size() - mostOpen_ + 1;
+}
+
+bool OpenFolders::GiveBack() noexcept {
+  if (firstOpen_ + 1 >= levels_.size()) {
+    return false;
+  }
+  ReleaseUpTo(firstOpen_ + 1);
+  mostOpen_ = std::max<std::size_t>(levels_.size() - firstOpen_, 2);  // a folder is opened by its name in another
+  return true;
+}
+
+void OpenFolders::ReleaseUpTo(std::size_t level) noexcept {
+  for (; firstOpen_ < level; ++firstOpen_) {
+    Release(levels_[firstOpen_]);
   }
 }
 
@@ -36,16 +56,23 @@ void OpenFolders::Release(Level& level) noexcept {
   level.folder = Folder();
 }
 
-void OpenFolders::Reopen(Level& level, const Folder& below) noexcept {
+SystemStatus OpenFolders::Reopen(Level& level, const Folder& below) noexcept {
   static const std::filesystem::path above = "..";
   Folder folder;
   EntryInfo info;
-  const bool isBack = !folder.Open(below, above, Links::AsThemselves).Failed() && !folder.Query(info).Failed() &&
-                      info.identity == level.identity;
   level.released = false;
-  if (isBack) {
-    level.folder = std::move(folder);
+  SystemStatus found = folder.Open(below, above, Links::AsThemselves);
+  if (!found.Failed()) {
+    found = folder.Query(info);
   }
+  if (found.Failed()) {
+    return found;
+  }
+  if (info.identity != level.identity) {
+    return platform::Query(below, std::filesystem::path(), Links::AsThemselves, info);  // which nothing is
+  }
+  level.folder = std::move(folder);
+  return {};
 }
 
 namespace {
@@ -59,23 +86,31 @@ std::size_t BufferSize(std::size_t depth) noexcept {
 }  // namespace
 
 FolderWalk::FolderWalk(const std::filesystem::path& path, TextView shown) : path_(shown) {
-  if (!folders_.Enter(path).Failed()) {
+  failure_ = folders_.Enter(path);
+  if (!failure_.Failed()) {
     levels_.emplace_back(folders_.Innermost(), BufferSize(0)).shownLength = path_.size();
   }
 }
 
 bool FolderWalk::Next(FolderEntry& entry) {
   bool found = false;
-  return folders_.Innermost().IsOpen() && !levels_.back().entries.Next(entry, found).Failed() && found;
+  failure_ = levels_.back().lost;
+  if (folders_.Innermost().IsOpen()) {
+    const SystemStatus listed = levels_.back().entries.Next(entry, found);
+    failure_ = found ? SystemStatus() : listed.Failed() ? listed : failure_;
+  }
+  return found;
 }
 
 bool FolderWalk::Enter(const FolderEntry& entry) {
-  if (levels_.size() >= Folder::MostOpen()) {
-    // What could not be read of it is passed over.
-    static_cast<void>(levels_[levels_.size() - Folder::MostOpen()].entries.Detach());
-  }
-  if (folders_.Enter(entry.name).Failed()) {
-    folders_.Leave();
+  do {
+    DetachUpTo(folders_.FirstKept());
+    failure_ = folders_.Enter(entry.name);
+    if (failure_.Failed()) {
+      static_cast<void>(folders_.Leave());
+    }
+  } while (failure_.IsOutOfHandles() && GiveBack());
+  if (failure_.Failed()) {
     return false;
   }
   AppendName(entry, path_);
@@ -88,8 +123,25 @@ bool FolderWalk::Enter(const FolderEntry& entry) {
 
 void FolderWalk::Leave() {
   levels_.pop_back();
-  folders_.Leave();
+  detached_ = std::min(detached_, levels_.size());
+  if (const SystemStatus left = folders_.Leave(); left.Failed()) {
+    levels_.back().lost = left;
+  }
   path_.resize(levels_.empty() ? 0 : levels_.back().shownLength);
+}
+
+bool FolderWalk::GiveBack() {
+  DetachUpTo(folders_.FirstOpen() + 1);
+  return folders_.GiveBack();
+}
+
+/// So that these folders may be closed. The innermost one is not among them: its present entry is in use.
+void FolderWalk::DetachUpTo(std::size_t level) {
+  for (; detached_ < std::min(level, levels_.size() - 1); ++detached_) {
+    if (const SystemStatus read = levels_[detached_].entries.Detach(); read.Failed()) {
+      levels_[detached_].lost = read;
+    }
+  }
 }
 
 }  // namespace kiv::platform

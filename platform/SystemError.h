@@ -28,6 +28,8 @@ class [[nodiscard]] SystemStatus {
   [[nodiscard]] bool IsExisting() const noexcept;
   /// Whether the call failed for want of a right.
   [[nodiscard]] bool IsDenied() const noexcept;
+  /// Whether the call failed because no more files may be open. Windows knows no such limit.
+  [[nodiscard]] bool IsOutOfHandles() const noexcept;
 
   /// Throws OsError for a failure: the operation, the system's own text and the code.
   void OrThrow(TextView operation) const {

@@ -5,6 +5,8 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
+#include <filesystem>
 #include <latch>
 #include <random>
 #include <thread>
@@ -14,11 +16,14 @@
 #include "kivtools/BmpRoutines.h"
 #include "kivtools/CEVersionInfo.h"
 #include "kivtools/DateTime.h"
+#include "kivtools/Host/HeadlessControls.h"
 #include "kivtools/Types.h"
 #include "kivtools/WideTools.h"
 #include "kivtools/WinUtil.h"
 #include "kivtools/dataset/Packet.h"
 #include "kivtools/kiv.h"
+#include "platform/Paths.h"
+#include "platform/TestFolder.h"
 
 namespace kiv {
 namespace {
@@ -193,6 +198,49 @@ Text OfSystem(std::uint32_t number) {
          RemoveDoubleSlash(file + "//x") + Shown(EsteWindowsVista());
 }
 
+/// A folder for each call, so that the threads meet in the library alone. What comes out does not depend on its name.
+Text OfFiles(std::uint32_t number) {
+  if (number % 8 != 0) {
+    return {};
+  }
+  static std::atomic<int> calls = 0;
+  const std::filesystem::path folder =
+      std::filesystem::temp_directory_path() / ("kivtools-threads-" + std::to_string(++calls));
+  const auto at = [&](const char* name) { return platform::TextFromPath(folder / name); };
+  std::filesystem::create_directories(folder / "sursa" / "s");
+  WriteWhole(folder / "sursa" / "a.txt", std::to_string(number));
+  WriteWhole(folder / "sursa" / "s" / "b.dbf", "x");
+  host::headless::Label label(nullptr, "lblFisier");
+  RecursiveCopyWithExt(at("sursa"), at("copie"), {"*"}, label, 100);
+  RecursiveCopyWithExtSkipFolders(at("sursa"), at("alta"), {"txt", "dbf"}, label, "alta", 100);
+  CopyNoBuffering(at("copie/a.txt"), at("nou"));
+  Text all = Shown(ComparaFisiere(at("nou"), at("sursa/a.txt")));
+  all += Outcomes<TextView>(at("nou"), DimensiuneFisier, IsFileReadOnly);
+  all += Shown(ForceDelete(at("nou")));
+  all += Shown(FileAgeByName(at("nou")));
+  all += Shown(static_cast<double>(InitFileList(at(""), {"*"}).size()));
+  all += Shown(static_cast<double>(InitFileListMaxDepth(at(""), {"*"}, 1).size()));
+  all += Shown(static_cast<double>(MeasureTree(at("alta")).bytes));
+  all += Shown(ConnectionStringForMdb(at("firma.mdb")).starts_with("Provider="));
+  Dataset dataset("linii", {{"id", FieldType::AutoInc, kKey}, {"nume", FieldType::Text}});
+  dataset.Insert({{"nume", TextOf(number)}});
+  SaveBinary(dataset, folder / "linii.kdp");
+  all += LoadBinary(folder / "linii.kdp").GetText(RowId{0}, "nume");
+  RecursiveDelete(at(""));
+  return all + Shown(std::filesystem::exists(folder));
+}
+
+/// Programs that run at the same time, each ended by the thread that has started it.
+Text OfPrograms(std::uint32_t number) {
+  if (number % 32 != 0) {
+    return {};
+  }
+  constexpr bool kOnWindows = std::filesystem::path::preferred_separator == '\\';
+  const Handle program =
+      kOnWindows ? StartProgram("C:\\windows\\system32\\cmd.exe", "/c pause") : StartProgram("/bin/sleep", "100");
+  return Shown(TerminateProgram(program));
+}
+
 Text OfVersions(std::uint32_t number) {
   const Text version = std::to_string(number % 50) + ".7.1." + std::to_string(number % 9);
   std::int32_t part[4] = {};
@@ -212,10 +260,12 @@ constexpr Operation kOperations[] = {
     OfColours,
     OfDate,
     OfDateArithmetic,
+    OfFiles,
     OfGrades,
     OfIdentifier,
     OfNumbers,
     OfPictures,
+    OfPrograms,
     OfRefusal,
     OfShaping,
     OfSystem,

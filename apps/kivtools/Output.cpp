@@ -11,6 +11,7 @@ namespace kivtools {
 namespace {
 
 constexpr std::size_t kBlock = std::size_t{64} * 1024;
+constexpr std::size_t kMostFigures = 14;  // "12345678 MiB  "
 
 /// What of the terminal's present line is taken.
 struct PresentLine {
@@ -97,7 +98,23 @@ void Progress::Advance(std::uint64_t units) noexcept {
   }
 }
 
+void Progress::Note(std::string note) noexcept {
+  note_ = std::move(note);
+  Advance(0);
+}
+
+std::size_t Progress::NoteColumns() noexcept {
+  const std::size_t columns = TerminalWidth(StandardStream::Error).value_or(0);
+  return columns > kMostFigures ? columns - kMostFigures - 1 : 0;  // the last column stays free
+}
+
 std::string Progress::Line(std::size_t columns) const {
+  const std::string figures = Figures(columns);
+  const bool fits = !note_.empty() && DisplayWidth(figures) + 2 + DisplayWidth(note_) < columns;
+  return figures + (fits ? "  " + note_ : "");
+}
+
+std::string Progress::Figures(std::size_t columns) const {
   if (!total_ || *total_ == 0) {
     return std::to_string(done_ / 1'048'576) + " MiB";
   }

@@ -44,13 +44,22 @@ class Progress {
 
   /// So much more is done; cheap, to be called a block at a time. A failure to show it is passed over.
   void Advance(std::uint64_t units) noexcept;
+  /// What is being worked on, shown behind the figures if it has NoteColumns at most. It is called as Advance is.
+  void Note(std::string note) noexcept;
+
+  /// Whether a person watches.
+  [[nodiscard]] bool IsWatched() const noexcept { return watched_; }
+  /// The columns of the terminal that a note may take.
+  static std::size_t NoteColumns() noexcept;
 
  private:
   [[nodiscard]] std::string Line(std::size_t columns) const;
+  [[nodiscard]] std::string Figures(std::size_t columns) const;
 
   using Clock = std::chrono::steady_clock;
   std::optional<std::uint64_t> total_;
   std::uint64_t done_ = 0;
+  std::string note_;
   bool watched_;
   Clock::time_point next_;
 };

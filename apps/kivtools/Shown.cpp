@@ -1,13 +1,9 @@
 #include "apps/kivtools/Shown.h"
 
-#include <cstddef>
-
 #include "kivtools/Utf8.h"
 
 namespace kivtools {
 namespace {
-
-constexpr std::size_t kMostShown = 60;
 
 /// Characters that a terminal acts on: the C0 and C1 controls, and those that turn the direction of writing.
 constexpr bool IsControl(char32_t character) noexcept {
@@ -25,10 +21,10 @@ void AppendEscaped(std::string& out, std::string_view bytes) {
 
 }  // namespace
 
-std::string Shown(std::string_view value) {
+std::string Shown(std::string_view value, std::size_t most) {
   std::string shown = "\"";
   for (std::size_t at = 0; at < value.size();) {
-    if (at >= kMostShown) {
+    if (at >= most) {
       shown += "...";
       break;
     }

@@ -23,5 +23,6 @@
 #include "kivtools/WinUtil/System.h"
 #include "kivtools/WinUtil/TextShaping.h"
 #include "kivtools/WinUtil/Transliteration.h"
+#include "kivtools/WinUtil/TreeWatcher.h"
 #include "kivtools/WinUtil/Variants.h"
 #include "kivtools/WinUtil/Versions.h"

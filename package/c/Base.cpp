@@ -12,6 +12,7 @@ namespace {
 /// This thread's last failure. A fixed array, so that a failure for want of memory can be reported too.
 struct LastError {
   std::int32_t code = KIV_OK;
+  std::int32_t systemCode = 0;
   std::size_t length = 0;
   std::array<char, 1024> message{};
 };
@@ -26,8 +27,9 @@ void Append(const char* text) noexcept {
   last_error.message[last_error.length] = '\0';
 }
 
-std::int32_t Report(std::int32_t code, const char* message) noexcept {
+std::int32_t Report(std::int32_t code, const char* message, std::int32_t systemCode = 0) noexcept {
   last_error.code = code;
+  last_error.systemCode = systemCode;
   last_error.length = 0;
   Append(message);
   return -code;
@@ -60,7 +62,7 @@ std::int32_t ReportCurrentException(const char* operation) noexcept {
   } catch (const AssertionFailure& error) {
     return Report(KIV_ERROR_ASSERTION, error.what());
   } catch (const OsError& error) {
-    return Report(KIV_ERROR_SYSTEM, error.what());
+    return Report(KIV_ERROR_SYSTEM, error.what(), error.Code());
   } catch (const std::bad_alloc&) {
     return Report(KIV_ERROR_OUT_OF_MEMORY, "memorie insuficienta");
   } catch (const std::length_error&) {
@@ -80,6 +82,10 @@ extern "C" {
 
 int32_t KivLastError(void) {
   return last_error.code;
+}
+
+int32_t KivLastSystemCode(void) {
+  return last_error.systemCode;
 }
 
 KivLength KivLastErrorMessage(char* buffer, size_t capacity) {

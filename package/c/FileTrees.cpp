@@ -2,6 +2,7 @@
 
 #include "kivtools/Host/HeadlessControls.h"
 #include "kivtools/WinUtil/FileTrees.h"
+#include "kivtools/WinUtil/TreeWatcher.h"
 #include "package/c/Abi.h"
 #include "package/c/HostTable.h"
 
@@ -17,6 +18,42 @@ std::unique_ptr<host::Label> LabelOrNone(KivControl* label) {
   }
   return Lent<host::Label>(label, "label");
 }
+
+/// The application's functions as a watcher.
+class LentWatcher : public kiv::TreeWatcher {
+ public:
+  explicit LentWatcher(const KivTreeWatcher& functions) : functions_(functions) {}
+
+  void OnFile(kiv::TextView path, std::uint64_t size) override {
+    if (functions_.file != nullptr) {
+      GoOn(path, functions_.file(functions_.context, path.data(), path.size(), size));
+    }
+  }
+  void OnFolder(kiv::TextView path) override {
+    if (functions_.folder != nullptr) {
+      GoOn(path, functions_.folder(functions_.context, path.data(), path.size()));
+    }
+  }
+  void OnFailure(kiv::TextView path, const kiv::OsError& error) override {
+    if (functions_.failure != nullptr) {
+      const kiv::TextView message = error.what();
+      GoOn(path, functions_.failure(functions_.context, path.data(), path.size(), message.data(), message.size(),
+                                    error.Code()));
+    }
+  }
+
+ private:
+  static void GoOn(kiv::TextView path, KivStatus said) {
+    if (said < 0) {
+      throw kiv::Error("Oprit de aplicatie la " + kiv::Text(path));
+    }
+  }
+
+  KivTreeWatcher functions_;
+};
+
+// No object with a destructor: the library could not be unloaded before each thread's end.
+constinit thread_local LentWatcher* lent_watcher = nullptr;
 
 }  // namespace
 
@@ -44,6 +81,24 @@ KivStatus KivRecursiveCopyWithExtSkipFolders(const char* source, size_t sourceLe
 
 KivStatus KivRecursiveDelete(const char* folder, size_t length) {
   return Run([=] { kiv::RecursiveDelete(KIV_TEXT(folder, length)); });
+}
+
+KivStatus KivMeasureTree(const char* root, size_t length, KivTreeSize* result) {
+  return Run([=] {
+    KivTreeSize& size = KIV_REQUIRED(result);
+    const kiv::TreeSize measured = kiv::MeasureTree(KIV_TEXT(root, length));
+    size = {measured.files, measured.folders, measured.bytes};
+  });
+}
+
+KivStatus KivWatchTrees(const KivTreeWatcher* watcher) {
+  return Run([=] {
+    if (watcher != nullptr && watcher->size < sizeof(KivTreeWatcher)) {
+      throw ArgumentError("watcher: marimea " + std::to_string(watcher->size) + " nu este a nici unei versiuni");
+    }
+    delete std::exchange(lent_watcher, nullptr);
+    lent_watcher = watcher == nullptr ? nullptr : new LentWatcher(*watcher);
+  });
 }
 
 KivStatus KivCopyNoBuffering(const char* source, size_t sourceLength, const char* destination,

@@ -17,6 +17,10 @@ bool SystemStatus::IsDenied() const noexcept {
   return code_ == EACCES || code_ == EPERM;
 }
 
+bool SystemStatus::IsOutOfHandles() const noexcept {
+  return code_ == EMFILE || code_ == ENFILE;
+}
+
 SystemStatus LastStatus() noexcept {
   return SystemStatus(errno != 0 ? errno : EIO);
 }

@@ -20,6 +20,10 @@ bool SystemStatus::IsDenied() const noexcept {
   return code_ == ERROR_ACCESS_DENIED;
 }
 
+bool SystemStatus::IsOutOfHandles() const noexcept {
+  return false;
+}
+
 SystemStatus LastStatus() noexcept {
   const auto code = static_cast<std::int32_t>(GetLastError());
   return SystemStatus(code != 0 ? code : ERROR_GEN_FAILURE);

@@ -101,6 +101,60 @@ static void Trees(void) {
                                  0) == -KIV_ERROR_CAST);
 }
 
+/* What a watcher has been told. */
+static struct {
+  int files;
+  int folders;
+  int failures;
+  int bytes;
+  int32_t code;
+  KivStatus answer;
+} told;
+
+static KivStatus ToldFile(void* context, const char* path, size_t length, uint64_t bytes) {
+  EXPECT(context == &told && length == strlen(path));
+  ++told.files;
+  told.bytes += (int)bytes;
+  return told.answer;
+}
+
+static KivStatus ToldFolder(void* context, const char* path, size_t length) {
+  EXPECT(context == &told && length == strlen(path));
+  ++told.folders;
+  return told.answer;
+}
+
+static KivStatus ToldFailure(void* context, const char* path, size_t length, const char* message, size_t messageLength,
+                             int32_t code) {
+  EXPECT(context == &told && length == strlen(path));
+  EXPECT(messageLength > length && strstr(message, "RecursiveDelete: ") == message);
+  ++told.failures;
+  told.code = code;
+  return told.answer;
+}
+
+static void Watchers(void) {
+  KivTreeWatcher watcher = {sizeof watcher, &told, ToldFile, ToldFolder, ToldFailure};
+  KivTreeWatcher silent = {sizeof silent, NULL, NULL, NULL, NULL};
+  KivTreeSize size = {0, 0, 0};
+  Under(other, "copie");
+  EXPECT(KivMeasureTree(other, KIV_ZERO_ENDED, &size) == KIV_OK);
+  EXPECT(size.files == 1 && size.folders == 1 && size.bytes == 3);
+  EXPECT(KivMeasureTree(other, KIV_ZERO_ENDED, NULL) == -KIV_ERROR_ARGUMENT);
+  EXPECT(KivWatchTrees(&watcher) == KIV_OK);
+  told.answer = -1;
+  EXPECT(KivMeasureTree(other, KIV_ZERO_ENDED, &size) == -KIV_ERROR_GENERAL && told.folders == 1 && told.files == 0);
+  EXPECT(KivLastSystemCode() == 0);
+  told.answer = KIV_OK;
+  EXPECT(KivRecursiveDelete(other, KIV_ZERO_ENDED) == KIV_OK && KivRecursiveDelete(other, KIV_ZERO_ENDED) == KIV_OK);
+  EXPECT(told.files == 1 && told.bytes == 3 && told.folders == 2 && told.failures == 1 && told.code == 2);
+  EXPECT(KivMeasureTree(other, KIV_ZERO_ENDED, &size) == -KIV_ERROR_SYSTEM && KivLastSystemCode() == 2);
+  EXPECT(KivWatchTrees(&silent) == KIV_OK && KivRecursiveDelete(other, KIV_ZERO_ENDED) == KIV_OK);
+  silent.size = 1;
+  EXPECT(KivWatchTrees(&silent) == -KIV_ERROR_ARGUMENT);
+  EXPECT(KivWatchTrees(NULL) == KIV_OK && KivRecursiveDelete(other, KIV_ZERO_ENDED) == KIV_OK && told.failures == 1);
+}
+
 void FilesTest(void) {
   static ToolScreen screen;
   KivHostTable table = ToolkitTable(&screen);
@@ -120,6 +174,7 @@ void FilesTest(void) {
   EXPECT(KivHostInstall(&table) == KIV_OK);
   SingleFiles();
   Trees();
+  Watchers();
   EXPECT(KivHostRemove() == KIV_OK);
   EXPECT(KivRecursiveDelete(root, KIV_ZERO_ENDED) == KIV_OK && FilesBelow(root, 5) == 0);
 }

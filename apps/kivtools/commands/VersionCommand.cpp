@@ -2,11 +2,11 @@
 #include <filesystem>
 
 #include "apps/kivtools/Command.h"
+#include "apps/kivtools/Json.h"
 #include "apps/kivtools/Layout.h"
 #include "apps/kivtools/Shown.h"
 #include "apps/kivtools/system/InputStream.h"
 #include "apps/kivtools/system/Paths.h"
-#include "kivtools/Utf8.h"
 
 namespace kivtools {
 namespace {
@@ -21,25 +21,6 @@ constexpr std::string_view kDetails =
     "  kivtools version --json *.dll\n";
 
 using Fields = std::vector<Library::VersionField>;
-
-/// The text as a JSON string; U+FFFD stands for bytes that are not UTF-8.
-std::string JsonString(std::string_view text) {
-  std::string json = "\"";
-  for (std::size_t at = 0; at < text.size();) {
-    const kiv::utf8::Decoded decoded = kiv::utf8::DecodeAt(text, at);
-    const std::string_view bytes = text.substr(at, decoded.length == 0 ? 1 : decoded.length);
-    if (decoded.length == 0) {
-      json += "\\ufffd";
-    } else if (decoded.character < 0x20 || decoded.character == 0x7F) {
-      constexpr std::string_view kDigits = "0123456789abcdef";
-      json.append("\\u00").append(1, kDigits[decoded.character >> 4U]).append(1, kDigits[decoded.character & 15U]);
-    } else {
-      json.append(decoded.character == U'"' || decoded.character == U'\\' ? "\\" : "").append(bytes);
-    }
-    at += bytes.size();
-  }
-  return json += '"';
-}
 
 std::string AsJson(const std::string& file, const Fields& fields) {
   std::string json = "{\"file\": " + JsonString(file);

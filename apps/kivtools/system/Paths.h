@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace kivtools {
 
@@ -17,5 +18,11 @@ std::string LibraryPath(const std::filesystem::path& path);
 /// Whether a path that the library gives is to be shown as it is: on POSIX it is bytes, and those are UTF-8 for a
 /// reader; on Windows it is Windows-1250.
 bool LibraryPathsAreUtf8() noexcept;
+
+/// The name with small letters, as the library makes them when it compares names: ASCII ones on POSIX, all on Windows.
+std::string LowerName(std::string_view name);
+
+/// Where the user's own files are, by the environment and by the system's own record of users.
+std::vector<std::filesystem::path> HomeFolders();
 
 }  // namespace kivtools

@@ -19,8 +19,8 @@ namespace kiv {
 /// Each path is `root` as it was given, a separator if it does not end in one, and the names below it. On Windows a
 /// name with letters that Windows-1250 lacks stands there as its short name, and where it has none with "?" for each
 /// such letter. A root that is a link is followed. An empty root gives an empty list. Folders that are missing or
-/// cannot be read contribute nothing; no error is raised for them. No depth of folders and no length of a path is too
-/// much.
+/// cannot be read contribute nothing; no error is raised for them, but a TreeWatcher is told. No depth of folders and
+/// no length of a path is too much.
 ///
 ///     InitFileList("C:\\date", {"dbf"});   // {"C:\date\firme.dbf", "C:\date\2024\Facturi.DBF"}
 [[nodiscard]] KIV_API StringList InitFileList(TextView root, const StringList& extensions);

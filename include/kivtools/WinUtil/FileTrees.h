@@ -23,10 +23,10 @@ namespace kiv {
 /// name behind "...\", or the end of the name behind "...". Files of sub-folders are fitted to 350 pixels whatever the
 /// argument. At the start of each folder the application's waiting messages are served, when this is its main thread.
 ///
-/// No failure is reported: what cannot be read or written is passed over. A former file is there, whole, until its copy
-/// is, and a copy that fails leaves nothing behind. Copies have the times and attributes of their files. Pipes, sockets
-/// and devices are not copied, nor are files onto themselves. A destination within the source is not copied into
-/// itself. An empty source or destination copies nothing.
+/// No failure is reported, except to a TreeWatcher: what cannot be read or written is passed over. A former file is
+/// there, whole, until its copy is, and a copy that fails leaves nothing behind. Copies have the times and attributes
+/// of their files. Pipes, sockets and devices are not copied, nor are files onto themselves. A destination within the
+/// source is not copied into itself. An empty source or destination copies nothing.
 ///
 ///     RecursiveCopyWithExt("C:\\date", "D:\\salvare", {"dbf", "mdb"}, label, 350);
 KIV_API void RecursiveCopyWithExt(TextView source, TextView destination, const StringList& extensions,
@@ -41,9 +41,22 @@ KIV_API void RecursiveCopyWithExtSkipFolders(TextView source, TextView destinati
                                              host::Label& label, TextView skip, std::int32_t maxWidth);
 
 /// Deletes a folder with all that is in it, hidden and protected files too. What cannot be deleted stays, and so do the
-/// folders that it is in; nothing is reported. A link to a folder is deleted, not what it leads to. Nothing is deleted
-/// for an empty path, a root folder and the root of a drive. Example: `RecursiveDelete("C:\\temp\\lucru")`.
+/// folders that it is in; nothing is reported, except to a TreeWatcher. A link to a folder is deleted, not what it
+/// leads to. Nothing is deleted for an empty path, a root folder and the root of a drive. Example:
+/// `RecursiveDelete("C:\\temp\\lucru")`.
 KIV_API void RecursiveDelete(TextView folder);
+
+/// What a tree holds.
+struct TreeSize {
+  std::uint64_t files = 0;    ///< all that is no folder, links and pipes too
+  std::uint64_t folders = 0;  ///< the tree's root among them
+  std::uint64_t bytes = 0;    ///< in the regular files; each name of a file with several counts
+};
+
+/// Counts what is in a folder and below it: what RecursiveDelete would delete. A root that is a file or a link counts
+/// as one file. Throws OsError for a root that cannot be asked about or read; what else cannot be read is told to a
+/// TreeWatcher and counts no further. Example: a folder with one file of 5 bytes is {1, 1, 5}.
+[[nodiscard]] KIV_API TreeSize MeasureTree(TextView root);
 
 /// Copies one file, with each byte that was asked for counted. The source must not be in use by others (on POSIX: not
 /// locked by them). A former destination is replaced when the copy is whole; a new one that could not be finished

@@ -55,6 +55,10 @@ typedef int32_t KivAnswer;
 /** The code of this thread's last failure, KIV_OK before the first. Example: 9 after a null buffer. */
 KIV_API int32_t KivLastError(void);
 
+/** The system's own number for this thread's last failure (`errno`, `GetLastError()`) where that is KIV_ERROR_SYSTEM, 0
+ * for every other. Example: 2 for a file that is not there. */
+KIV_API int32_t KivLastSystemCode(void);
+
 /** The message of this thread's last failure, at most 1023 bytes of it. Example: "Numarul -5 nu se afla in intervalul
  * 0..999". */
 KIV_API KivLength KivLastErrorMessage(char* buffer, size_t capacity);

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <sys/file.h>
 #include <sys/mount.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
@@ -17,6 +18,7 @@
 #include "kivtools/Host/HeadlessControls.h"
 #include "kivtools/WinUtil/FileLists.h"
 #include "kivtools/WinUtil/FileTrees.h"
+#include "kivtools/WinUtil/TreeWatcher.h"
 #include "platform/FolderWalk.h"
 #include "platform/TestFolder.h"
 
@@ -231,6 +233,85 @@ TEST_F(HostileTrees, LoseNothingOfTheFoldersThatWereClosedOnTheWayDown) {
   EXPECT_THAT(InitFileList(At("copie"), {"txt"}), SizeIs(3200));
   RecursiveDelete(At("sursa"));
   EXPECT_FALSE(std::filesystem::exists(folder_ / "sursa"));
+}
+
+/// While this object lives, the process may open so many files more.
+class FewHandles {
+ public:
+  explicit FewHandles(std::size_t left) {
+    getrlimit(RLIMIT_NOFILE, &before_);
+    const rlimit low{200, before_.rlim_max};
+    setrlimit(RLIMIT_NOFILE, &low);
+    for (int taken = open("/dev/null", O_RDONLY); taken != -1; taken = open("/dev/null", O_RDONLY)) {
+      taken_.push_back(taken);
+    }
+    for (; left > 0 && !taken_.empty(); --left) {
+      close(taken_.back());
+      taken_.pop_back();
+    }
+  }
+  ~FewHandles() {
+    for (const int taken : taken_) {
+      close(taken);
+    }
+    setrlimit(RLIMIT_NOFILE, &before_);
+  }
+  FewHandles(const FewHandles&) = delete;
+  FewHandles& operator=(const FewHandles&) = delete;
+
+ private:
+  rlimit before_{};
+  std::vector<int> taken_;
+};
+
+TEST_F(HostileTrees, AreWholeAlsoWhereFewFilesMayBeOpen) {
+  path deep = folder_ / "sursa";
+  for (int level = 0; level < 40; ++level) {
+    std::filesystem::create_directories(deep / "gol");
+    WriteWhole(deep / "f.txt", "x");
+    deep /= "d";
+    std::filesystem::create_directory(deep);
+  }
+  for (const std::size_t left : {2U, 3U, 5U, 20U, 39U}) {
+    const FewHandles few(left);
+    EXPECT_THAT(InitFileList(At("sursa"), {"*"}), SizeIs(40)) << left;
+  }
+  for (const std::size_t left : {6U, 7U, 20U, 50U}) {
+    RecursiveDelete(At("copie"));
+    {
+      const FewHandles few(left);
+      Copy();
+    }
+    EXPECT_THAT(InitFileList(At("copie"), {"*"}), SizeIs(40)) << left;
+  }
+  {
+    const FewHandles few(2);
+    RecursiveDelete(At("copie"));
+  }
+  EXPECT_FALSE(std::filesystem::exists(folder_ / "copie"));
+}
+
+TEST_F(HostileTrees, ThatCannotBeOpenedForWantOfHandlesAreToldOf) {
+  class Failures : public TreeWatcher {
+   public:
+    void OnFailure(TextView path, const OsError& error) override {
+      told.push_back(Text(path) + " " + std::to_string(error.Code()));
+    }
+    StringList told;
+  } failures;
+  std::filesystem::create_directory(folder_ / "sursa" / "s");
+  const auto copies = [&](std::size_t left) {
+    const FewHandles few(left);
+    Copy();
+  };
+  for (const std::size_t left : {0U, 1U}) {
+    const FewHandles few(left);
+    EXPECT_THAT(InitFileList(At("sursa"), {"*"}), IsEmpty());
+  }
+  EXPECT_THAT(failures.told, testing::ElementsAre(At("sursa 24"), At("sursa/s 24")));
+  failures.told.clear();
+  copies(1);
+  EXPECT_THAT(failures.told, testing::ElementsAre(At("sursa 24")));
 }
 
 TEST_F(HostileTrees, MayHaveManyEntriesInAFolder) {

@@ -1,9 +1,16 @@
 #include "apps/kivtools/system/Paths.h"
 
+// shlobj.h needs what windows.h defines.
+// clang-format off
 #include <windows.h>
+#include <shlobj.h>
+// clang-format on
+
+#include <array>
 
 #include "apps/kivtools/InputError.h"
 #include "apps/kivtools/Shown.h"
+#include "apps/kivtools/system/Console.h"
 #include "apps/kivtools/system/win32/Wide.h"
 #include "kivtools/Windows1250.h"
 
@@ -61,6 +68,24 @@ std::string LibraryPath(const std::filesystem::path& path) {
 
 bool LibraryPathsAreUtf8() noexcept {
   return false;
+}
+
+std::string LowerName(std::string_view name) {
+  std::wstring wide = PathFromUtf8(name).native();
+  CharLowerBuffW(wide.data(), static_cast<DWORD>(wide.size()));
+  return Utf8FromWide(wide);
+}
+
+std::vector<std::filesystem::path> HomeFolders() {
+  std::vector<std::filesystem::path> folders;
+  if (auto named = PathFromEnvironment("USERPROFILE")) {
+    folders.push_back(*std::move(named));
+  }
+  std::array<wchar_t, MAX_PATH> profile{};
+  if (SHGetFolderPathW(nullptr, CSIDL_PROFILE, nullptr, SHGFP_TYPE_CURRENT, profile.data()) == S_OK) {
+    folders.emplace_back(profile.data());
+  }
+  return folders;
 }
 
 }  // namespace kivtools

@@ -8,6 +8,7 @@
 #include "kivtools/Package.h"
 #include "kivtools/kiv.h"
 #include "platform/ProcessState.h"
+#include "platform/TestFolder.h"
 
 namespace kiv {
 namespace {
@@ -32,8 +33,7 @@ TEST(LoadedPackage, TheLoadedLibraryKnowsItsModule) {
 }
 
 TEST(LoadedPackage, SaysWhichFileItCannotLoadAndWhy) {
-  const std::filesystem::path folder = std::filesystem::temp_directory_path() / "kivtools-loader-test";
-  std::filesystem::create_directories(folder);
+  const TestFolder folder;
   const std::filesystem::path notALibrary = folder / "text.dll";
   std::ofstream(notALibrary) << "no library";
   constexpr bool kPosix = std::filesystem::path::preferred_separator == '/';
@@ -55,7 +55,6 @@ TEST(LoadedPackage, SaysWhichFileItCannotLoadAndWhy) {
       EXPECT_EQ(TextView(error.what()).substr(0, 15), "LoadedPackage: ");
     }
   }
-  std::filesystem::remove_all(folder);
 }
 
 TEST(LoadedPackage, RefusesALibraryThatIsNoPackage) {

@@ -6,19 +6,21 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <random>
 #include <string>
 
 namespace kiv {
 
-/// An empty folder of the running test, removed with this object.
+/// An empty folder of the running test and of nobody else, be it the same test in another build; removed with this
+/// object.
 class TestFolder {
  public:
   TestFolder() {
     const auto* const test = testing::UnitTest::GetInstance()->current_test_info();
-    std::string name = "kivtools-" + std::string(test->test_suite_name()) + "-" + test->name();
+    std::string name = "kivtools-" + std::string(test->test_suite_name()) + "-" + test->name() + "-" +
+                       std::to_string(std::random_device{}());
     std::ranges::replace(name, '/', '-');
     path_ = std::filesystem::temp_directory_path() / name;
-    std::filesystem::remove_all(path_);
     std::filesystem::create_directories(path_);
   }
   ~TestFolder() {

@@ -296,6 +296,7 @@ std::byte* TKivAVLIndex::InternalFind(std::int32_t key, bool insert) {
   }
   Path path(header_);
   std::byte** bottom = path.Nodes();
+  std::byte** leaning = bottom + 1;  // where Rebalance will begin, found on the way down
   do {
     std::byte* const node = Resolve(link);
     const std::int32_t nodeKey = Key(node);
@@ -303,12 +304,13 @@ std::byte* TKivAVLIndex::InternalFind(std::int32_t key, bool insert) {
       return node;
     }
     *++bottom = node;
+    leaning = IfEqual(Balance(node), 0, leaning, bottom);
     link = NextLink(node, nodeKey, key);
   } while (link != kNil);
   path.EndAt(bottom);
   // Absent: added whatever `insert` says.
   std::byte* const fresh = HangNode(path, key);
-  if (Rebalance(path, key) != kNotRotated) {
+  if (Rebalance(path, static_cast<std::size_t>(leaning - path.Nodes()), key) != kNotRotated) {
     spineIsKnown_ = false;
   }
   return fresh;
@@ -326,7 +328,11 @@ std::byte* TKivAVLIndex::Append(std::int32_t key) {
   std::byte* const fresh = HangNode(spine_, key);
   largestKey_ = key;
   spineIsKnown_ = false;
-  const std::size_t rotated = Rebalance(spine_, key);
+  std::size_t leaning = spine_.Last();
+  while (leaning > 1 && Balance(spine_[leaning]) == 0) {
+    --leaning;
+  }
+  const std::size_t rotated = Rebalance(spine_, leaning, key);
   if (rotated != kNotRotated) {
     spine_.Remove(rotated);  // it has become the left child of the node that followed it
   }
@@ -344,18 +350,14 @@ std::byte* TKivAVLIndex::HangNode(const Path& path, std::int32_t key) {
   return fresh;
 }
 
-/// Brings the balances on the path up to date after `key` was hung below its last node. Gives the level at which the
-/// tree was rotated, kNotRotated if it was not.
-std::size_t TKivAVLIndex::Rebalance(const Path& path, std::int32_t key) {
+/// Brings the balances on the path up to date after `key` was hung below its last node. `top` is the level of the
+/// deepest node that leans to a side, 1 if none does: only that one can be thrown out of balance; those below it become
+/// higher. Gives the level at which the tree was rotated, kNotRotated if it was not.
+std::size_t TKivAVLIndex::Rebalance(const Path& path, std::size_t top, std::int32_t key) {
   if (path.Last() == 0) {
     SetBalance(header_, 1);
     Store(header_ + kKey, std::int32_t{1});
     return kNotRotated;
-  }
-  // Only the deepest node that leans to a side can be thrown out of balance; those below it become higher.
-  std::size_t top = path.Last();
-  while (top > 1 && Balance(path[top]) == 0) {
-    --top;
   }
   for (std::size_t level = top + 1; level <= path.Last(); ++level) {
     SetBalance(path[level], SideOf(path[level], key));

@@ -132,7 +132,7 @@ class KIV_API TKivAVLIndex {
   std::byte* InternalFind(std::int32_t key, bool insert);
   std::byte* Append(std::int32_t key);
   std::byte* HangNode(const Path& path, std::int32_t key);
-  std::size_t Rebalance(const Path& path, std::int32_t key);
+  std::size_t Rebalance(const Path& path, std::size_t top, std::int32_t key);
   void Rotate(const Path& path, std::size_t top, std::int8_t side);
   std::uint32_t NewNode();
   void FirstBuffer();

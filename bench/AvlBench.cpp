@@ -264,7 +264,7 @@ void Insert(benchmark::State& state, Keys (*make)(std::size_t), std::size_t coun
 
 template <class Container>
 void Find(benchmark::State& state, Keys (*make)(std::size_t), std::size_t count) {
-  Container& container = Filled<Container>(make, count);
+  auto& container = Filled<Container>(make, count);
   const Keys& mixed = OrdersOf(make, count).mixed;
   std::size_t at = 0;
   for (auto _ : state) {
@@ -278,7 +278,7 @@ void Find(benchmark::State& state, Keys (*make)(std::size_t), std::size_t count)
 
 template <class Container>
 void FindAgain(benchmark::State& state, Keys (*make)(std::size_t), std::size_t count) {
-  Container& container = Filled<Container>(make, count);
+  auto& container = Filled<Container>(make, count);
   const Keys& again = OrdersOf(make, count).again;
   for (auto _ : state) {
     for (const std::int32_t key : again) {
@@ -290,7 +290,7 @@ void FindAgain(benchmark::State& state, Keys (*make)(std::size_t), std::size_t c
 
 template <class Container>
 void Walk(benchmark::State& state, Keys (*make)(std::size_t), std::size_t count) {
-  Container& container = Filled<Container>(make, count);
+  auto& container = Filled<Container>(make, count);
   for (auto _ : state) {
     benchmark::DoNotOptimize(container.Walk());
   }

@@ -88,8 +88,10 @@ class Kiv {
     loader_->Finish();
     loader_.reset();
   }
-  std::int64_t Find(std::int32_t id) const { return dataset_.GetCurrency(*dataset_.Find(id), sum_).Raw(); }
-  std::uint64_t RowAt(std::uint32_t place) const {
+  [[nodiscard]] std::int64_t Find(std::int32_t id) const {
+    return dataset_.GetCurrency(*dataset_.Find(id), sum_).Raw();
+  }
+  [[nodiscard]] std::uint64_t RowAt(std::uint32_t place) const {
     const kiv::RowId row{place};
     return Digest(dataset_.GetInt64(row, id_), static_cast<std::int64_t>(dataset_.GetDateTime(row, day_).Days()),
                   dataset_.GetCurrency(row, sum_).Raw(), dataset_.GetDouble(row, price_), dataset_.GetText(row, town_),
@@ -135,7 +137,7 @@ class MultiIndex {
  public:
   void Add(const Line& line) { lines_.insert(line); }
   void End() {}
-  std::int64_t Find(std::int32_t id) const { return lines_.find(id)->sum; }
+  [[nodiscard]] std::int64_t Find(std::int32_t id) const { return lines_.find(id)->sum; }
   static std::size_t Memory() { return AllocatedBytes(); }
 
  private:
@@ -148,7 +150,7 @@ class ArrayOfStructs {
  public:
   void Add(const Line& line) { lines_.push_back(line); }
   void End() {}
-  std::uint64_t RowAt(std::uint32_t place) const {
+  [[nodiscard]] std::uint64_t RowAt(std::uint32_t place) const {
     const Line& line = lines_[place];
     return Digest(line.id, line.day, line.sum, line.price, line.town, line.name);
   }
@@ -185,7 +187,7 @@ class Sqlite {
     sqlite3_reset(insert_);
   }
   void End() { Execute("commit"); }
-  std::int64_t Find(std::int32_t id) const {
+  [[nodiscard]] std::int64_t Find(std::int32_t id) const {
     sqlite3_bind_int(find_, 1, id);
     sqlite3_step(find_);
     const std::int64_t sum = sqlite3_column_int64(find_, 0);

@@ -98,6 +98,7 @@ BENCHMARK(WriteFloor)->Name("Money/write/floor");
 
 std::vector<std::string> WrittenAmounts() {
   std::vector<std::string> texts;
+  texts.reserve(std::size(kAmounts));
   for (const std::int64_t raw : kAmounts) {
     texts.push_back(kiv::CurrencyToRoStrFaraSpatiu(Currency::FromRaw(raw), 4));
   }
@@ -139,6 +140,7 @@ BENCHMARK(ReadGetMoney)->Name("Money/read/get_money");
 
 void ReadFloor(benchmark::State& state) {
   std::vector<std::string> texts;
+  texts.reserve(std::size(kAmounts));
   for (const std::int64_t raw : kAmounts) {
     texts.push_back(std::to_string(raw));
   }

@@ -20,7 +20,7 @@ KIV_AVX2 inline void Store(std::uint8_t* out, __m256i bytes) {
 
 /// A row's 32 bytes from any place of a period on.
 struct Blocks {
-  KIV_AVX2 __m256i At(std::size_t place) const {
+  [[nodiscard]] KIV_AVX2 __m256i At(std::size_t place) const {
     return _mm256_shuffle_epi8(pixel, _mm256_loadu_si256(reinterpret_cast<const __m256i*>(order.data() + place)));
   }
 

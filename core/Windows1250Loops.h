@@ -92,8 +92,8 @@ class Places {
   }
   KIV_FOR_PROCESSOR void Add(std::size_t place) { places_[count_++] = static_cast<std::uint16_t>(place); }
 
-  KIV_FOR_PROCESSOR const std::uint16_t* begin() const { return places_.data(); }
-  KIV_FOR_PROCESSOR const std::uint16_t* end() const { return places_.data() + count_; }
+  [[nodiscard]] KIV_FOR_PROCESSOR const std::uint16_t* begin() const { return places_.data(); }
+  [[nodiscard]] KIV_FOR_PROCESSOR const std::uint16_t* end() const { return places_.data() + count_; }
 
  private:
   std::array<std::uint16_t, kWindow + kAtOnce> places_;

@@ -183,7 +183,7 @@ void TKivAVLIndex::Path::Remove(std::size_t level) noexcept {
 }
 
 TKivAVLIndex::TKivAVLIndex(std::int32_t payloadSize, bool largeBuffers)
-    : largeBuffers_(largeBuffers), stride_(0), payloadSize_(payloadSize) {
+    : largeBuffers_(largeBuffers), payloadSize_(payloadSize) {
   constexpr auto kHead = static_cast<std::int32_t>(kPayload);
   if (payloadSize < 0 || payloadSize > std::numeric_limits<std::int32_t>::max() - kHead) {
     throw Error("TKivAVLIndex: PayloadSize " + std::to_string(payloadSize) + " nu este permis");

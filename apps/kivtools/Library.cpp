@@ -259,6 +259,7 @@ std::vector<Library::VersionField> Library::VersionFields(const std::filesystem:
                                                                           KIVTOOLS_ENTRY(KivStringListFree));
   Check(KIVTOOLS_ENTRY(KivVersionInfo)(path.data(), path.size(), list.get(), nullptr));
   std::vector<VersionField> fields;
+  fields.reserve(KIV_VERSION_FIELDS);
   for (std::int32_t i = 0; i < KIV_VERSION_FIELDS; ++i) {
     fields.push_back({Text(KIVTOOLS_ENTRY(KivVersionFieldName), i),
                       Text(KIVTOOLS_ENTRY(KivStringListItem), list.get(), static_cast<std::size_t>(i))});

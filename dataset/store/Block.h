@@ -21,7 +21,7 @@ class Block {
   /// Memory that holds nothing yet. Throws std::bad_alloc.
   explicit Block(std::size_t size) : Block(std::make_unique_for_overwrite<std::byte[]>(size), size) {}
   /// Memory full of zero bytes. Throws std::bad_alloc.
-  static Block Zeroed(std::size_t size) { return Block(std::make_unique<std::byte[]>(size), size); }
+  static Block Zeroed(std::size_t size) { return {std::make_unique<std::byte[]>(size), size}; }
   ~Block() { Release(); }
   Block(const Block& other) noexcept : data_(other.data_), control_(other.control_) {
     if (control_ != nullptr) {

@@ -143,7 +143,7 @@ void Store::RevertRow(std::uint32_t row) {
     PostChanges(row, ChangeKind::Restore);
     return;
   }
-  RequireRow(row);
+  static_cast<void>(RequireRow(row));
   if (contents_.StateOf(row) == StoredState::Inserted) {
     DeletePresent(row);
     return;

@@ -252,7 +252,7 @@ void Store::NoteTemporary(const Cell& given) noexcept {
 
 void Store::Update(std::uint32_t row, std::span<const FieldValue> values) {
   BeginEdit();
-  RequireRow(row);
+  static_cast<void>(RequireRow(row));
   CollectChanges(row, values);
   if (changes_.empty()) {
     return;
@@ -312,7 +312,7 @@ void Store::PostChanges(std::uint32_t row, ChangeKind kind) {
 
 void Store::Delete(std::uint32_t row) {
   BeginEdit();
-  RequireRow(row);
+  static_cast<void>(RequireRow(row));
   changes_.clear();
   AskListeners(ChangeKind::Delete, row);
   DeletePresent(row);

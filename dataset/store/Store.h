@@ -70,7 +70,7 @@ class Store {
   // Checks.
   void CheckMayEdit() const;
   void BeginEdit();
-  std::uint32_t RequireRow(std::uint32_t row) const;
+  [[nodiscard]] std::uint32_t RequireRow(std::uint32_t row) const;
   void ProposeDefaults();
   std::int64_t NumberAutoIncs();
   void CheckRequired() const;

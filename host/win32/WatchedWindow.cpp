@@ -161,7 +161,7 @@ void WatchedWindow::ScaleWindowFont(std::int32_t multiplier, std::int32_t diviso
   if (window_ == 0) {
     return;
   }
-  HGDIOBJ font = reinterpret_cast<HGDIOBJ>(SendMessageW(Native(window_), WM_GETFONT, 0, 0));
+  auto* font = reinterpret_cast<HGDIOBJ>(SendMessageW(Native(window_), WM_GETFONT, 0, 0));
   if (font == nullptr) {
     font = GetStockObject(SYSTEM_FONT);
   }

@@ -123,11 +123,11 @@ class KIV_API TKivAVLIndex {
     void operator()(void* memory) const noexcept;
   };
 
-  std::byte* Resolve(std::intptr_t link) const noexcept;
-  std::byte* Resolve(std::uint32_t link) const noexcept;
-  NodeView View(std::uint32_t link) const noexcept;
+  [[nodiscard]] std::byte* Resolve(std::intptr_t link) const noexcept;
+  [[nodiscard]] std::byte* Resolve(std::uint32_t link) const noexcept;
+  [[nodiscard]] NodeView View(std::uint32_t link) const noexcept;
   std::byte* Lookup(std::int32_t key) noexcept;
-  std::size_t HintOf(std::int32_t key) const noexcept;
+  [[nodiscard]] std::size_t HintOf(std::int32_t key) const noexcept;
   void Remember(std::int32_t key, std::uint32_t link) noexcept;
   std::byte* InternalFind(std::int32_t key, bool insert);
   std::byte* Append(std::int32_t key);
@@ -138,17 +138,17 @@ class KIV_API TKivAVLIndex {
   void FirstBuffer();
   void GrowBuffer();
   std::byte* NewBlock(std::int32_t capacity, std::int32_t number);
-  std::uint32_t BlockBytes(std::int32_t capacity) const noexcept;
+  [[nodiscard]] std::uint32_t BlockBytes(std::int32_t capacity) const noexcept;
   void ReserveRuns(std::int32_t capacity);
   std::uint32_t RegisterNodes(std::byte* nodes, std::int32_t capacity) noexcept;
   template <std::int8_t firstSide>
   void Walk(const char* operation, const TKivAvlForEach& callback) const;
   template <std::int8_t firstSide>
-  Path PathAhead(std::int32_t key) const noexcept;
+  [[nodiscard]] Path PathAhead(std::int32_t key) const noexcept;
 
   std::byte* header_ = nullptr;
   bool largeBuffers_;
-  std::int32_t stride_;
+  std::int32_t stride_ = 0;
   std::int32_t payloadSize_;
   std::byte* firstBlock_ = nullptr;
   std::byte* currentBlock_ = nullptr;

@@ -25,7 +25,7 @@ TEST(CodePages, Windows1250MapsEveryByteAndEveryUnit) {
   int bestFit = 0;
   const auto* look = windows1250::kBestFit.begin();
   for (int number = 1; number < 0x10000; ++number) {
-    const char16_t unit = static_cast<char16_t>(number);
+    const auto unit = static_cast<char16_t>(number);
     unsigned char expected = '?';
     if (const auto byte = windows1250::FromUnicode(unit)) {
       expected = *byte;
@@ -135,11 +135,11 @@ TEST(CodePages, MalformedUtf8BecomesReplacementCharacters) {
 /// A system whose code page 1250 loses letters and whose family can be chosen.
 class OtherSystem : public platform::CodePages {
  public:
-  WideText ToWide(TextView text, std::uint32_t codePage) const override {
+  [[nodiscard]] WideText ToWide(TextView text, std::uint32_t codePage) const override {
     return codePage == 1250 ? WideText(text.size(), u'?') : CodePages::ToWide(text, codePage);
   }
-  std::uint32_t AnsiCodePage() const override { return 28592; }
-  std::int32_t FamilyOfSystem() const override { return family; }
+  [[nodiscard]] std::uint32_t AnsiCodePage() const override { return 28592; }
+  [[nodiscard]] std::int32_t FamilyOfSystem() const override { return family; }
 
   std::int32_t family = 2;
 };

@@ -145,7 +145,7 @@ class Digest {
       state_ = (state_ ^ (value >> 8 * i & 0xFFU)) * 0x100000001B3U;
     }
   }
-  std::uint64_t Value() const { return state_; }
+  [[nodiscard]] std::uint64_t Value() const { return state_; }
 
  private:
   std::uint64_t state_ = 0xCBF29CE484222325U;
@@ -306,7 +306,7 @@ class NumberedHost final : public host::Host {
  private:
   class Numbered final : public host::Colours {
    public:
-    Colour SystemColour(std::uint8_t number) const override { return 0xAA010101U * number; }
+    [[nodiscard]] Colour SystemColour(std::uint8_t number) const override { return 0xAA010101U * number; }
   };
   Numbered colours_;
 };

@@ -84,7 +84,9 @@ class Placed {
   Placed(const Characters& text, std::size_t offset) : memory_(offset + text.size()), offset_(offset) {
     std::ranges::copy(text, memory_.begin() + static_cast<std::ptrdiff_t>(offset));
   }
-  std::basic_string_view<Unit> View() const { return {memory_.data() + offset_, memory_.size() - offset_}; }
+  [[nodiscard]] std::basic_string_view<Unit> View() const {
+    return {memory_.data() + offset_, memory_.size() - offset_};
+  }
 
  private:
   std::vector<Unit> memory_;

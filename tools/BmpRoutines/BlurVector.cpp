@@ -89,7 +89,7 @@ struct Division {
       : multiplier(_mm256_set1_epi16(static_cast<short>(divisor.multiplier))),
         shift(_mm_cvtsi32_si128(divisor.shift)) {}
 
-  KIV_AVX2 __m256i Of(const Sums& sums) const {
+  [[nodiscard]] KIV_AVX2 __m256i Of(const Sums& sums) const {
     return _mm256_packus_epi16(_mm256_srl_epi16(_mm256_mulhi_epu16(sums.low, multiplier), shift),
                                _mm256_srl_epi16(_mm256_mulhi_epu16(sums.high, multiplier), shift));
   }

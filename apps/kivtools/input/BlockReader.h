@@ -75,7 +75,7 @@ class BlockReader {
  private:
   bool ReadMore();
   void DropByteOrderMark();
-  std::size_t FirstEnd() const noexcept;
+  [[nodiscard]] std::size_t FirstEnd() const noexcept;
   std::size_t LastEnd() noexcept;
   void CheckLength(std::size_t end) const;
   void DropFront(std::size_t count) noexcept;

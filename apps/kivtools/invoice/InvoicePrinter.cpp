@@ -67,9 +67,9 @@ class Printer {
  private:
   using Row = std::array<std::string, kColumns>;
 
-  std::string Lei(std::int64_t bani) const { return library_.MoneyNoSpace(bani * 100, 2); }
+  [[nodiscard]] std::string Lei(std::int64_t bani) const { return library_.MoneyNoSpace(bani * 100, 2); }
 
-  std::string Quantity(std::int64_t quantity) const {
+  [[nodiscard]] std::string Quantity(std::int64_t quantity) const {
     std::string text = library_.MoneyNoSpace(quantity, 4);
     text.resize(text.find_last_not_of('0') + 1);  // the comma stops it
     if (text.back() == ',') {
@@ -78,7 +78,7 @@ class Printer {
     return text;
   }
 
-  Row Cells(std::size_t index) const {
+  [[nodiscard]] Row Cells(std::size_t index) const {
     const InvoiceItem& item = invoice_.items[index];
     return {std::to_string(index + 1),           item.description,      item.unit,      Quantity(item.quantity),
             library_.MoneyExact(item.unitPrice), Percent(item.vatRate), Lei(item.value)};
@@ -201,7 +201,7 @@ class Printer {
   }
 
   /// A negative total is the words of its magnitude behind "MINUS"; one that has no words is said to have none.
-  std::string TotalInWords() const {
+  [[nodiscard]] std::string TotalInWords() const {
     const std::int64_t magnitude = totals_.total < 0 ? -totals_.total : totals_.total;
     try {
       return (totals_.total < 0 ? "MINUS " : "") + library_.SumInWords(magnitude * 100);

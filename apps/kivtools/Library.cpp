@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <exception>
 #include <memory>
 
 #include "apps/kivtools/system/Console.h"
@@ -24,6 +25,18 @@ kiv::LoadedPackage Load() {
   } catch (const kiv::Error& error) {
     throw InputError(kiv::ToUtf8(error.what()) + (named ? "" : "; KIVTOOLS_LIBRARY can name the library"));
   }
+}
+
+std::vector<std::string> LibraryPaths(std::span<const std::filesystem::path> paths) {
+  std::vector<std::string> texts(paths.size());
+  std::ranges::transform(paths, texts.begin(), LibraryPath);
+  return texts;
+}
+
+std::vector<const char*> Pointers(const std::vector<std::string>& texts) {
+  std::vector<const char*> pointers(texts.size());
+  std::ranges::transform(texts, pointers.begin(), [](const std::string& text) { return text.c_str(); });
+  return pointers;
 }
 
 }  // namespace
@@ -205,6 +218,56 @@ void Library::StartProgram(const std::filesystem::path& program, const std::stri
 std::string Library::ConnectionStringForMdb(const std::filesystem::path& file) const {
   const std::string path = LibraryPath(file);
   return PathText(KIVTOOLS_ENTRY(KivConnectionStringForMdb), path.data(), path.size());
+}
+
+void Library::SetFloppyRoot(const std::filesystem::path& folder) const {
+  const std::string path = LibraryPath(folder);
+  Check(KIVTOOLS_ENTRY(KivSetFloppyRoot)(path.data(), path.size()));
+}
+
+std::int32_t Library::FloppyState() const {
+  const std::int32_t state = KIVTOOLS_ENTRY(KivStareFloppy)();
+  if (state < 0) {
+    ThrowLastError();
+  }
+  return state;
+}
+
+/// Who is asked, and what came of it: no exception may pass through the library.
+struct Library::Asking {
+  const Library& library;
+  const ShowDialog& ask;
+  std::exception_ptr failure;
+};
+
+std::int32_t Library::PassOn(void* asking, std::int32_t kind, const char* text, std::size_t length,
+                             std::int32_t buttons) {
+  auto& [library, ask, failure] = *static_cast<Asking*>(asking);
+  try {
+    return ask(kind, library.ToUtf8({text, length}), buttons);
+  } catch (...) {
+    failure = std::current_exception();
+    return -1;
+  }
+}
+
+void Library::CopyToFloppy(std::span<const std::filesystem::path> sources,
+                           std::span<const std::filesystem::path> destinations, const ShowDialog& ask) const {
+  const std::vector<std::string> from = LibraryPaths(sources);
+  const std::vector<std::string> to = LibraryPaths(destinations);
+  Asking asking{*this, ask, nullptr};
+  KivHostTable table{};
+  table.size = sizeof table;
+  table.context = &asking;
+  table.ask = &PassOn;
+  Check(KIVTOOLS_ENTRY(KivHostInstall)(&table));
+  const KivStatus status = KIVTOOLS_ENTRY(KivCopiazaPeDischetaMulti)(Pointers(from).data(), nullptr, from.size(),
+                                                                     Pointers(to).data(), nullptr, to.size());
+  KIVTOOLS_ENTRY(KivHostRemove)();
+  if (asking.failure) {
+    std::rethrow_exception(asking.failure);
+  }
+  Check(status);
 }
 
 std::uint32_t Library::Tint(const std::string& operation, std::uint32_t colour) const {

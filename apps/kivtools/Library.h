@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -94,6 +95,16 @@ class Library {
   void StartProgram(const std::filesystem::path& program, const std::string& parameters) const;
   /// Writes the data source of an Access database and gives its connection string.
   [[nodiscard]] std::string ConnectionStringForMdb(const std::filesystem::path& file) const;
+  /// Names the folder that stands for drive A:.
+  void SetFloppyRoot(const std::filesystem::path& folder) const;
+  /// What drive A: holds: KIV_FLOPPY_...
+  [[nodiscard]] std::int32_t FloppyState() const;
+  /// Shows a message of the library to the user: KIV_DIALOG_..., the text with its line ends, KIV_BUTTONS_...; gives
+  /// KIV_ANSWER_...
+  using ShowDialog = std::function<std::int32_t(std::int32_t kind, const std::string& text, std::int32_t buttons)>;
+  /// Copies files to as many places on a diskette and lets the user be asked. What `ask` throws comes out of it.
+  void CopyToFloppy(std::span<const std::filesystem::path> sources, std::span<const std::filesystem::path> destinations,
+                    const ShowDialog& ask) const;
   /// What the operation of that name makes of a colour. Example: "Lite".
   [[nodiscard]] std::uint32_t Tint(const std::string& operation, std::uint32_t colour) const;
   /// Fills a picture with the way from one colour to another.
@@ -115,6 +126,9 @@ class Library {
   [[nodiscard]] std::string ToUtf8(std::string_view text) const;
   [[nodiscard]] std::string FromUtf8(std::string_view utf8) const;
   void Check(KivStatus status) const;
+  struct Asking;
+  static std::int32_t PassOn(void* asking, std::int32_t kind, const char* text, std::size_t length,
+                             std::int32_t buttons);
 
   /// The text that a function of the C interface gives, as the library has it.
   template <class Function, class... Arguments>

@@ -4,14 +4,6 @@
 
 namespace kiv {
 
-namespace {
-
-std::uint32_t NumberOf(RowId row) noexcept {
-  return static_cast<std::uint32_t>(row);
-}
-
-}  // namespace
-
 Dataset::Dataset(TextView name, Schema schema) : Dataset(std::make_unique<store::Store>(name, schema)) {}
 
 Dataset::Dataset(std::unique_ptr<store::Store> built) noexcept
@@ -52,16 +44,17 @@ std::optional<RowId> Dataset::Find(std::initializer_list<ValueView> key) const {
 
 std::optional<RowId> Dataset::Find(std::span<const ValueView> key) const {
   const std::uint32_t row = store_->Find(key);
-  return row == store::Contents::kNone ? std::nullopt : std::optional(static_cast<RowId>(row));
+  return row == kNoRow ? std::nullopt : std::optional(static_cast<RowId>(row));
 }
 
-std::optional<RowId> Dataset::Find(std::int64_t key) const {
-  std::uint32_t row = store::Contents::kNone;
+std::uint32_t Dataset::FindNumber(std::int64_t key) const {
+  static_assert(kNoRow == store::Contents::kNone);
+  std::uint32_t row = kNoRow;
   if (store_->FindNumber(key, row)) [[likely]] {
-    return row == store::Contents::kNone ? std::nullopt : std::optional(static_cast<RowId>(row));
+    return row;
   }
   const ValueView value(key);
-  return Find(std::span(&value, 1));
+  return store_->Find({&value, 1});
 }
 
 Snapshot Dataset::TakeSnapshot() {

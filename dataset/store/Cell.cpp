@@ -232,7 +232,7 @@ bool IsAllowed(FieldType type, const Cell& cell) noexcept {
 
 }  // namespace
 
-Cell MakeCell(const FieldDef& field, const ValueView& value, TextView owner) {
+Cell MakeAnyCell(const FieldDef& field, const ValueView& value, TextView owner) {
   return std::visit(Maker(field, owner), value.Get());
 }
 

@@ -5,9 +5,9 @@
 #include <cstring>
 
 #include "dataset/store/Cell.h"
-#include "dataset/store/Plane.h"
 #include "dataset/store/SchemaData.h"
 #include "dataset/store/Texts.h"
+#include "kivtools/dataset/store/Heads.h"
 
 namespace kiv::store {
 
@@ -41,16 +41,12 @@ inline Cell LoadElement(FieldType type, const std::byte* block, std::uint32_t pl
   return cell;
 }
 
-/// The values of one field for a set of rows, without what codes and numbers stand for.
-struct ColumnPlanes {
-  explicit ColumnPlanes(FieldType fieldType) noexcept : type(fieldType), values(TraitsOf(fieldType).width) {}
+/// What is done with the values of one field for a set of rows.
+struct ColumnPlanes : ColumnHead {
+  explicit ColumnPlanes(FieldType fieldType) noexcept : ColumnHead{fieldType, Plane(TraitsOf(fieldType).width)} {}
 
-  FieldType type;
-  Plane values;
   Plane more{Plane::Width::Eight};  ///< the second halves of a Guid, empty elsewhere
-  Plane nulls{Plane::Width::Bit, Plane::Filled::Zeros};
 
-  [[nodiscard]] bool IsNull(std::uint32_t row) const noexcept { return nulls.BitAt(row); }
   /// The row's value, its bytes still a code or number.
   [[nodiscard]] Cell Load(std::uint32_t row) const noexcept {
     if (IsNull(row)) {

@@ -4,11 +4,11 @@
 
 namespace kiv::store {
 
-Contents::Contents(TextView datasetName, const Schema& datasetSchema)
+ContentsMembers::ContentsMembers(TextView datasetName, const Schema& datasetSchema)
     : name(datasetName),
       owner("Dataset " + Quoted(datasetName)),
-      schema(std::vector<FieldDef>(datasetSchema.Fields().begin(), datasetSchema.Fields().end())),
-      schemaData(&SchemaData::Of(schema)) {
+      schema(std::vector<FieldDef>(datasetSchema.Fields().begin(), datasetSchema.Fields().end())) {
+  schemaData = &SchemaData::Of(schema);
   if (!IsIdentifier(name)) {
     throw Error(owner + ": numele nu este permis");
   }
@@ -18,7 +18,7 @@ Contents::Contents(TextView datasetName, const Schema& datasetSchema)
   }
 }
 
-Cell Contents::Resolve(std::size_t field, Cell cell) const noexcept {
+Cell ContentsMembers::Resolve(std::size_t field, Cell cell) const noexcept {
   if (!cell.isNull) {
     const Column& column = columns[field];
     const Storage storage = TraitsOf(column.type).storage;
@@ -32,7 +32,7 @@ Cell Contents::Resolve(std::size_t field, Cell cell) const noexcept {
   return cell;
 }
 
-Cell Contents::ReadOriginal(std::uint32_t row, std::size_t field) const noexcept {
+Cell ContentsMembers::ReadOriginal(std::uint32_t row, std::size_t field) const noexcept {
   const std::uint32_t shadow = ShadowOf(row);
   return shadow == kNone ? Read(row, field) : Resolve(field, originals[field].Load(shadow));
 }

@@ -41,24 +41,18 @@
 /// What is read back goes through BlockLoader, which checks everything that a post would have checked.
 namespace kiv::store {
 
-/// RowState, and what lies behind it.
-enum class StoredState : std::uint8_t { Unmodified, Inserted, Modified, Deleted, Gone };
-inline constexpr std::size_t kStates = 5;
-
 /// One more row than this has no number.
 inline constexpr std::uint32_t kMostRows = 0x7FFFFFFE;
 
-struct Contents {
-  Contents(TextView datasetName, const Schema& datasetSchema);
+/// Every member of Contents, to be copied one by one.
+struct ContentsMembers : ContentsHead {
+  ContentsMembers(TextView datasetName, const Schema& datasetSchema);
 
   [[nodiscard]] const SchemaData& GetSchemaData() const noexcept { return *schemaData; }
   [[nodiscard]] std::uint32_t BlockCount() const noexcept { return (rowCount + kBlockRows - 1) / kBlockRows; }
   [[nodiscard]] std::uint32_t RowsIn(std::uint32_t block) const noexcept {
     const std::uint32_t left = rowCount - block * kBlockRows;
     return left < kBlockRows ? left : kBlockRows;
-  }
-  [[nodiscard]] StoredState StateOf(std::uint32_t row) const noexcept {
-    return static_cast<StoredState>(states.AtOrZero<std::uint8_t>(row));
   }
   /// The cell with the bytes that its code or number stands for.
   [[nodiscard]] Cell Resolve(std::size_t field, Cell cell) const noexcept;
@@ -83,13 +77,9 @@ struct Contents {
   Text owner;
   /// A copy that no other dataset shares, so that its address tells whose a field reference is.
   Schema schema;
-  const SchemaData* schemaData;
 
-  /// All that have ever been, gone ones too.
-  std::uint32_t rowCount = 0;
   std::array<std::uint32_t, kStates> counts{};
   std::vector<Column> columns;
-  Plane states{Plane::Width::One, Plane::Filled::Zeros};
   LargeValues large;
 
   Log log;
@@ -103,9 +93,36 @@ struct Contents {
   std::int64_t nextTemporary = -1;
 };
 
+/// A copy's getters read its own columns.
+struct Contents : ContentsMembers {
+  Contents(TextView datasetName, const Schema& datasetSchema) : ContentsMembers(datasetName, datasetSchema) {
+    FindColumnHeads();
+  }
+  Contents(const Contents& other) : ContentsMembers(other) { FindColumnHeads(); }
+  Contents(Contents&&) noexcept = default;
+  Contents& operator=(const Contents&) = delete;
+  Contents& operator=(Contents&&) noexcept = default;
+  ~Contents() = default;
+
+ private:
+  void FindColumnHeads() {
+    columnHeads.clear();
+    for (const Column& column : columns) {
+      columnHeads.push_back(&column);
+    }
+  }
+};
+
 }  // namespace kiv::store
 
 namespace kiv {
+
+inline const store::Contents& DatasetView::GetContents() const noexcept {
+  return static_cast<const store::Contents&>(*head_);
+}
+
+inline Snapshot::Snapshot(std::shared_ptr<const store::Contents> contents) noexcept
+    : DatasetView(contents.get()), owned_(std::move(contents)) {}
 
 inline std::size_t DatasetView::Resolve(const store::Contents& contents, FieldSelector field) {
   return field.owner_ == contents.schemaData ? field.size_ & ~FieldSelector::kIsReference

@@ -41,18 +41,18 @@ std::uint32_t KeyIndex::TagOf(std::span<const Cell> key) const noexcept {
 }
 
 std::uint32_t KeyIndex::Find(std::uint32_t tag, std::span<const Cell> key) const noexcept {
-  if (isExact_) {
-    return FitsTag(key[0]) ? index_.Find(tag, [](std::uint32_t) { return true; }) : HashIndex::kNone;
-  }
-  return index_.Find(tag, [&](std::uint32_t row) {
-    for (std::size_t i = 0; i < fields_.size(); ++i) {
-      const std::uint16_t field = fields_[i];
-      if (!AreEqual(contents_.columns[field].type, contents_.Read(row, field), key[i])) {
-        return false;
-      }
+  return isExact_ && !FitsTag(key[0]) ? HashIndex::kNone
+                                      : index_.Find(tag, [&](std::uint32_t row) { return HasKey(row, key); });
+}
+
+bool KeyIndex::HasKey(std::uint32_t row, std::span<const Cell> key) const noexcept {
+  for (std::size_t i = 0; i < fields_.size() && !isExact_; ++i) {
+    const std::uint16_t field = fields_[i];
+    if (!AreEqual(contents_.columns[field].type, contents_.Read(row, field), key[i])) {
+      return false;
     }
-    return true;
-  });
+  }
+  return true;
 }
 
 void KeyIndex::Insert(std::uint32_t tag, std::span<const Cell> key, std::uint32_t row) noexcept {
@@ -64,11 +64,11 @@ void KeyIndex::Insert(std::uint32_t tag, std::span<const Cell> key, std::uint32_
   index_.Insert(tag, row);
 }
 
-void KeyIndex::ReadKey(std::uint32_t row, std::vector<Cell>& key) const {
-  key.clear();
-  for (const std::uint16_t field : fields_) {
-    key.push_back(contents_.Read(row, field));
+std::span<const Cell> KeyIndex::ReadKey(std::uint32_t row, std::vector<Cell>& key) const {
+  for (std::size_t i = 0; i < fields_.size(); ++i) {
+    key[i] = isNumber_ ? contents_.columns[fields_[i]].Load(row) : contents_.Read(row, fields_[i]);
   }
+  return key;
 }
 
 void KeyIndex::RefuseTwice(std::span<const Cell> key) const {
@@ -80,57 +80,43 @@ void KeyIndex::RefuseTwice(std::span<const Cell> key) const {
   throw Error(contents_.owner + ": cheia " + shown + " exista deja");
 }
 
-std::uint32_t KeyIndex::TagAt(std::uint32_t row, std::vector<Cell>& key) const {
-  if (isNumber_) {
-    const Cell cell = contents_.columns[fields_[0]].Load(row);
-    return TagOf({&cell, 1});
-  }
-  ReadKey(row, key);
-  return TagOf(key);
-}
-
-void KeyIndex::ReserveFor(std::uint32_t rows, std::vector<Cell>& key) {
-  std::array<std::uint32_t, HashIndex::kSegments> counts{};
-  for (std::uint32_t row = 0; row < rows; ++row) {
-    if (contents_.StateOf(row) < StoredState::Deleted) {
-      ++counts[HashIndex::SegmentOf(TagAt(row, key))];
-    }
-  }
-  for (std::uint32_t segment = 0; segment < HashIndex::kSegments; ++segment) {
-    index_.ReserveSegment(segment, counts[segment]);
-  }
-}
-
 void KeyIndex::Build(std::uint32_t rows) {
   if (!Exists()) {
     return;
   }
   KeyIndex built(contents_);
   built.seed_ = seed_;
-  std::vector<Cell> key;
-  built.ReserveFor(rows, key);
+  // Tags spread evenly; a segment that gets more than its share grows.
+  for (std::uint32_t segment = 0; segment < HashIndex::kSegments && rows >= kBlockRows; ++segment) {
+    built.index_.ReserveSegment(segment, rows / HashIndex::kSegments);
+  }
   // Places are fetched a few rows ahead: waiting for memory row by row would take most of the time.
   constexpr std::uint32_t kAhead = 32;
   std::array<std::uint32_t, kAhead> tags{};
+  std::vector<Cell> cells(fields_.size());
   for (std::uint32_t first = 0; first < rows; first += kAhead) {
     const std::uint32_t end = std::min(rows, first + kAhead);
     for (std::uint32_t row = first; row < end; ++row) {
-      tags[row - first] = TagAt(row, key);
+      tags[row - first] = TagOf(ReadKey(row, cells));
       built.index_.Prefetch(tags[row - first]);
     }
     for (std::uint32_t row = first; row < end; ++row) {
       if (contents_.StateOf(row) < StoredState::Deleted) {
-        ReadKey(row, key);
-        if (built.Find(tags[row - first], key) != HashIndex::kNone) {
-          RefuseTwice(key);
-        }
-        built.Insert(tags[row - first], key, row);
+        built.Add(tags[row - first], ReadKey(row, cells), row);
       }
     }
   }
   index_ = std::move(built.index_);
   isExact_ = built.isExact_;
   isBroken_ = false;
+}
+
+void KeyIndex::Add(std::uint32_t tag, std::span<const Cell> key, std::uint32_t row) {
+  index_.Reserve(tag);
+  isExact_ = isExact_ && FitsTag(key[0]);
+  if (index_.InsertUnless(tag, row, [&](std::uint32_t other) { return HasKey(other, key); }) != HashIndex::kNone) {
+    RefuseTwice(key);
+  }
 }
 
 }  // namespace kiv::store

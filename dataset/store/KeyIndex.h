@@ -63,9 +63,9 @@ class KeyIndex {
   [[noreturn]] void RefuseTwice(std::span<const Cell> key) const;
 
  private:
-  void ReadKey(std::uint32_t row, std::vector<Cell>& key) const;
-  std::uint32_t TagAt(std::uint32_t row, std::vector<Cell>& key) const;
-  void ReserveFor(std::uint32_t rows, std::vector<Cell>& key);
+  [[nodiscard]] bool HasKey(std::uint32_t row, std::span<const Cell> key) const noexcept;
+  std::span<const Cell> ReadKey(std::uint32_t row, std::vector<Cell>& key) const;
+  void Add(std::uint32_t tag, std::span<const Cell> key, std::uint32_t row);
 
   const Contents& contents_;
   std::span<const std::uint16_t> fields_;

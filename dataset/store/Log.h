@@ -6,9 +6,9 @@
 #include <span>
 #include <vector>
 
-#include "dataset/store/Block.h"
 #include "dataset/store/Cell.h"
 #include "kivtools/dataset/Row.h"
+#include "kivtools/dataset/store/Block.h"
 
 namespace kiv::store {
 

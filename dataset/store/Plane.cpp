@@ -1,4 +1,4 @@
-#include "dataset/store/Plane.h"
+#include "kivtools/dataset/store/Plane.h"
 
 #include <algorithm>
 

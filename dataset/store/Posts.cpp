@@ -39,6 +39,17 @@ void Store::CheckRequired() const {
   }
 }
 
+std::span<const Cell> Store::ProposedKey() {
+  if (keys_.Fields().size() == 1) {
+    return {&proposed_[keys_.Fields()[0]], 1};
+  }
+  key_.clear();
+  for (const std::uint16_t field : keys_.Fields()) {
+    key_.push_back(proposed_[field]);
+  }
+  return key_;
+}
+
 Store::KeyPlace Store::PlaceOfKey(std::uint32_t row) {
   keyBefore_.clear();
   for (const std::uint16_t field : keys_.Fields()) {
@@ -182,17 +193,14 @@ std::uint32_t Store::Insert(std::span<const FieldValue> values) {
   ProposeDefaults();
   for (const FieldValue& value : values) {
     const std::size_t field = DatasetView::Resolve(contents_, value.field);
-    proposed_[field] = MakeCell(contents_.schemaData->fields[field], value.value, contents_.owner);
+    MakeCellIn(proposed_[field], contents_.schemaData->fields[field], value.value, contents_.owner);
   }
   const std::int64_t next = NumberAutoIncs();
   CheckRequired();
   KeyPlace place;
   if (keys_.Exists()) {
-    key_.clear();
-    for (const std::uint16_t field : keys_.Fields()) {
-      key_.push_back(proposed_[field]);
-    }
-    place = {keys_.TagOf(key_), key_};
+    place.key = ProposedKey();
+    place.tag = keys_.TagOf(place.key);
     keys_.Prefetch(place.tag);
   }
   // While the key's place is on its way from memory.

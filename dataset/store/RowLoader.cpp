@@ -50,7 +50,8 @@ void RowLoader::Add(std::span<const ValueView> values) {
   MakeWritable(row);
   for (std::size_t i = 0; i < values.size(); ++i) {
     const FieldDef& field = contents_.schemaData->fields[i];
-    Cell cell = MakeCell(field, values[i], contents_.owner);
+    Cell cell;
+    MakeCellIn(cell, field, values[i], contents_.owner);
     if (cell.isNull && (Has(field.flags, kRequired) || Has(field.flags, kKey))) {
       throw Error(contents_.owner + ": campul " + Quoted(field.name) + " trebuie completat");
     }

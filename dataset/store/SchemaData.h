@@ -5,8 +5,8 @@
 #include <utility>
 #include <vector>
 
-#include "dataset/store/Plane.h"
 #include "kivtools/dataset/Schema.h"
+#include "kivtools/dataset/store/Plane.h"
 
 namespace kiv::store {
 

@@ -71,16 +71,9 @@ std::uint32_t Store::Find(std::span<const ValueView> key) {
   return find(cells);
 }
 
-void Store::Intern(std::size_t field, Cell& cell) {
-  if (cell.isNull) {
-    return;
-  }
-  const Storage storage = TraitsOf(contents_.columns[field].type).storage;
-  if (storage == Storage::Texts) {
-    cell.bits = InternText(field, cell.bytes);
-  } else if (storage == Storage::Large) {
-    cell.bits = contents_.large.Add(cell.bytes);
-  }
+void Store::InternBytes(std::size_t field, Cell& cell) {
+  const bool isText = TraitsOf(contents_.columns[field].type).storage == Storage::Texts;
+  cell.bits = isText ? InternText(field, cell.bytes) : contents_.large.Add(cell.bytes);
 }
 
 std::uint32_t Store::TextTag(std::string_view bytes) const noexcept {

@@ -74,6 +74,7 @@ class Store {
   void ProposeDefaults();
   std::int64_t NumberAutoIncs();
   void CheckRequired() const;
+  std::span<const Cell> ProposedKey();
   KeyPlace PlaceOfKey(std::uint32_t row);
   void RefuseKeyOfAnother(const KeyPlace& place, std::uint32_t row) const;
   void CollectChanges(std::uint32_t row, std::span<const FieldValue> values);
@@ -81,7 +82,12 @@ class Store {
   void CollectOriginals(std::uint32_t row);
 
   // Room.
-  void Intern(std::size_t field, Cell& cell);
+  void Intern(std::size_t field, Cell& cell) {
+    if (!cell.isNull && TraitsOf(contents_.columns[field].type).storage != Storage::Fixed) {
+      InternBytes(field, cell);
+    }
+  }
+  void InternBytes(std::size_t field, Cell& cell);
   std::uint32_t InternText(std::size_t field, std::string_view bytes);
   [[nodiscard]] std::uint32_t TextTag(std::string_view bytes) const noexcept;
   std::uint32_t FindOrAddEntry(std::size_t field, std::string_view bytes);

@@ -7,8 +7,8 @@
 #include <string_view>
 #include <vector>
 
-#include "dataset/store/Block.h"
-#include "dataset/store/Plane.h"
+#include "kivtools/dataset/store/Block.h"
+#include "kivtools/dataset/store/Plane.h"
 
 namespace kiv::store {
 

@@ -16,11 +16,11 @@
 #include "kivtools/dataset/Row.h"
 #include "kivtools/dataset/Schema.h"
 #include "kivtools/dataset/Value.h"
+#include "kivtools/dataset/store/Heads.h"
 
 namespace kiv {
 
 namespace store {
-struct Column;
 struct Contents;
 class Store;
 }  // namespace store
@@ -89,7 +89,7 @@ class RowRange {
 
    private:
     friend class RowRange;
-    const store::Contents* contents_ = nullptr;
+    const store::ContentsHead* contents_ = nullptr;
     std::uint32_t row_ = kEnd;
     std::uint8_t states_ = 0;
   };
@@ -106,9 +106,10 @@ class RowRange {
  private:
   friend class DatasetView;
   static constexpr std::uint32_t kEnd = 0xFFFFFFFF;
-  KIV_API static std::uint32_t Next(const store::Contents* contents, std::uint32_t from, std::uint8_t states) noexcept;
-  RowRange(const store::Contents* contents, std::uint8_t states) noexcept : contents_(contents), states_(states) {}
-  const store::Contents* contents_;
+  KIV_API static std::uint32_t Next(const store::ContentsHead* contents, std::uint32_t from,
+                                    std::uint8_t states) noexcept;
+  RowRange(const store::ContentsHead* contents, std::uint8_t states) noexcept : contents_(contents), states_(states) {}
+  const store::ContentsHead* contents_;
   std::uint8_t states_;
 };
 
@@ -145,19 +146,19 @@ class DatasetView {
   [[nodiscard]] KIV_API RowState State(RowId row) const;
 
   /// Whether the field is null in that row.
-  [[nodiscard]] KIV_API bool IsNull(RowId row, FieldSelector field) const;
+  [[nodiscard]] bool IsNull(RowId row, FieldSelector field) const;
   /// Of a Boolean.
-  [[nodiscard]] KIV_API bool GetBool(RowId row, FieldSelector field) const;
+  [[nodiscard]] bool GetBool(RowId row, FieldSelector field) const;
   /// Of an Int16, Int32, Int64 or AutoInc.
-  [[nodiscard]] KIV_API std::int64_t GetInt64(RowId row, FieldSelector field) const;
+  [[nodiscard]] std::int64_t GetInt64(RowId row, FieldSelector field) const;
   /// Of a Double.
-  [[nodiscard]] KIV_API double GetDouble(RowId row, FieldSelector field) const;
+  [[nodiscard]] double GetDouble(RowId row, FieldSelector field) const;
   /// Of a Currency. Example: `linii.GetCurrency(row, "suma")` is 1234.56_lei.
-  [[nodiscard]] KIV_API Currency GetCurrency(RowId row, FieldSelector field) const;
+  [[nodiscard]] Currency GetCurrency(RowId row, FieldSelector field) const;
   /// Of a Date, Time or DateTime.
-  [[nodiscard]] KIV_API DateTime GetDateTime(RowId row, FieldSelector field) const;
+  [[nodiscard]] DateTime GetDateTime(RowId row, FieldSelector field) const;
   /// Of a Text or Memo.
-  [[nodiscard]] KIV_API TextView GetText(RowId row, FieldSelector field) const;
+  [[nodiscard]] TextView GetText(RowId row, FieldSelector field) const;
   /// Of a WideText.
   [[nodiscard]] KIV_API std::u16string_view GetWideText(RowId row, FieldSelector field) const;
   /// Of a Guid.
@@ -175,25 +176,83 @@ class DatasetView {
   [[nodiscard]] KIV_API Value Original(RowId row, FieldSelector field) const;
 
   /// For the library's own parts.
-  [[nodiscard]] const store::Contents& GetContents() const noexcept { return *contents_; }
+  [[nodiscard]] const store::Contents& GetContents() const noexcept;
 
  protected:
-  explicit DatasetView(const store::Contents* contents) noexcept : contents_(contents) {}
+  explicit DatasetView(const store::ContentsHead* contents) noexcept : head_(contents) {}
   DatasetView(const DatasetView&) = default;
   DatasetView& operator=(const DatasetView&) = default;
   ~DatasetView() = default;
 
-  const store::Contents* contents_;
+  static constexpr std::uint32_t NumberOf(RowId row) noexcept { return static_cast<std::uint32_t>(row); }
+
+  const store::ContentsHead* head_;
 
  private:
   friend class store::Store;
   /// A bit for each FieldType.
   using TypeSet = std::uint32_t;
+  template <class... Types>
+  static constexpr TypeSet SetOf(Types... types) noexcept {
+    return ((1U << static_cast<unsigned>(types)) | ...);
+  }
   /// The place of the field. Throws Error for a name that is none and for another dataset's reference.
   [[nodiscard]] static std::size_t Resolve(const store::Contents& contents, FieldSelector field);
   [[nodiscard]] static std::size_t ResolveName(const store::Contents& contents, FieldSelector field);
-  [[nodiscard]] const store::Column& Locate(RowId row, FieldSelector field, TypeSet types) const;
+  /// The column of a field whose type is among `types`. Throws as a getter does.
+  [[nodiscard]] const store::ColumnHead& Locate(RowId row, FieldSelector field, TypeSet types) const {
+    if (field.owner_ == head_->schemaData && head_->IsPresent(NumberOf(row))) [[likely]] {
+      const store::ColumnHead& column = *head_->columnHeads[field.size_ & ~FieldSelector::kIsReference];
+      if ((types >> static_cast<unsigned>(column.type) & 1U) != 0) [[likely]] {
+        return column;
+      }
+    }
+    return LocateOrRefuse(row, field, types);
+  }
+  [[nodiscard]] KIV_API const store::ColumnHead& LocateOrRefuse(RowId row, FieldSelector field, TypeSet types) const;
+  [[nodiscard]] KIV_API static DateTime MomentAt(const store::ColumnHead& column, std::uint32_t row) noexcept;
+  [[nodiscard]] KIV_API TextView TextAt(const store::ColumnHead& column, std::uint32_t row) const noexcept;
 };
+
+inline bool DatasetView::IsNull(RowId row, FieldSelector field) const {
+  return Locate(row, field, ~TypeSet{0}).IsNull(NumberOf(row));
+}
+
+inline bool DatasetView::GetBool(RowId row, FieldSelector field) const {
+  return Locate(row, field, SetOf(FieldType::Boolean)).values.BitAt(NumberOf(row));
+}
+
+inline std::int64_t DatasetView::GetInt64(RowId row, FieldSelector field) const {
+  constexpr TypeSet kIntegers = SetOf(FieldType::Int16, FieldType::Int32, FieldType::Int64, FieldType::AutoInc);
+  const store::ColumnHead& column = Locate(row, field, kIntegers);
+  switch (column.type) {
+    case FieldType::Int16:
+      return column.values.At<std::int16_t>(NumberOf(row));
+    case FieldType::Int32:
+      return column.values.At<std::int32_t>(NumberOf(row));
+    default:
+      return column.values.At<std::int64_t>(NumberOf(row));
+  }
+}
+
+inline double DatasetView::GetDouble(RowId row, FieldSelector field) const {
+  return Locate(row, field, SetOf(FieldType::Double)).values.At<double>(NumberOf(row));
+}
+
+inline Currency DatasetView::GetCurrency(RowId row, FieldSelector field) const {
+  return Currency::FromRaw(Locate(row, field, SetOf(FieldType::Currency)).values.At<std::int64_t>(NumberOf(row)));
+}
+
+inline DateTime DatasetView::GetDateTime(RowId row, FieldSelector field) const {
+  constexpr TypeSet kMoments = SetOf(FieldType::Date, FieldType::Time, FieldType::DateTime);
+  const store::ColumnHead& column = Locate(row, field, kMoments);
+  return column.type == FieldType::Date ? DateTime(column.values.At<std::int32_t>(NumberOf(row)))
+                                        : MomentAt(column, NumberOf(row));
+}
+
+inline TextView DatasetView::GetText(RowId row, FieldSelector field) const {
+  return TextAt(Locate(row, field, SetOf(FieldType::Text, FieldType::Memo)), NumberOf(row));
+}
 
 /// A dataset as it was at one moment. It shares memory with it, and what is edited later is copied first, 64 KiB at a
 /// time; so it is cheap to make, stays as it is, and may be read by other threads while the dataset goes on.
@@ -203,8 +262,7 @@ class DatasetView {
 class Snapshot : public DatasetView {
  public:
   /// For the library's own parts.
-  explicit Snapshot(std::shared_ptr<const store::Contents> contents) noexcept
-      : DatasetView(contents.get()), owned_(std::move(contents)) {}
+  explicit Snapshot(std::shared_ptr<const store::Contents> contents) noexcept;
 
  private:
   std::shared_ptr<const store::Contents> owned_;
@@ -255,7 +313,11 @@ class Dataset : public DatasetView {
   /// The same from values collected at run time.
   [[nodiscard]] KIV_API std::optional<RowId> Find(std::span<const ValueView> key) const;
   /// The same for a key of one integer field. Example: `linii.Find(17)`.
-  [[nodiscard]] KIV_API std::optional<RowId> Find(std::int64_t key) const;
+  [[nodiscard]] std::optional<RowId> Find(std::int64_t key) const {
+    // Made here: an optional that a function returns goes through memory, where the next step would wait for it.
+    const std::uint32_t row = FindNumber(key);
+    return row == kNoRow ? std::nullopt : std::optional(RowId{row});
+  }
 
   /// The history of its changes. Example: `linii.Changes().UndoLast()`.
   [[nodiscard]] ChangeLog Changes() noexcept { return ChangeLog(*store_); }
@@ -281,6 +343,9 @@ class Dataset : public DatasetView {
   explicit Dataset(std::unique_ptr<store::Store> built) noexcept;
 
  private:
+  static constexpr std::uint32_t kNoRow = 0xFFFFFFFF;
+  [[nodiscard]] KIV_API std::uint32_t FindNumber(std::int64_t key) const;
+
   std::unique_ptr<store::Store> store_;
 };
 

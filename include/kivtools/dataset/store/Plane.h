@@ -6,7 +6,7 @@
 #include <span>
 #include <vector>
 
-#include "dataset/store/Block.h"
+#include "kivtools/dataset/store/Block.h"
 
 namespace kiv::store {
 

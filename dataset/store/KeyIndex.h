@@ -20,6 +20,10 @@ class KeyIndex {
   [[nodiscard]] bool Exists() const noexcept { return !fields_.empty(); }
   /// The fields of the key.
   [[nodiscard]] std::span<const std::uint16_t> Fields() const noexcept { return fields_; }
+  /// Whether the field alone is the key.
+  [[nodiscard]] bool IsLoneField(std::size_t field) const noexcept {
+    return fields_.size() == 1 && fields_[0] == field;
+  }
   /// The tag of the key in those cells, one for each field of the key.
   [[nodiscard]] std::uint32_t TagOf(std::span<const Cell> key) const noexcept;
   /// The row with that key, HashIndex::kNone if there is none.

@@ -194,6 +194,10 @@ std::uint32_t Store::Insert(std::span<const FieldValue> values) {
   for (const FieldValue& value : values) {
     const std::size_t field = DatasetView::Resolve(contents_, value.field);
     MakeCellIn(proposed_[field], contents_.schemaData->fields[field], value.value, contents_.owner);
+    if (keys_.IsLoneField(field)) {
+      // Its place comes from memory while the rest of the row is checked.
+      keys_.Prefetch(keys_.TagOf({&proposed_[field], 1}));
+    }
   }
   const std::int64_t next = NumberAutoIncs();
   CheckRequired();
@@ -201,9 +205,7 @@ std::uint32_t Store::Insert(std::span<const FieldValue> values) {
   if (keys_.Exists()) {
     place.key = ProposedKey();
     place.tag = keys_.TagOf(place.key);
-    keys_.Prefetch(place.tag);
   }
-  // While the key's place is on its way from memory.
   for (std::size_t i = 0; i < proposed_.size(); ++i) {
     Intern(i, proposed_[i]);
   }

@@ -7,7 +7,7 @@
 #include <memory>
 #include <utility>
 #if defined(__SSE2__)
-#include <emmintrin.h>
+#include <immintrin.h>
 #endif
 
 namespace kiv::store {

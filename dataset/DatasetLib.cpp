@@ -3,15 +3,17 @@
 #include <algorithm>
 
 #include "core/Units.h"
+#include "kivtools/dataset/Packet.h"
 
 namespace kiv {
 namespace {
 
-/// The library's own engine. It is registered so that hosts find its place; it has no formats yet.
+/// The library's own engine.
 class OwnEngine final : public DatasetEngine {
  public:
   [[nodiscard]] TextView Name() const noexcept override { return "DatasetLib"; }
-  [[nodiscard]] StringList Formats() const override { return {}; }
+  [[nodiscard]] StringList Formats() const override { return {"kdp"}; }
+  [[nodiscard]] Dataset Load(const std::filesystem::path& path) const override { return LoadBinary(path); }
 };
 
 std::vector<const DatasetEngine*>& Engines() {

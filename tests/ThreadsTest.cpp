@@ -226,6 +226,8 @@ Text OfFiles(std::uint32_t number) {
   dataset.Insert({{"nume", TextOf(number)}});
   SaveBinary(dataset, folder / "linii.kdp");
   all += LoadBinary(folder / "linii.kdp").GetText(RowId{0}, "nume");
+  SaveDelta(dataset.Changes().MakeDelta(), folder / "diferenta.kdp");
+  all += Shown(static_cast<double>(LoadDelta(folder / "diferenta.kdp").Count()));
   RecursiveDelete(at(""));
   return all + Shown(std::filesystem::exists(folder));
 }
@@ -298,15 +300,19 @@ constexpr Operation kOperations[] = {
       Dataset dataset("linii", {{"id", FieldType::AutoInc, kKey}, {"nume", FieldType::Text}});
       dataset.Insert({{"nume", TextOf(number)}});
       std::vector<std::uint8_t> packet;
-      WriteBinary(dataset, [&](auto bytes) { packet.insert(packet.end(), bytes.begin(), bytes.end()); });
+      const PacketSink sink = [&](auto bytes) { packet.insert(packet.end(), bytes.begin(), bytes.end()); };
       std::size_t at = 0;
-      const Dataset read = ReadBinary([&](std::span<std::uint8_t> into) {
+      const PacketSource source = [&](std::span<std::uint8_t> into) {
         const std::size_t count = std::min(into.size(), packet.size() - at);
         std::copy_n(packet.data() + at, count, into.data());
         at += count;
         return count;
-      });
-      return Text(read.GetText(RowId{0}, "nume"));
+      };
+      WriteBinary(dataset, sink);
+      const Dataset read = ReadBinary(source);
+      WriteDelta(dataset.Changes().MakeDelta(), sink);
+      const Delta delta = ReadDelta(source);
+      return Text(read.GetText(RowId{0}, "nume")) + std::get<Text>(delta.Current(0, 1));
     },
 };
 

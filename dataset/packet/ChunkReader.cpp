@@ -32,7 +32,7 @@ bool MayBeSkipped(ChunkType type) noexcept {
 }
 
 bool IsKnown(ChunkType type) noexcept {
-  constexpr std::array kKnown = {kTable, kLargeValues, kEntries, kRows, kRecords, kEnd};
+  constexpr std::array kKnown = {kTable, kNotes, kLargeValues, kEntries, kRows, kRecords, kEnd};
   return std::ranges::find(kKnown, type) != kKnown.end();
 }
 
@@ -144,8 +144,8 @@ bool ChunkReader::Next() {
     if (Crc32c(payload_, Crc32c(header)) != NumberAt<std::uint32_t>(checksum, 0)) {
       RefuseAt(chunkStart_, "suma de control nu se potriveste");
     }
-    if (type_ == kEnd && (Take<std::uint32_t>() != count_ || Take<std::uint32_t>() != checksums_ || !AtEnd())) {
-      Refuse("sfarsitul nu se potriveste cu bucatile");
+    if (type_ == kEnd) {
+      CheckSums();
     }
     checksums_ = Crc32c(checksum, checksums_);
     if (!MayBeSkipped(type_) && !IsKnown(type_)) {
@@ -153,6 +153,14 @@ bool ChunkReader::Next() {
     }
   } while (!IsKnown(type_));
   return true;
+}
+
+void ChunkReader::CheckSums() {
+  const bool isWhole = Take<std::uint32_t>() == count_;
+  rows_ = Take<std::uint32_t>();
+  if (!isWhole || Take<std::uint32_t>() != checksums_ || !AtEnd()) {
+    Refuse("sfarsitul nu se potriveste cu bucatile");
+  }
 }
 
 void ChunkReader::CheckEnd() {

@@ -20,6 +20,8 @@ class ChunkReader {
   bool Next();
   [[nodiscard]] ChunkType Type() const noexcept { return type_; }
   [[nodiscard]] PacketKind Kind() const noexcept { return kind_; }
+  /// How many rows the last chunk says that there are.
+  [[nodiscard]] std::uint32_t Rows() const noexcept { return rows_; }
 
   [[nodiscard]] bool AtEnd() const noexcept { return at_ == payload_.size(); }
   /// The next bytes of the chunk, valid until the next chunk.
@@ -49,6 +51,7 @@ class ChunkReader {
  private:
   void ReadHeader();
   void ReadPayload(std::uint32_t length);
+  void CheckSums();
   void CheckEnd();
   std::size_t Fill(std::span<std::byte> bytes);
   [[noreturn]] void RefuseAt(std::uint64_t offset, TextView why) const;
@@ -61,6 +64,7 @@ class ChunkReader {
   std::uint64_t chunkStart_ = 0;  // of them before this chunk
   std::uint32_t count_ = 0;
   std::uint32_t checksums_ = 0;
+  std::uint32_t rows_ = 0;
   bool isInChunk_ = false;
   std::vector<std::byte> payload_;
   std::size_t at_ = 0;

@@ -1,19 +1,17 @@
 #include "dataset/packet/ChunkWriter.h"
 
 #include "core/Crc32c.h"
-#include "dataset/store/Random.h"
 
 namespace kiv::packet {
 
-ChunkWriter::ChunkWriter(const PacketSink& sink, PacketKind kind) : sink_(sink) {
-  const Guid identity = store::RandomGuid();
+ChunkWriter::ChunkWriter(const PacketSink& sink, PacketKind kind, std::uint64_t identity) : sink_(sink) {
+  chunk_.reserve(kChunkBuffer);
   PutBytes(kMagic.data(), kMagic.size());
   Put(kMajorVersion);
   Put(kMinorVersion);
   Put(kind);
   Room(3);  // zero
-  Put(identity.data1);
-  PutBytes(identity.data4.data() + 4, 4);
+  Put(identity);
   Room(4);  // zero
   Put(Crc32c(chunk_));
   HandOn(chunk_);
@@ -34,7 +32,7 @@ void ChunkWriter::Begin(ChunkType type) {
 void ChunkWriter::End() {
   const std::size_t length = chunk_.size() - kChunkHeaderSize;
   if (length > kMostPayload) {
-    throw Error("WriteBinary: definitiile campurilor depasesc 16 MiB");
+    throw Error("WriteBinary: definitiile campurilor sau notele depasesc 16 MiB");
   }
   PutAt(4, static_cast<std::uint32_t>(length));
   const std::uint32_t checksum = Crc32c(chunk_);
@@ -45,11 +43,12 @@ void ChunkWriter::End() {
   isOpen_ = false;
 }
 
-void ChunkWriter::Finish() {
+void ChunkWriter::Finish(std::uint32_t rows) {
   const std::uint32_t chunks = count_;
   const std::uint32_t checksums = checksums_;
   Begin(kEnd);
   Put(chunks);
+  Put(rows);
   Put(checksums);
   End();
 }

@@ -12,8 +12,8 @@ namespace kiv::packet {
 /// Puts a packet together chunk by chunk. One chunk at a time is in memory.
 class ChunkWriter {
  public:
-  /// Writes the packet's header.
-  ChunkWriter(const PacketSink& sink, PacketKind kind);
+  /// Writes the packet's header. `identity` tells this packet from every other.
+  ChunkWriter(const PacketSink& sink, PacketKind kind, std::uint64_t identity);
 
   void Begin(ChunkType type);
   [[nodiscard]] bool IsOpen() const noexcept { return isOpen_; }
@@ -21,7 +21,7 @@ class ChunkWriter {
   /// Checks the chunk's length, seals it and hands it on.
   void End();
   /// The last chunk.
-  void Finish();
+  void Finish(std::uint32_t rows);
 
   /// Room for that many bytes of payload, which the caller fills before anything else is put.
   std::span<std::byte> Room(std::size_t size) {

@@ -21,9 +21,10 @@ constexpr std::uint64_t kOverhead = 32;
 
 }  // namespace
 
-std::unique_ptr<store::Store> DatasetReader::Read() {
-  if (in_.Kind() != PacketKind::Offline) {
-    in_.Refuse("pachetul este de alt fel: nu tine un set de date intreg");
+std::unique_ptr<store::Store> DatasetReader::Read(PacketKind kind) {
+  if (in_.Kind() != kind) {
+    in_.Refuse(kind == PacketKind::Delta ? "pachetul este de alt fel: nu tine o diferenta"
+                                         : "pachetul este de alt fel: nu tine un set de date intreg");
   }
   if (!in_.Next() || in_.Type() != kTable) {
     in_.Refuse("pachetul nu incepe cu un tabel");
@@ -31,28 +32,7 @@ std::unique_ptr<store::Store> DatasetReader::Read() {
   try {
     ReadTable();
     while (in_.Next() && in_.Type() != kEnd) {
-      if (in_.Type() == kTable) {
-        in_.Refuse("pachetul are mai multe tabele");
-      }
-      if (piecesTotal_ && in_.Type() != kLargeValues) {
-        in_.Refuse("o valoare lunga nu este intreaga");
-      }
-      if (in_.Type() == kLargeValues) {
-        ReadPieces();
-        continue;
-      }
-      if (in_.Type() == kEntries) {
-        ReadEntries();
-      } else if (in_.Type() == kRows) {
-        Enter(Stage::Rows);
-        rows_->ReadChunk();
-      } else {
-        Enter(Stage::Records);
-        ReadRecords();
-      }
-      if (!longTexts_.empty()) {
-        in_.Refuse("un text lung este in plus");
-      }
+      ReadChunk();
     }
     return Finish();
   } catch (const PacketError&) {
@@ -62,6 +42,33 @@ std::unique_ptr<store::Store> DatasetReader::Read() {
   } catch (const Error& error) {
     // What the store says to the values of a packet.
     in_.Refuse(error.what());
+  }
+}
+
+void DatasetReader::ReadChunk() {
+  if (in_.Type() == kTable) {
+    in_.Refuse("pachetul are mai multe tabele");
+  }
+  if (piecesTotal_ && in_.Type() != kLargeValues) {
+    in_.Refuse("o valoare lunga nu este intreaga");
+  }
+  if (in_.Type() == kLargeValues) {
+    ReadPieces();
+    return;
+  }
+  if (in_.Type() == kNotes) {
+    ReadNotes();
+  } else if (in_.Type() == kEntries) {
+    ReadEntries();
+  } else if (in_.Type() == kRows) {
+    Enter(Stage::Rows);
+    rows_->ReadChunk();
+  } else {
+    Enter(Stage::Records);
+    ReadRecords();
+  }
+  if (!longTexts_.empty()) {
+    in_.Refuse("un text lung este in plus");
   }
 }
 
@@ -75,10 +82,33 @@ void DatasetReader::Enter(Stage stage) {
   stage_ = stage;
 }
 
+void DatasetReader::ReadNotes() {
+  if (!notes_.empty()) {
+    in_.Refuse("pachetul are notele de doua ori");
+  }
+  const auto takeText = [&] {
+    const std::string_view text = in_.TakeText(in_.Take<std::uint32_t>());
+    budget_.Spend(in_, text.size() + kOverhead);
+    return Text(text);
+  };
+  while (!in_.AtEnd()) {
+    Text name = takeText();
+    notes_.push_back({std::move(name), takeText()});
+  }
+}
+
 void DatasetReader::ReadTable() {
+  if (in_.Take<std::uint16_t>() != kOnlyTable || in_.Take<std::uint16_t>() != kNoTable) {
+    in_.Refuse("pachetul are mai multe tabele");
+  }
   const Text name(in_.TakeText(in_.Take<std::uint8_t>()));
   rowCount_ = in_.Take<std::uint32_t>();
   recordCount_ = in_.Take<std::uint32_t>();
+  nextTemporary_ = in_.Take<std::int64_t>();
+  const bool isDelta = in_.Kind() == PacketKind::Delta;
+  if (isDelta) {
+    std::memcpy(&deltaId_, in_.Take(sizeof deltaId_).data(), sizeof deltaId_);
+  }
   const auto fieldCount = in_.Take<std::uint16_t>();
   if (rowCount_ > budget_.Limits().maxRows || fieldCount > budget_.Limits().maxFields) {
     in_.Refuse("pachetul are mai multe randuri sau campuri decat este permis");
@@ -91,7 +121,7 @@ void DatasetReader::ReadTable() {
   if (!in_.AtEnd()) {
     in_.Refuse("definitiile campurilor au octeti in plus");
   }
-  loader_.emplace(name, Schema(fields_));
+  loader_.emplace(name, Schema(fields_), isDelta ? BlockLoader::Purpose::Delta : BlockLoader::Purpose::Dataset);
   for (std::size_t i = 0; i < fields_.size(); ++i) {
     if (hasHeap_[i]) {
       loader_->UseHeap(i);
@@ -236,6 +266,10 @@ std::unique_ptr<store::Store> DatasetReader::Finish() {
   if (stage_ != Stage::Records) {
     rows_->Finish();
   }
+  if (in_.Rows() != rowCount_) {
+    in_.Refuse("sfarsitul nu se potriveste cu randurile");
+  }
+  loader_->SetNextTemporary(nextTemporary_);
   auto store = loader_->Finish();
   static_cast<void>(in_.Next());  // nothing may follow
   return store;

@@ -17,7 +17,11 @@ class DatasetReader {
  public:
   DatasetReader(ChunkReader& in, const ReadLimits& limits) noexcept : in_(in), budget_(limits) {}
 
-  std::unique_ptr<store::Store> Read();
+  /// Reads a packet of that kind; refuses others.
+  std::unique_ptr<store::Store> Read(PacketKind kind);
+  /// Of a delta, once it is read.
+  [[nodiscard]] const Guid& DeltaId() const noexcept { return deltaId_; }
+  [[nodiscard]] PacketNotes TakeNotes() noexcept { return std::move(notes_); }
 
  private:
   /// The chunks of a table come in this order; those of a kind may be as many as they like.
@@ -27,6 +31,8 @@ class DatasetReader {
   FieldDef ReadField(bool& hasHeap);
   Value ReadDefault(const FieldDef& field);
   void Enter(Stage stage);
+  void ReadChunk();
+  void ReadNotes();
   void ReadPieces();
   void ReadEntries();
   void ReadRecords();
@@ -39,6 +45,9 @@ class DatasetReader {
   std::uint32_t rowCount_ = 0;
   std::uint32_t recordCount_ = 0;
   std::uint32_t recordsRead_ = 0;
+  std::int64_t nextTemporary_ = -1;
+  Guid deltaId_{};
+  PacketNotes notes_;
   std::vector<FieldDef> fields_;
   std::vector<bool> hasHeap_;
   std::optional<store::BlockLoader> loader_;

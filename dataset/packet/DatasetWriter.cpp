@@ -18,10 +18,6 @@ namespace {
 
 constexpr std::uint32_t kUnused = 0xFFFFFFFF;
 
-bool HasHeap(const Column& column) noexcept {
-  return TraitsOf(column.type).storage == Storage::Texts && !column.texts.HasDictionary();
-}
-
 void PutName(ChunkWriter& out, TextView name) {
   out.Put(static_cast<std::uint8_t>(name.size()));
   out.PutBytes(name);
@@ -39,7 +35,7 @@ void PutPieces(ChunkWriter& out, PieceOf kind, std::string_view bytes) {
     if (!out.IsOpen()) {
       out.Begin(kLargeValues);
     }
-    const auto size = static_cast<std::uint32_t>(std::min<std::size_t>(kFullChunk, total - done));
+    const auto size = static_cast<std::uint32_t>(std::min<std::size_t>(kPiece, total - done));
     out.Put(kind);
     out.Put(total);
     out.Put(done);
@@ -63,21 +59,24 @@ void PutText(ChunkWriter& out, std::string_view bytes, std::size_t most) {
   }
 }
 
-void DatasetWriter::Write() {
+void DatasetWriter::Write(std::span<const PacketNote> notes) {
   NumberRows();
   NumberLargeValues();
   WriteTable();
+  WriteNotes(notes);
   WriteLargeValues();
   for (std::size_t i = 0; i < contents_.columns.size(); ++i) {
-    WriteEntries(static_cast<std::uint16_t>(i));
+    if (!cells_.HasHeap(i)) {
+      WriteEntries(static_cast<std::uint16_t>(i));
+    }
   }
   WriteRows();
   WriteLog();
-  out_.Finish();
+  out_.Finish(RowCount());
 }
 
 void DatasetWriter::NumberRows() {
-  if (contents_.counts[static_cast<std::size_t>(StoredState::Gone)] == 0) {
+  if (delta_ != nullptr || contents_.counts[static_cast<std::size_t>(StoredState::Gone)] == 0) {
     return;
   }
   for (std::uint32_t row = 0; row < contents_.rowCount; ++row) {
@@ -91,32 +90,52 @@ std::uint32_t DatasetWriter::NewNumberOf(std::uint32_t row) const noexcept {
   return row - static_cast<std::uint32_t>(std::ranges::lower_bound(dropped_, row) - dropped_.begin());
 }
 
+std::uint32_t DatasetWriter::RowCount() const noexcept {
+  return delta_ != nullptr ? delta_->Count() : contents_.rowCount - static_cast<std::uint32_t>(dropped_.size());
+}
+
+std::uint32_t DatasetWriter::RecordCount() const noexcept {
+  return delta_ != nullptr ? delta_->Count() : contents_.log.Count();
+}
+
+template <class Visit>
+void DatasetWriter::ForEachRow(Visit visit) const {
+  if (delta_ != nullptr) {
+    for (std::uint32_t ticket = 0; ticket < delta_->Count(); ++ticket) {
+      visit(static_cast<std::uint32_t>(delta_->Row(ticket)));
+    }
+    return;
+  }
+  auto dropped = dropped_.begin();
+  for (std::uint32_t row = 0; row < contents_.rowCount; ++row) {
+    if (dropped != dropped_.end() && *dropped == row) {
+      ++dropped;
+    } else {
+      visit(row);
+    }
+  }
+}
+
 void DatasetWriter::NumberLargeValues() {
+  if (contents_.large.Count() == 0) {
+    return;
+  }
   largeNumbers_.assign(contents_.large.Count(), kUnused);
-  const auto use = [&](const Cell& cell) {
-    if (!cell.isNull) {
+  const auto use = [&](std::size_t field, const Cell& cell) {
+    if (!cell.isNull && TraitsOf(contents_.columns[field].type).storage == Storage::Large) {
       largeNumbers_[static_cast<std::size_t>(cell.bits)] = 0;
     }
   };
-  for (const Column& column : contents_.columns) {
-    auto dropped = dropped_.begin();
-    const bool isLarge = TraitsOf(column.type).storage == Storage::Large;
-    for (std::uint32_t row = 0; isLarge && row < contents_.rowCount; ++row) {
-      if (dropped != dropped_.end() && *dropped == row) {
-        ++dropped;
-      } else {
-        use(column.Load(row));
-      }
+  for (std::size_t field = 0; field < contents_.columns.size(); ++field) {
+    if (TraitsOf(contents_.columns[field].type).storage == Storage::Large) {
+      ForEachRow([&](std::uint32_t row) { use(field, cells_.LoadAt(row, field)); });
     }
   }
-  const Log& log = contents_.log;
-  for (std::uint32_t at = log.First(); !largeNumbers_.empty() && at != Log::kNone; at = log.Next(at)) {
-    for (RecordReader old(log, at, *contents_.schemaData); old.Next();) {
-      if (TraitsOf(contents_.columns[old.Field()].type).storage == Storage::Large) {
-        use(old.Old());
-      }
+  ForEachRecord([&](ChangeKind /*kind*/, std::uint32_t /*row*/) {
+    for (const OldValue& value : old_) {
+      use(value.field, value.cell);
     }
-  }
+  });
   std::uint32_t next = 0;
   for (std::uint32_t& number : largeNumbers_) {
     number = number == kUnused ? kUnused : next++;
@@ -125,12 +144,32 @@ void DatasetWriter::NumberLargeValues() {
 
 void DatasetWriter::WriteTable() {
   out_.Begin(kTable);
+  out_.Put(kOnlyTable);
+  out_.Put(kNoTable);
   PutName(out_, contents_.name);
-  out_.Put(contents_.rowCount - static_cast<std::uint32_t>(dropped_.size()));
-  out_.Put(contents_.log.Count());
+  out_.Put(RowCount());
+  out_.Put(RecordCount());
+  out_.Put(contents_.nextTemporary);
+  if (delta_ != nullptr) {
+    out_.PutBytes(&delta_->Id(), sizeof(Guid));
+  }
   out_.Put(static_cast<std::uint16_t>(contents_.columns.size()));
   for (std::size_t i = 0; i < contents_.columns.size(); ++i) {
     PutField(i);
+  }
+  out_.End();
+}
+
+void DatasetWriter::WriteNotes(std::span<const PacketNote> notes) {
+  if (notes.empty()) {
+    return;
+  }
+  out_.Begin(kNotes);
+  for (const PacketNote& note : notes) {
+    for (const Text* text : {&note.name, &note.value}) {
+      out_.Put(static_cast<std::uint32_t>(text->size()));
+      out_.PutBytes(*text);
+    }
   }
   out_.End();
 }
@@ -141,7 +180,7 @@ void DatasetWriter::PutField(std::size_t index) {
   out_.Put(field.type);
   out_.Put(field.size);
   out_.Put(field.flags);
-  out_.Put(static_cast<std::uint8_t>(HasHeap(contents_.columns[index])));
+  out_.Put(static_cast<std::uint8_t>(cells_.HasHeap(index)));
   PutDefault(field);
 }
 
@@ -193,46 +232,60 @@ void DatasetWriter::WriteEntries(std::uint16_t field) {
 }
 
 void DatasetWriter::WriteRows() {
-  RowWriter writer(contents_, largeNumbers_, out_);
-  auto dropped = dropped_.begin();
-  for (std::uint32_t row = 0; row < contents_.rowCount; ++row) {
-    if (dropped != dropped_.end() && *dropped == row) {
-      ++dropped;
-    } else {
-      writer.Add(row);
-    }
-  }
+  RowWriter writer(cells_, largeNumbers_, out_);
+  ForEachRow([&](std::uint32_t row) { writer.Add(row); });
   writer.Finish();
 }
 
-void DatasetWriter::WriteLog() {
+void DatasetWriter::CollectOld(std::uint32_t position) {
+  old_.clear();
+  for (RecordReader old(contents_.log, position, *contents_.schemaData); old.Next();) {
+    old_.push_back({old.Field(), contents_.Resolve(old.Field(), old.Old())});
+  }
+  std::ranges::sort(old_, {}, &OldValue::field);
+}
+
+void DatasetWriter::CollectChanged(std::uint32_t row) {
+  old_.clear();
+  for (std::size_t field = 0; field < contents_.columns.size(); ++field) {
+    if (cells_.IsChanged(row, field)) {
+      old_.push_back({static_cast<std::uint16_t>(field), contents_.ReadOriginal(row, field)});
+    }
+  }
+}
+
+template <class Visit>
+void DatasetWriter::ForEachRecord(Visit visit) {
+  if (delta_ != nullptr) {
+    for (std::uint32_t ticket = 0; ticket < delta_->Count(); ++ticket) {
+      CollectChanged(static_cast<std::uint32_t>(delta_->Row(ticket)));
+      visit(delta_->Kind(ticket), ticket);
+    }
+    return;
+  }
   const Log& log = contents_.log;
   for (std::uint32_t at = log.First(); at != Log::kNone; at = log.Next(at)) {
-    WriteRecord(at);
+    CollectOld(at);
+    const Log::Header header = log.HeaderAt(at);
+    visit(header.kind, NewNumberOf(header.row));
   }
+}
+
+void DatasetWriter::WriteLog() {
+  ForEachRecord([&](ChangeKind kind, std::uint32_t row) { WriteRecord(kind, row); });
   if (out_.IsOpen()) {
     out_.End();
   }
 }
 
-void DatasetWriter::WriteRecord(std::uint32_t position) {
-  struct OldValue {
-    std::uint16_t field;
-    Cell cell;
+void DatasetWriter::WriteRecord(ChangeKind kind, std::uint32_t row) {
+  const auto isLong = [&](const OldValue& value) {
+    return cells_.HasHeap(value.field) && value.cell.bytes.size() > kMostInRecord;
   };
-  std::vector<OldValue> values;
-  for (RecordReader old(contents_.log, position, *contents_.schemaData); old.Next();) {
-    values.push_back({old.Field(), old.Old()});
-    if (HasHeap(contents_.columns[old.Field()])) {
-      values.back().cell = contents_.Resolve(old.Field(), old.Old());
-    }
-  }
-  std::ranges::sort(values, {}, &OldValue::field);
-  const auto isLong = [](const OldValue& value) { return value.cell.bytes.size() > kMostInRecord; };
-  if (out_.IsOpen() && (out_.IsFull() || std::ranges::any_of(values, isLong))) {
+  if (out_.IsOpen() && (out_.IsFull() || std::ranges::any_of(old_, isLong))) {
     out_.End();
   }
-  for (const OldValue& value : values) {
+  for (const OldValue& value : old_) {
     if (isLong(value)) {
       WriteLongText(out_, value.cell.bytes);
     }
@@ -240,11 +293,10 @@ void DatasetWriter::WriteRecord(std::uint32_t position) {
   if (!out_.IsOpen()) {
     out_.Begin(kRecords);
   }
-  const Log::Header header = contents_.log.HeaderAt(position);
-  out_.Put(header.kind);
-  out_.Put(NewNumberOf(header.row));
-  out_.Put(static_cast<std::uint16_t>(values.size()));
-  for (const OldValue& value : values) {
+  out_.Put(kind);
+  out_.Put(row);
+  out_.Put(static_cast<std::uint16_t>(old_.size()));
+  for (const OldValue& value : old_) {
     PutOldValue(value.field, value.cell);
   }
 }
@@ -257,7 +309,7 @@ void DatasetWriter::PutOldValue(std::uint16_t field, const Cell& old) {
   out_.Put(field);
   const Column& column = contents_.columns[field];
   const store::TypeTraits& traits = TraitsOf(column.type);
-  if (HasHeap(column)) {
+  if (cells_.HasHeap(field)) {
     PutText(out_, old.bytes, kMostInRecord);
   } else if (traits.storage == Storage::Large) {
     out_.Put(largeNumbers_[static_cast<std::size_t>(old.bits)]);

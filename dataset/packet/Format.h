@@ -8,12 +8,15 @@
 /// The binary packet, version 1. Little-endian, written and read in one pass, without seeking.
 ///
 ///     header   magic, version, kind, identity of the file, checksum: 32 bytes
-///     TABL     name, counts of rows and records, fields
-///     BLOB     values of memos and blobs in pieces, numbered in the order in which they end
-///     TEXT     dictionary entries of one field; their codes count from 0 over all chunks of the field
+///     TABL     number, parent, name, counts of rows and records, next temporary number, fields; of a delta its
+///     identity meta     the host's own notes BLOB     values of memos and blobs in pieces, numbered in the order in
+///     which they end TEXT     dictionary entries of one field; their codes count from 0 over all chunks of the field
 ///     ROWS     up to 8,192 rows: states and columns in sections, spread over as many chunks as they need
 ///     LOGR     records of the change log, oldest first
-///     DONE     number of chunks, and the checksum of all checksums
+///     DONE     number of chunks, number of rows, and the checksum of all checksums
+///
+/// The rows of a delta are its tickets in their order: present values of what a receiver needs, the original ones of
+/// rows that are deleted, nulls elsewhere. Its texts have no dictionaries. Its log has one record for each ticket.
 ///
 /// A chunk is a type of four letters, the length of its payload, its number from 0, the payload, and the CRC-32C of all
 /// of that. A type that begins with a small letter may be skipped by a reader that does not know it.
@@ -33,7 +36,16 @@ inline constexpr std::size_t kChunkHeaderSize = 12;
 inline constexpr std::size_t kChecksumSize = 4;
 inline constexpr std::uint32_t kMostPayload = 16U << 20U;
 /// A writer ends a chunk that has grown beyond this.
-inline constexpr std::size_t kFullChunk = std::size_t{192} * 1024;
+inline constexpr std::size_t kFullChunk = std::size_t{128} * 1024;
+/// Values of any length are cut into pieces of this many bytes.
+inline constexpr std::size_t kPiece = std::size_t{64} * 1024;
+/// What a writer's chunk never grows beyond, but for records with hundreds of long texts and for a thousand fields
+/// with long defaults.
+inline constexpr std::size_t kChunkBuffer = std::size_t{256} * 1024;
+
+/// The one table of a packet has this number; none is its parent.
+inline constexpr std::uint16_t kOnlyTable = 0;
+inline constexpr std::uint16_t kNoTable = 0xFFFF;
 
 enum class ChunkType : std::uint32_t {};
 
@@ -46,6 +58,7 @@ consteval ChunkType TypeOf(const char (&letters)[5]) {
 }
 
 inline constexpr ChunkType kTable = TypeOf("TABL");
+inline constexpr ChunkType kNotes = TypeOf("meta");
 inline constexpr ChunkType kLargeValues = TypeOf("BLOB");
 inline constexpr ChunkType kEntries = TypeOf("TEXT");
 inline constexpr ChunkType kRows = TypeOf("ROWS");

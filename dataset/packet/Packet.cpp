@@ -1,11 +1,13 @@
 #include "kivtools/dataset/Packet.h"
 
 #include <algorithm>
+#include <cstring>
 #include <memory>
 #include <vector>
 
 #include "dataset/packet/DatasetReader.h"
 #include "dataset/packet/DatasetWriter.h"
+#include "dataset/store/Random.h"
 #include "platform/Paths.h"
 #include "platform/SafeFile.h"
 
@@ -15,15 +17,66 @@ namespace {
 
 constexpr std::size_t kBuffer = std::size_t{64} * 1024;
 
-Dataset Read(const PacketSource& source, const ReadLimits& limits, Text operation) {
+/// What was read: contents, and of a delta its identity.
+struct ReadPacket {
+  std::unique_ptr<store::Store> store;
+  Guid deltaId;
+};
+
+ReadPacket Read(const PacketSource& source, const ReadLimits& limits, packet::PacketKind kind, PacketNotes* notes,
+                Text operation) {
   packet::ChunkReader chunks(source, std::move(operation));
-  return Dataset(packet::DatasetReader(chunks, limits).Read());
+  packet::DatasetReader reader(chunks, limits);
+  ReadPacket read{reader.Read(kind), reader.DeltaId()};
+  if (notes != nullptr) {
+    *notes = reader.TakeNotes();
+  }
+  return read;
+}
+
+Dataset ToDataset(ReadPacket read) {
+  return Dataset(std::move(read.store));
+}
+
+Delta ToDelta(const ReadPacket& read) {
+  return {read.store->CopyContents(), read.deltaId};
+}
+
+/// Tells a packet from every other.
+std::uint64_t NewIdentity() {
+  const Guid guid = store::RandomGuid();
+  std::uint64_t identity = 0;
+  std::memcpy(&identity, guid.data4.data(), sizeof identity);
+  return identity ^ guid.data1;
+}
+
+void Write(const DatasetView& dataset, const PacketSink& sink, std::span<const PacketNote> notes) {
+  packet::ChunkWriter chunks(sink, packet::PacketKind::Offline, NewIdentity());
+  packet::DatasetWriter(dataset.GetContents(), chunks).Write(notes);
+}
+
+void Write(const Delta& delta, const PacketSink& sink, std::span<const PacketNote> notes) {
+  packet::ChunkWriter chunks(sink, packet::PacketKind::Delta, NewIdentity());
+  packet::DatasetWriter(delta, chunks).Write(notes);
+}
+
+template <class Content>
+void Save(const Content& content, const std::filesystem::path& path, const SaveOptions& options, TextView operation) {
+  platform::SafeFile file;
+  file.Create(path).OrThrow(operation, path);
+  Write(
+      content, [&](std::span<const std::uint8_t> bytes) { file.Content().Write(bytes).OrThrow(operation, path); },
+      options.notes);
+  file.Commit(options.flush ? platform::Durability::Flushed : platform::Durability::Written,
+              options.backup ? platform::Backup::Kept : platform::Backup::None)
+      .OrThrow(operation, path);
 }
 
 /// Gives a file's bytes; small reads share one call of the system.
 class FileSource {
  public:
-  FileSource(platform::File& file, const std::filesystem::path& path) : file_(file), path_(path), buffer_(kBuffer) {}
+  FileSource(platform::File& file, const std::filesystem::path& path, TextView operation)
+      : file_(file), path_(path), operation_(operation), buffer_(kBuffer) {}
 
   std::size_t Read(std::span<std::uint8_t> into) {
     if (at_ == size_ && into.size() >= buffer_.size()) {
@@ -42,47 +95,62 @@ class FileSource {
  private:
   std::size_t ReadFile(std::span<std::uint8_t> into) {
     std::size_t count = 0;
-    file_.Read(into, count).OrThrow("LoadBinary", path_);
+    file_.Read(into, count).OrThrow(operation_, path_);
     return count;
   }
 
   platform::File& file_;
   const std::filesystem::path& path_;
+  TextView operation_;
   std::vector<std::uint8_t> buffer_;
   std::size_t at_ = 0;
   std::size_t size_ = 0;
 };
+
+ReadPacket Load(const std::filesystem::path& path, const ReadLimits& limits, packet::PacketKind kind,
+                PacketNotes* notes, TextView operation) {
+  platform::File file;
+  file.Open(path, platform::OpenMode::ReadFile).OrThrow(operation, path);
+  FileSource source(file, path, operation);
+  return Read([&](std::span<std::uint8_t> into) { return source.Read(into); }, limits, kind, notes,
+              Text(operation) + ": " + platform::ShownPath(path.native()));
+}
 
 }  // namespace
 
 PacketError::PacketError(std::uint64_t offset, const std::string& message) : Error(message), offset_(offset) {}
 PacketError::~PacketError() = default;
 
-void WriteBinary(const DatasetView& dataset, const PacketSink& sink) {
-  packet::ChunkWriter chunks(sink, packet::PacketKind::Offline);
-  packet::DatasetWriter(dataset.GetContents(), chunks).Write();
+void WriteBinary(const DatasetView& dataset, const PacketSink& sink, std::span<const PacketNote> notes) {
+  Write(dataset, sink, notes);
 }
 
-Dataset ReadBinary(const PacketSource& source, const ReadLimits& limits) {
-  return Read(source, limits, "ReadBinary");
+void WriteDelta(const Delta& delta, const PacketSink& sink, std::span<const PacketNote> notes) {
+  Write(delta, sink, notes);
+}
+
+Dataset ReadBinary(const PacketSource& source, const ReadLimits& limits, PacketNotes* notes) {
+  return ToDataset(Read(source, limits, packet::PacketKind::Offline, notes, "ReadBinary"));
+}
+
+Delta ReadDelta(const PacketSource& source, const ReadLimits& limits, PacketNotes* notes) {
+  return ToDelta(Read(source, limits, packet::PacketKind::Delta, notes, "ReadDelta"));
 }
 
 void SaveBinary(const DatasetView& dataset, const std::filesystem::path& path, const SaveOptions& options) {
-  platform::SafeFile file;
-  file.Create(path).OrThrow("SaveBinary", path);
-  WriteBinary(dataset,
-              [&](std::span<const std::uint8_t> bytes) { file.Content().Write(bytes).OrThrow("SaveBinary", path); });
-  file.Commit(options.flush ? platform::Durability::Flushed : platform::Durability::Written,
-              options.backup ? platform::Backup::Kept : platform::Backup::None)
-      .OrThrow("SaveBinary", path);
+  Save(dataset, path, options, "SaveBinary");
 }
 
-Dataset LoadBinary(const std::filesystem::path& path, const ReadLimits& limits) {
-  platform::File file;
-  file.Open(path, platform::OpenMode::ReadFile).OrThrow("LoadBinary", path);
-  FileSource source(file, path);
-  return Read([&](std::span<std::uint8_t> into) { return source.Read(into); }, limits,
-              "LoadBinary: " + platform::ShownPath(path.native()));
+void SaveDelta(const Delta& delta, const std::filesystem::path& path, const SaveOptions& options) {
+  Save(delta, path, options, "SaveDelta");
+}
+
+Dataset LoadBinary(const std::filesystem::path& path, const ReadLimits& limits, PacketNotes* notes) {
+  return ToDataset(Load(path, limits, packet::PacketKind::Offline, notes, "LoadBinary"));
+}
+
+Delta LoadDelta(const std::filesystem::path& path, const ReadLimits& limits, PacketNotes* notes) {
+  return ToDelta(Load(path, limits, packet::PacketKind::Delta, notes, "LoadDelta"));
 }
 
 }  // namespace kiv

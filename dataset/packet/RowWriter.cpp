@@ -41,9 +41,9 @@ void PutNarrow(ChunkWriter& out, std::span<const std::byte> elements, Element le
 
 }  // namespace
 
-RowWriter::RowWriter(const store::Contents& contents, const std::vector<std::uint32_t>& largeNumbers, ChunkWriter& out)
-    : contents_(contents), largeNumbers_(largeNumbers), out_(out) {
-  rows_.reserve(std::min(contents.rowCount, kBlockRows));
+RowWriter::RowWriter(const CellSource& cells, const std::vector<std::uint32_t>& largeNumbers, ChunkWriter& out)
+    : cells_(cells), contents_(cells.GetContents()), largeNumbers_(largeNumbers), out_(out) {
+  rows_.reserve(std::min(contents_.rowCount, kBlockRows));
 }
 
 void RowWriter::Add(std::uint32_t row) {
@@ -133,15 +133,34 @@ void RowWriter::Gather(const Plane& plane) {
   }
 }
 
-void RowWriter::GatherNumbers(const Column& column) {
+void RowWriter::GatherNumbers(std::uint16_t field) {
   copied_.assign(rows_.size() * 4, std::byte{0});
   elements_ = copied_;
   for (std::size_t i = 0; i < rows_.size(); ++i) {
     if (!IsNull(static_cast<std::uint32_t>(i))) {
-      const std::uint32_t number = largeNumbers_[column.values.At<std::uint32_t>(rows_[i])];
+      const std::uint32_t number = largeNumbers_[static_cast<std::size_t>(cells_.LoadAt(rows_[i], field).bits)];
       std::memcpy(copied_.data() + i * 4, &number, sizeof number);
     }
   }
+}
+
+void RowWriter::GatherCells(std::uint16_t field, bool secondHalves) {
+  const Plane::Width width = contents_.columns[field].values.ElementWidth();
+  const std::size_t size = Plane::BytesOf(width, 1);
+  copied_.assign(Plane::BytesOf(width, rows_.size()), std::byte{0});
+  elements_ = copied_;
+  nulls_.assign(Plane::BytesOf(Plane::Width::Bit, rows_.size()), std::byte{0});
+  for (std::size_t i = 0; i < rows_.size(); ++i) {
+    const store::Cell cell = cells_.At(rows_[i], field);
+    nulls_[i / 8] |= static_cast<std::byte>(unsigned{cell.isNull} << (i % 8));
+    if (width == Plane::Width::Bit) {
+      copied_[i / 8] |= static_cast<std::byte>(unsigned{cell.bits != 0} << (i % 8));
+    } else {
+      // The first bytes of the 64 are the element.
+      std::memcpy(copied_.data() + i * size, secondHalves ? &cell.more : &cell.bits, size);
+    }
+  }
+  CountNulls();
 }
 
 void RowWriter::GatherNulls(const Column& column) {
@@ -154,6 +173,10 @@ void RowWriter::GatherNulls(const Column& column) {
   }
   Gather(column.nulls);
   nulls_.assign(elements_.begin(), elements_.end());
+  CountNulls();
+}
+
+void RowWriter::CountNulls() {
   std::uint32_t count = 0;
   for (const std::byte eight : nulls_) {
     count += static_cast<std::uint32_t>(std::popcount(std::to_integer<unsigned>(eight)));
@@ -174,19 +197,24 @@ void RowWriter::WriteStates() {
 
 void RowWriter::WriteColumn(std::uint16_t field) {
   const Column& column = contents_.columns[field];
-  GatherNulls(column);
+  if (cells_.IsDelta()) {
+    GatherCells(field);
+  } else {
+    GatherNulls(column);
+  }
   if (nullBits_ == NullBits::All) {
     PutSection(field, Encoding::Constant, nullBits_);
     return;
   }
-  const Storage storage = TraitsOf(column.type).storage;
-  if (storage == Storage::Texts && !column.texts.HasDictionary()) {
+  if (cells_.HasHeap(field)) {
     WriteTexts(field);
-  } else if (storage == Storage::Large) {
-    GatherNumbers(column);
+  } else if (TraitsOf(column.type).storage == Storage::Large) {
+    GatherNumbers(field);
     PutNumbers<std::uint32_t>(field);
   } else {
-    Gather(column.values);
+    if (!cells_.IsDelta()) {
+      Gather(column.values);
+    }
     PutElements(field, column.type);
   }
 }
@@ -211,7 +239,11 @@ void RowWriter::PutElements(std::uint16_t field, FieldType type) {
     case FieldType::Guid: {
       PutSection(field, Encoding::Plain, nullBits_);
       out_.PutBytes(elements_.data(), elements_.size());
-      Gather(contents_.columns[field].more);
+      if (cells_.IsDelta()) {
+        GatherCells(field, true);
+      } else {
+        Gather(contents_.columns[field].more);
+      }
       break;
     }
     default:  // bits
@@ -251,7 +283,7 @@ void RowWriter::WriteTexts(std::uint16_t field) {
   for (std::uint32_t place = 0; place < Count();) {
     // A text that does not fit a chunk is written before the one that begins with it.
     const auto textAt = [&](std::uint32_t at) {
-      return IsNull(at) ? std::string_view() : contents_.Read(rows_[at], field).bytes;
+      return IsNull(at) ? std::string_view() : cells_.At(rows_[at], field).bytes;
     };
     if (const std::string_view text = textAt(place); text.size() > kMostInRows) {
       if (out_.IsOpen()) {

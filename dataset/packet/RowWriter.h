@@ -2,15 +2,15 @@
 
 #include <vector>
 
+#include "dataset/packet/CellSource.h"
 #include "dataset/packet/ChunkWriter.h"
-#include "dataset/store/Contents.h"
 
 namespace kiv::packet {
 
 /// Writes rows in blocks of 8,192, column by column, each column as narrow as its values allow.
 class RowWriter {
  public:
-  RowWriter(const store::Contents& contents, const std::vector<std::uint32_t>& largeNumbers, ChunkWriter& out);
+  RowWriter(const CellSource& cells, const std::vector<std::uint32_t>& largeNumbers, ChunkWriter& out);
 
   /// Adds a row; rows come in their order.
   void Add(std::uint32_t row);
@@ -25,7 +25,10 @@ class RowWriter {
   void WriteTexts(std::uint16_t field);
   /// The elements of the block's rows, copied only where they do not lie together.
   void Gather(const store::Plane& plane);
-  void GatherNumbers(const store::Column& column);
+  void GatherNumbers(std::uint16_t field);
+  /// Elements and nulls value by value, where not all that the columns hold is wanted.
+  void GatherCells(std::uint16_t field, bool secondHalves = false);
+  void CountNulls();
   void GatherNulls(const store::Column& column);
   void PutSection(std::uint16_t field, Encoding encoding, NullBits nullBits);
   void PutElements(std::uint16_t field, FieldType type);
@@ -36,6 +39,7 @@ class RowWriter {
   }
   [[nodiscard]] std::uint32_t Count() const noexcept { return static_cast<std::uint32_t>(rows_.size()); }
 
+  const CellSource& cells_;
   const store::Contents& contents_;
   const std::vector<std::uint32_t>& largeNumbers_;
   ChunkWriter& out_;

@@ -4,11 +4,15 @@
 
 #include "core/Numbers.h"
 #include "dataset/store/Hash.h"
+#include "dataset/store/KeyHistory.h"
 
 namespace kiv::store {
 
-BlockLoader::BlockLoader(TextView name, const Schema& schema)
-    : store_(std::make_unique<Store>(name, schema)), contents_(store_->contents_), isPut_(contents_.columns.size()) {}
+BlockLoader::BlockLoader(TextView name, const Schema& schema, Purpose purpose)
+    : store_(std::make_unique<Store>(name, schema)),
+      contents_(store_->contents_),
+      purpose_(purpose),
+      isPut_(contents_.columns.size()) {}
 
 void BlockLoader::Refuse(std::size_t field, std::uint32_t row, TextView why) const {
   Text message = contents_.owner + ": campul " + Quoted(contents_.schemaData->fields[field].name) + ", randul ";
@@ -96,10 +100,19 @@ void BlockLoader::CheckNumber(std::size_t field, const Cell& cell, std::uint32_t
   }
 }
 
+/// A ticket leaves out the values that its receiver does not need.
+bool BlockLoader::MayBeNull(const FieldDef& field, std::uint32_t row) const noexcept {
+  if (!Has(field.flags, kRequired) && !Has(field.flags, kKey)) {
+    return true;
+  }
+  const StoredState state = contents_.StateOf(row);
+  return purpose_ == Purpose::Delta ? !Has(field.flags, kKey) && !field.IsChecked() && state != StoredState::Inserted
+                                    : state == StoredState::Gone;
+}
+
 void BlockLoader::CheckColumn(std::size_t field, std::uint32_t first, std::uint32_t rows) {
   const FieldDef& definition = contents_.schemaData->fields[field];
   Column& column = contents_.columns[field];
-  const bool mayBeNull = !Has(definition.flags, kRequired) && !Has(definition.flags, kKey);
   const bool hasNumbers = TraitsOf(column.type).storage != Storage::Fixed;
   const bool isHeap = !column.texts.HasDictionary();
   if (isHeap && !isPut_[field]) {
@@ -111,7 +124,7 @@ void BlockLoader::CheckColumn(std::size_t field, std::uint32_t first, std::uint3
   }
   for (std::uint32_t row = first; row < first + rows; ++row) {
     if (column.IsNull(row)) {
-      if (!mayBeNull && contents_.StateOf(row) != StoredState::Gone) {
+      if (!MayBeNull(definition, row)) {
         Refuse(field, row, "trebuie completat");
       }
       column.Store(row, {});
@@ -174,6 +187,9 @@ void BlockLoader::CheckOldValue(OldValue& old, std::uint32_t row) {
   } else {
     CheckNumber(old.field, old.cell, row);
     CheckCell(field, contents_.Resolve(old.field, old.cell), contents_.owner);
+    if (field.type == FieldType::AutoInc) {
+      store_->NoteTemporary(old.cell);
+    }
   }
 }
 
@@ -242,10 +258,60 @@ void BlockLoader::CheckStatesAgainstLog() const {
   }
 }
 
+/// What a roll-back brings back to life has all that a row has.
+void BlockLoader::CheckRowsThatMayComeBack() const {
+  if (contents_.counts[static_cast<std::size_t>(StoredState::Gone)] == 0) {
+    return;
+  }
+  for (std::uint32_t row = 0; row < contents_.rowCount; ++row) {
+    if (contents_.StateOf(row) != StoredState::Gone || contents_.LastRecordOf(row) == Log::kNone) {
+      continue;
+    }
+    for (const std::uint16_t field : store_->required_) {
+      if (contents_.columns[field].IsNull(row)) {
+        Refuse(field, row, "trebuie completat");
+      }
+    }
+  }
+}
+
+/// Each ticket is a change, and what it changes is there.
+void BlockLoader::CheckTickets() const {
+  const Log& log = contents_.log;
+  for (std::uint32_t at = log.First(), row = 0; at != Log::kNone; at = log.Next(at), ++row) {
+    if (log.HeaderAt(at).row != row || contents_.StateOf(row) == StoredState::Unmodified) {
+      Refuse(0, row, "tichetul nu este o modificare");
+    }
+    for (RecordReader old(log, at, *contents_.schemaData); old.Next();) {
+      const FieldDef& field = contents_.schemaData->fields[old.Field()];
+      if (Has(field.flags, kRequired) && contents_.columns[old.Field()].IsNull(row)) {
+        Refuse(old.Field(), row, "trebuie completat");
+      }
+    }
+  }
+  if (log.Count() != contents_.rowCount) {
+    throw Error(contents_.owner + ": diferenta nu are cate o inregistrare pentru fiecare tichet");
+  }
+}
+
+void BlockLoader::SetNextTemporary(std::int64_t next) {
+  if (next > contents_.nextTemporary) {
+    throw Error(contents_.owner + ": urmatorul numar temporar este deja folosit");
+  }
+  contents_.nextTemporary = next;
+}
+
 std::unique_ptr<Store> BlockLoader::Finish() {
   RebuildOriginals();
   CheckStatesAgainstLog();
   store_->keys_.Build(contents_.rowCount);
+  if (purpose_ == Purpose::Delta) {
+    CheckTickets();
+    CheckOriginalKeys(contents_, store_->keys_);
+  } else {
+    CheckRowsThatMayComeBack();
+    CheckKeyHistory(contents_, store_->keys_);
+  }
   return std::move(store_);
 }
 

@@ -24,7 +24,10 @@ namespace kiv::store {
 ///     Dataset dataset(loader.Finish());
 class BlockLoader {
  public:
-  BlockLoader(TextView name, const Schema& schema);
+  /// What the rows are: those of a dataset, or the tickets of a delta, which hold only what a receiver needs.
+  enum class Purpose : std::uint8_t { Dataset, Delta };
+
+  BlockLoader(TextView name, const Schema& schema, Purpose purpose = Purpose::Dataset);
 
   /// Says that a Text or WideText field has no dictionary; before its first text. Texts then go in by PutText.
   void UseHeap(std::size_t field);
@@ -59,7 +62,11 @@ class BlockLoader {
   /// Adds a change record, oldest first. Links and originals come of themselves.
   void AddRecord(ChangeKind kind, std::uint32_t row, std::span<const OldValue> old);
 
-  /// Checks states against the log, builds the key index and hands the dataset over.
+  /// Keeps numbers that were given to rows which are no more from being given again. Throws Error for one that cannot
+  /// be the next.
+  void SetNextTemporary(std::int64_t next);
+
+  /// Checks states and keys against the log, builds the key index and hands the dataset over.
   std::unique_ptr<Store> Finish();
 
  private:
@@ -70,10 +77,14 @@ class BlockLoader {
   void CheckOrder(ChangeKind kind, std::uint32_t row) const;
   void RebuildOriginals();
   void CheckStatesAgainstLog() const;
+  void CheckRowsThatMayComeBack() const;
+  void CheckTickets() const;
+  [[nodiscard]] bool MayBeNull(const FieldDef& field, std::uint32_t row) const noexcept;
   void CheckNumber(std::size_t field, const Cell& cell, std::uint32_t row) const;
 
   std::unique_ptr<Store> store_;
   Contents& contents_;
+  Purpose purpose_;
   std::uint32_t blockRows_ = 0;
   std::vector<bool> isPut_;                               // by field: texts were put one by one
   Plane isNew_{Plane::Width::Bit, Plane::Filled::Zeros};  // the row's first record is its insertion

@@ -53,6 +53,8 @@ class KeyIndex {
       Build(contents_.rowCount);
     }
   }
+  /// Forgets what it holds until Repair().
+  void Break() noexcept { isBroken_ = true; }
   /// Makes the index anew from the first `rows` rows, or from nothing. Throws std::bad_alloc, and Error naming the key
   /// where two rows have the same; nothing has changed then.
   void Build(std::uint32_t rows);

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "core/Numbers.h"
+#include "dataset/store/KeyHistory.h"
 
 namespace kiv::store {
 
@@ -75,6 +76,13 @@ void RowLoader::Finish() {
   CheckOpen();
   const std::uint32_t rows = store_.pendingRows_;
   store_.keys_.Build(contents_.rowCount + rows);
+  try {
+    // A new row may not have the key that another one would get back.
+    CheckKeyHistory(contents_, store_.keys_);
+  } catch (...) {
+    store_.keys_.Break();
+    throw;
+  }
   contents_.rowCount += rows;
   contents_.counts[static_cast<std::size_t>(StoredState::Unmodified)] += rows;
   contents_.nextTemporary = nextTemporary_;

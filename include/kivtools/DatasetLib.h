@@ -3,8 +3,10 @@
 #pragma once
 
 #include <cstdint>
+#include <filesystem>
 
 #include "kivtools/Types.h"
+#include "kivtools/dataset/Dataset.h"
 
 namespace kiv {
 
@@ -14,8 +16,10 @@ class DatasetEngine {
   virtual ~DatasetEngine() = default;
   /// The name that hosts ask for. Example: "DatasetLib".
   [[nodiscard]] virtual TextView Name() const noexcept = 0;
-  /// The data formats the engine opens for whoever found it here. Example: an empty list.
+  /// The data formats that Load opens, as the endings of their files. Example: {"kdp"}.
   [[nodiscard]] virtual StringList Formats() const = 0;
+  /// The dataset in a file of one of the formats. Throws as LoadBinary does. Example: `Load("linii.kdp").Name()`.
+  [[nodiscard]] virtual Dataset Load(const std::filesystem::path& path) const = 0;
 };
 
 /// Makes an engine known; one of the same name is replaced. The registry keeps the reference, not a copy.
@@ -23,8 +27,7 @@ class DatasetEngine {
 KIV_API void RegisterDatasetEngine(const DatasetEngine& engine);
 
 /// The engine of that name, null if none is registered. Before Initialize() there is none.
-/// Example: `FindDatasetEngine("DatasetLib")->Formats()` is empty: files are opened by LoadBinary, not through the
-/// registry.
+/// Example: `FindDatasetEngine("DatasetLib")->Load("linii.kdp")`.
 [[nodiscard]] KIV_API const DatasetEngine* FindDatasetEngine(TextView name) noexcept;
 
 }  // namespace kiv

@@ -143,5 +143,61 @@ TEST(BlockLoader, RefusesLogsThatNoEditsCouldHaveLeft) {
   }
 }
 
+/// Rows with the keys 10, 11, 12, ... in the given states, and a log about them.
+struct KeyMove {
+  ChangeKind kind;
+  std::uint32_t row;
+  std::int64_t oldKey = -1;
+};
+
+void LoadWithLog(std::initializer_list<StoredState> states, std::initializer_list<KeyMove> log) {
+  BlockLoader loader("mutari", {{"id", FieldType::Int32, kKey}});
+  const auto rows = static_cast<std::uint32_t>(states.size());
+  loader.BeginBlock(rows);
+  for (std::uint32_t row = 0; row < rows; ++row) {
+    const std::uint32_t key = 10 + row;
+    std::memcpy(loader.Values(0).data() + row * sizeof key, &key, sizeof key);
+    loader.States()[row] = static_cast<std::byte>(states.begin()[row]);
+  }
+  loader.EndBlock();
+  for (const KeyMove& move : log) {
+    const BlockLoader::OldValue old{0, {.bits = static_cast<std::uint64_t>(move.oldKey), .isNull = false}};
+    loader.AddRecord(move.kind, move.row, std::span(&old, move.oldKey < 0 ? 0 : 1));
+  }
+  loader.Finish();
+}
+
+TEST(BlockLoader, NoRollBackGivesTwoRowsOneKey) {
+  using enum StoredState;
+  using enum ChangeKind;
+  const struct {
+    std::initializer_list<StoredState> states;
+    std::initializer_list<KeyMove> log;
+    int twice;  // the key that two rows would have, 0 for none
+  } kCases[] = {
+      {{Modified, Unmodified}, {{Update, 0, 11}}, 11},
+      {{Modified, Modified}, {{Update, 0, 5}, {Update, 1, 5}}, 5},
+      {{Modified, Modified}, {{Update, 0, 5}, {Update, 1, 10}}, 10},
+      {{Modified, Modified}, {{Update, 1, 10}, {Update, 0, 5}}, 0},
+      {{Deleted, Modified}, {{Delete, 0}, {Update, 1, 10}}, 10},
+      {{Deleted, Inserted}, {{Update, 0, 11}, {Delete, 0}, {Insert, 1}}, 0},
+      {{Deleted, Inserted}, {{Insert, 1}, {Update, 0, 11}, {Delete, 0}}, 11},
+      {{Unmodified, Inserted}, {{Update, 0, 10}, {Delete, 0}, {Restore, 0, 11}, {Insert, 1}}, 0},
+      {{Gone, Modified}, {{Insert, 0}, {Delete, 0}, {Update, 1, 10}}, 10},
+      {{Gone, Modified}, {{Update, 1, 10}, {Insert, 0}, {Delete, 0}}, 0},
+      {{Gone, Modified}, {{Update, 1, 10}, {Insert, 0}, {Update, 0, 11}, {Delete, 0}}, 11},
+  };
+  int number = 0;
+  for (const auto& [states, log, twice] : kCases) {
+    SCOPED_TRACE(number++);
+    const auto load = [states = states, log = log] { LoadWithLog(states, log); };
+    if (twice == 0) {
+      EXPECT_NO_THROW(load());
+    } else {
+      ExpectError<Error>(load, "Dataset \"mutari\": cheia " + std::to_string(twice) + " exista deja");
+    }
+  }
+}
+
 }  // namespace
 }  // namespace kiv

@@ -56,5 +56,25 @@ TEST(Loader, WithoutItsEndNothingIsAdded) {
   EXPECT_EQ(lines.GetInt64(row, "v"), 3);
 }
 
+TEST(Loader, TakesNoKeyThatARollBackWouldGiveAnotherRow) {
+  Dataset lines = Lines();
+  Loader first(lines);
+  first.Add({1, "a", 1});
+  first.Add({2, "b", 2});
+  first.Finish();
+  lines.Delete(RowId{0});
+  lines.Set(RowId{1}, "id", 3);
+  for (const int key : {1, 2}) {
+    Loader loader(lines);
+    loader.Add({key, "din nou", 1});
+    ExpectError<Error>([&] { loader.Finish(); }, "Dataset \"linii\": cheia " + std::to_string(key) + " exista deja");
+  }
+  EXPECT_EQ(lines.Find(1), std::nullopt);
+  EXPECT_EQ(lines.Find(3), RowId{1});
+  lines.Changes().CancelChanges();
+  EXPECT_EQ(lines.Find(1), RowId{0});
+  EXPECT_EQ(lines.Find(2), RowId{1});
+}
+
 }  // namespace
 }  // namespace kiv

@@ -13,23 +13,34 @@ namespace kiv {
 
 using PacketBytes = std::vector<std::uint8_t>;
 
-inline PacketBytes Written(const DatasetView& dataset) {
+inline PacketSink AppendTo(PacketBytes& bytes) {
+  return [&](std::span<const std::uint8_t> piece) { bytes.insert(bytes.end(), piece.begin(), piece.end()); };
+}
+
+inline PacketBytes Written(const DatasetView& dataset, std::span<const PacketNote> notes = {}) {
   PacketBytes bytes;
-  WriteBinary(dataset,
-              [&](std::span<const std::uint8_t> piece) { bytes.insert(bytes.end(), piece.begin(), piece.end()); });
+  WriteBinary(dataset, AppendTo(bytes), notes);
   return bytes;
 }
 
-/// Reads from a source that gives at most `step` bytes at a time.
+inline PacketBytes Written(const Delta& delta) {
+  PacketBytes bytes;
+  WriteDelta(delta, AppendTo(bytes));
+  return bytes;
+}
+
+/// A source that gives at most `step` bytes at a time.
+inline PacketSource SourceOf(std::span<const std::uint8_t> packet, std::size_t step = 1000) {
+  return [packet, step](std::span<std::uint8_t> into) mutable {
+    const std::size_t count = std::min({into.size(), packet.size(), step});
+    std::copy_n(packet.begin(), count, into.begin());
+    packet = packet.subspan(count);
+    return count;
+  };
+}
+
 inline Dataset ReadBack(std::span<const std::uint8_t> packet, const ReadLimits& limits = {}, std::size_t step = 1000) {
-  return ReadBinary(
-      [&](std::span<std::uint8_t> into) {
-        const std::size_t count = std::min({into.size(), packet.size(), step});
-        std::copy_n(packet.begin(), count, into.begin());
-        packet = packet.subspan(count);
-        return count;
-      },
-      limits);
+  return ReadBinary(SourceOf(packet, step), limits);
 }
 
 /// A chunk of a packet: where its payload lies.
@@ -68,9 +79,9 @@ inline void Seal(PacketBytes& bytes) {
   std::uint32_t number = 0;
   std::uint32_t checksums = 0;
   for (const ChunkPlace& chunk : ChunksOf(bytes)) {
-    if (chunk.type == packet::kEnd && chunk.size == 8) {
+    if (chunk.type == packet::kEnd && chunk.size == 12) {
       put(chunk.payload, number);
-      put(chunk.payload + 4, checksums);
+      put(chunk.payload + 8, checksums);
     }
     put(chunk.payload - 4, number++);
     const auto sealed = std::as_bytes(

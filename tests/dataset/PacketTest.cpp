@@ -2,93 +2,13 @@
 #include <string>
 #include <thread>
 
+#include "EveryType.h"
 #include "Expect.h"
 #include "PacketBytes.h"
 #include "SameRows.h"
-#include "dataset/store/BlockLoader.h"
-#include "kivtools/dataset/Loader.h"
 
 namespace kiv {
 namespace {
-
-using namespace kiv::literals;
-
-const Schema& EveryType() {
-  static const Schema schema({{"id", FieldType::AutoInc, kKey},
-                              {"i2", FieldType::Int16, kNoCheck, std::int64_t{-7}},
-                              {"i4", FieldType::Int32, kReadOnly},
-                              {"i8", FieldType::Int64},
-                              {"c", FieldType::Currency, FieldFlags::None, 12.5_lei},
-                              {"f", FieldType::Double},
-                              {"d", FieldType::Date, FieldFlags::None, DateTime(45000)},
-                              {"t", FieldType::Time},
-                              {"m", FieldType::DateTime},
-                              {"s", FieldType::Text, 40, kRequired, Text("nimic")},
-                              {"x", FieldType::Text},
-                              {"w", FieldType::WideText, 0, FieldFlags::None, WideText(u"\u021b")},
-                              {"b", FieldType::Boolean},
-                              {"g", FieldType::Guid, FieldFlags::None, Guid{1, 2, 3, {4}}},
-                              {"n", FieldType::Memo},
-                              {"p", FieldType::Blob, kCheck}});
-  return schema;
-}
-
-/// An empty dataset whose texts have no dictionaries.
-Dataset WithHeaps() {
-  store::BlockLoader loader("arhiva", EveryType());
-  for (const std::size_t field : {9U, 10U, 11U}) {
-    loader.UseHeap(field);
-  }
-  return Dataset(loader.Finish());
-}
-
-void AddRows(Dataset& dataset, std::uint32_t count, bool withNulls = true) {
-  const auto chosen = [&](std::uint32_t i, std::uint32_t every, ValueView value) {
-    return withNulls && i % every == 0 ? ValueView() : value;
-  };
-  Loader loader(dataset);
-  for (std::uint32_t i = 0; i < count; ++i) {
-    const Text text = "oras " + std::to_string(i % 300);
-    const Bytes bytes(i % 9, static_cast<std::uint8_t>(i));
-    const std::u16string wide(i % 5, u'\u0103');
-    loader.Add({std::int64_t{i} - 10, chosen(i, 3, i % 200), chosen(i, 4, i * 1000), chosen(i, 5, i * (1LL << 40)),
-                chosen(i, 6, Currency::FromRaw(i % 2 == 0 ? 5 : -5)), chosen(i, 7, i * 0.5), chosen(i, 8, DateTime(i)),
-                chosen(i, 9, DateTime(0.25)), chosen(i, 10, DateTime(i + 0.5)), text, chosen(i, 2, text),
-                chosen(i, 3, wide), chosen(i, 11, i % 3 == 0), chosen(i, 4, Guid{i, 1, 2, {3}}), chosen(i, 100, text),
-                chosen(i, 100, bytes)});
-  }
-  loader.Finish();
-}
-
-/// Changes of every kind, on rows of every block.
-void Edit(Dataset& dataset, std::uint32_t seed) {
-  std::mt19937 random(seed);
-  for (int i = 0; i < 200; ++i) {
-    const RowId row{static_cast<std::uint32_t>(random() % dataset.GetContents().rowCount)};
-    if (!dataset.Exists(row) || dataset.State(row) == RowState::Deleted) {
-      if (dataset.Exists(row)) {
-        dataset.Changes().RevertRow(row);
-      }
-      continue;
-    }
-    switch (random() % 6) {
-      case 0:
-        dataset.Delete(row);
-        break;
-      case 1:
-        dataset.Insert({{"s", "nou " + std::to_string(i)}, {"n", Text(static_cast<std::size_t>(i), 'n')}});
-        break;
-      case 2:
-        dataset.Update(row, {{"i2", Null{}}, {"g", Guid{9, 9, 9, {static_cast<std::uint8_t>(i)}}}, {"b", i % 2 == 0}});
-        break;
-      case 3:
-        dataset.Update(row, {{"x", Text(static_cast<std::size_t>(i) * 40, 'x')}, {"w", u"\u0218i"}, {"n", "alt"}});
-        break;
-      default:
-        dataset.Update(row, {{"c", Currency::FromRaw(i)}, {"s", "altul " + std::to_string(i)}, {"p", Null{}}});
-    }
-  }
-}
 
 /// Expects the same dataset, and that taking its changes back one by one keeps it so.
 void ExpectSame(Dataset& written, Dataset& read) {
@@ -179,8 +99,8 @@ TEST(Packet, ASnapshotIsWrittenWhileItsDatasetIsEdited) {
   EXPECT_TRUE(std::ranges::equal(rest(before), rest(meanwhile)));
 }
 
-/// A packet with every kind of chunk, as small as can be.
-PacketBytes SmallPacket() {
+/// A dataset whose packets have every kind of chunk, as small as can be.
+Dataset SmallDataset() {
   Dataset dataset("mic", {{"id", FieldType::Int32, kKey}, {"t", FieldType::Text, 8}, {"n", FieldType::Memo}});
   Loader loader(dataset);
   for (int i = 0; i < 3; ++i) {
@@ -189,29 +109,56 @@ PacketBytes SmallPacket() {
   loader.Finish();
   dataset.Set(RowId{0}, "t", "Cluj");
   dataset.Delete(RowId{2});
-  return Written(dataset);
+  return dataset;
+}
+
+PacketBytes SmallPacket() {
+  return Written(SmallDataset());
+}
+
+PacketBytes SmallPacketWithNotes() {
+  const PacketNotes notes = {{"de la", "ana"}, {"", ""}};
+  return Written(SmallDataset(), notes);
+}
+
+PacketBytes SmallDelta() {
+  Dataset dataset = SmallDataset();
+  dataset.Set(RowId{1}, "n", "altul");
+  dataset.Insert({{"id", 9}, {"n", "nou"}});
+  return Written(dataset.Changes().MakeDelta());
+}
+
+/// Reads a dataset or a delta, whichever it is.
+void ReadEither(std::span<const std::uint8_t> packet) {
+  if (packet.size() > 12 && packet[12] == static_cast<std::uint8_t>(packet::PacketKind::Delta)) {
+    static_cast<void>(ReadDelta(SourceOf(packet)));
+  } else {
+    static_cast<void>(ReadBack(packet));
+  }
 }
 
 TEST(Packet, EveryPrefixIsRefused) {
-  const PacketBytes packet = SmallPacket();
-  for (std::size_t size = 0; size < packet.size(); ++size) {
-    try {
-      static_cast<void>(ReadBack(std::span(packet).first(size)));
-      FAIL() << size;
-    } catch (const PacketError& error) {
-      EXPECT_LE(error.Offset(), size);
-      EXPECT_NE(std::string_view(error.what()).find("octetul "), std::string_view::npos) << error.what();
+  for (const PacketBytes& packet : {SmallPacket(), SmallPacketWithNotes(), SmallDelta()}) {
+    for (std::size_t size = 0; size < packet.size(); ++size) {
+      try {
+        ReadEither(std::span(packet).first(size));
+        FAIL() << size;
+      } catch (const PacketError& error) {
+        EXPECT_LE(error.Offset(), size);
+        EXPECT_NE(std::string_view(error.what()).find("octetul "), std::string_view::npos) << error.what();
+      }
     }
+    EXPECT_NO_THROW(ReadEither(packet));
   }
-  EXPECT_EQ(ReadBack(packet).RowCount(), 2U);
 }
 
 TEST(Packet, EveryFlippedBitIsRefused) {
-  PacketBytes packet = SmallPacket();
-  for (std::size_t bit = 0; bit < packet.size() * 8; ++bit) {
-    packet[bit / 8] ^= static_cast<std::uint8_t>(1U << (bit % 8));
-    EXPECT_THROW(static_cast<void>(ReadBack(packet)), PacketError) << bit;
-    packet[bit / 8] ^= static_cast<std::uint8_t>(1U << (bit % 8));
+  for (PacketBytes packet : {SmallPacket(), SmallPacketWithNotes(), SmallDelta()}) {
+    for (std::size_t bit = 0; bit < packet.size() * 8; ++bit) {
+      packet[bit / 8] ^= static_cast<std::uint8_t>(1U << (bit % 8));
+      EXPECT_THROW(ReadEither(packet), PacketError) << bit;
+      packet[bit / 8] ^= static_cast<std::uint8_t>(1U << (bit % 8));
+    }
   }
 }
 
@@ -239,26 +186,26 @@ TEST(Packet, RefusalsNameChunkAndByte) {
       {header(8, 2), "antetul, octetul 8: pachetul are versiunea 2, iar aici se citeste versiunea 1"},
       {header(12, 2), "antetul, octetul 32: pachetul este de alt fel: nu tine un set de date intreg"},
       {[](PacketBytes& p) { p.push_back(0); },
-       "dupa ultima bucata, octetul 328: pachetul s-a terminat, dar urmeaza alti octeti"},
+       "dupa ultima bucata, octetul 344: pachetul s-a terminat, dar urmeaza alti octeti"},
       {[](PacketBytes& p) { p[60] ^= 1; }, "bucata 0 (TABL), octetul 32: suma de control nu se potriveste"},
-      {spoiled(kTable, 0, {0xC8}), "bucata 0 (TABL), octetul 45: se termina inainte de vreme"},
-      {spoiled(kTable, 4, {0xFF, 0xFF, 0xFF, 0xFF}),
-       "bucata 0 (TABL), octetul 58: pachetul are mai multe randuri sau campuri decat este permis"},
-      {spoiled(kTable, 4, {4}), "bucata 3 (ROWS), octetul 208: blocul nu are cate randuri trebuie"},
-      {spoiled(kTable, 8, {1}), "bucata 4 (LOGR), octetul 300: jurnalul are mai multe inregistrari decat trebuie"},
-      {spoiled(kTable, 17, {99}), "bucata 0 (TABL), octetul 68: un camp are un tip care nu exista"},
+      {spoiled(kTable, 4, {0xC8}), "bucata 0 (TABL), octetul 49: se termina inainte de vreme"},
+      {spoiled(kTable, 8, {0xFF, 0xFF, 0xFF, 0xFF}),
+       "bucata 0 (TABL), octetul 70: pachetul are mai multe randuri sau campuri decat este permis"},
+      {spoiled(kTable, 8, {4}), "bucata 3 (ROWS), octetul 220: blocul nu are cate randuri trebuie"},
+      {spoiled(kTable, 12, {1}), "bucata 4 (LOGR), octetul 312: jurnalul are mai multe inregistrari decat trebuie"},
+      {spoiled(kTable, 29, {99}), "bucata 0 (TABL), octetul 80: un camp are un tip care nu exista"},
       {spoiled(kLargeValues, 1, {0, 0, 0, 0x80}),
-       "bucata 1 (BLOB), octetul 118: o valoare lunga nu este scrisa cum trebuie"},
-      {spoiled(kLargeValues, 9, {3}), "bucata 1 (BLOB), octetul 134: o valoare lunga nu este scrisa cum trebuie"},
-      {spoiled(kEntries, 0, {0}), "bucata 2 (TEXT), octetul 174: un dictionar nu este al unui camp care il are"},
-      {spoiled(kEntries, 2, {0xFF, 0xFF}), "bucata 2 (TEXT), octetul 176: un text lung lipseste"},
-      {spoiled(kRows, 0, {1}), "bucata 3 (ROWS), octetul 208: randurile nu urmeaza unul din altul"},
-      {spoiled(kRows, 4, {2}), "bucata 3 (ROWS), octetul 208: blocul nu are cate randuri trebuie"},
-      {spoiled(kRows, 6, {1, 0}), "bucata 3 (ROWS), octetul 210: coloanele nu sunt in ordine"},
+       "bucata 1 (BLOB), octetul 130: o valoare lunga nu este scrisa cum trebuie"},
+      {spoiled(kLargeValues, 9, {3}), "bucata 1 (BLOB), octetul 146: o valoare lunga nu este scrisa cum trebuie"},
+      {spoiled(kEntries, 0, {0}), "bucata 2 (TEXT), octetul 186: un dictionar nu este al unui camp care il are"},
+      {spoiled(kEntries, 2, {0xFF, 0xFF}), "bucata 2 (TEXT), octetul 188: un text lung lipseste"},
+      {spoiled(kRows, 0, {1}), "bucata 3 (ROWS), octetul 220: randurile nu urmeaza unul din altul"},
+      {spoiled(kRows, 4, {2}), "bucata 3 (ROWS), octetul 220: blocul nu are cate randuri trebuie"},
+      {spoiled(kRows, 6, {1, 0}), "bucata 3 (ROWS), octetul 222: coloanele nu sunt in ordine"},
       {spoiled(kRecords, 0, {0}),
-       "bucata 4 (LOGR), octetul 293: Dataset \"mic\": jurnalul are o inregistrare nepermisa"},
-      {spoiled(kRecords, 5, {9}), "bucata 4 (LOGR), octetul 295: jurnalul are un camp care nu exista"},
-      {spoiled(kRecords, 7, {9}), "bucata 4 (LOGR), octetul 289: jurnalul are un camp care nu exista"},
+       "bucata 4 (LOGR), octetul 305: Dataset \"mic\": jurnalul are o inregistrare nepermisa"},
+      {spoiled(kRecords, 5, {9}), "bucata 4 (LOGR), octetul 307: jurnalul are un camp care nu exista"},
+      {spoiled(kRecords, 7, {9}), "bucata 4 (LOGR), octetul 301: jurnalul are un camp care nu exista"},
   };
   for (const auto& [spoil, message] : kCases) {
     PacketBytes packet = SmallPacket();
@@ -276,13 +223,37 @@ TEST(Packet, RefusalsNameChunkAndByte) {
 TEST(Packet, MayHoldChunksThatOnlyOthersKnow) {
   PacketBytes packet = SmallPacket();
   const std::size_t second = ChunksOf(packet)[1].payload - packet::kChunkHeaderSize;
-  const std::uint8_t more[] = {'m', 'e', 't', 'a', 2, 0, 0, 0, 0, 0, 0, 0, 'h', 'i', 0, 0, 0, 0};
+  const std::uint8_t more[] = {'z', 'i', 'a', 'r', 2, 0, 0, 0, 0, 0, 0, 0, 'h', 'i', 0, 0, 0, 0};
   packet.insert(packet.begin() + static_cast<std::ptrdiff_t>(second), std::begin(more), std::end(more));
   Seal(packet);
   EXPECT_EQ(ReadBack(packet).RowCount(), 2U);
-  packet[second] = 'M';
+  packet[second] = 'Z';
   Seal(packet);
   EXPECT_THROW(static_cast<void>(ReadBack(packet)), PacketError);
+}
+
+TEST(Packet, NotesTravelWithIt) {
+  PacketNotes notes = {{"de la", "ana"}, {"de la", Text(100'000, 'x')}, {"", ""}};
+  const PacketBytes packet = Written(SmallDataset(), notes);
+  PacketNotes read;
+  EXPECT_EQ(ReadBinary(SourceOf(packet), {}, &read).RowCount(), 2U);
+  ASSERT_EQ(read.size(), notes.size());
+  for (std::size_t i = 0; i < notes.size(); ++i) {
+    EXPECT_EQ(read[i].name, notes[i].name);
+    EXPECT_EQ(read[i].value, notes[i].value);
+  }
+  EXPECT_THROW(static_cast<void>(ReadBack(packet, {.maxBytes = 90'000})), PacketError);
+}
+
+TEST(Packet, TemporaryNumbersAreNotGivenAgain) {
+  Dataset dataset("linii", {{"id", FieldType::AutoInc, kKey}});
+  dataset.Delete(dataset.Insert({}));
+  dataset.Insert({});
+  dataset.Changes().AcceptChanges();
+  const RowId row = dataset.Insert({});
+  dataset.Set(row, "id", 17);
+  Dataset read = ReadBack(Written(dataset));
+  EXPECT_EQ(read.GetInt64(read.Insert({}), "id"), -4);
 }
 
 TEST(Packet, LimitsHold) {

@@ -8,8 +8,10 @@
 #include "kivtools/UDepanarePointer.h"
 #include "kivtools/WideTools.h"
 #include "kivtools/WinUtil.h"
+#include "kivtools/dataset/Packet.h"
 #include "package/OnceOnly.h"
 #include "package/StartOrder.h"
+#include "platform/TestFolder.h"
 
 namespace kiv {
 namespace {
@@ -71,7 +73,10 @@ TEST(Package, GlobalsLiveBetweenFirstInitializeAndLastFinalize) {
     EXPECT_TRUE(page_1250_ok);
     EXPECT_EQ(page_1250_replace, 1250);
     ASSERT_NE(FindDatasetEngine("DatasetLib"), nullptr);
-    EXPECT_TRUE(FindDatasetEngine("DatasetLib")->Formats().empty());
+    EXPECT_EQ(FindDatasetEngine("DatasetLib")->Formats(), StringList{"kdp"});
+    const TestFolder folder;
+    SaveBinary(Dataset("linii", {{"id", FieldType::AutoInc, kKey}}), folder / "linii.kdp");
+    EXPECT_EQ(FindDatasetEngine("DatasetLib")->Load(folder / "linii.kdp").Name(), "linii");
 
     TempFilePath = "elsewhere";
     Finalize();

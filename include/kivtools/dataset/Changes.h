@@ -77,7 +77,8 @@ class Delta {
   [[nodiscard]] KIV_API bool HasOriginal(std::uint32_t ticket, std::size_t field) const;
   /// The original value. Throws Error where there is none.
   [[nodiscard]] KIV_API Value Original(std::uint32_t ticket, std::size_t field) const;
-  /// The new value. Throws Error for a deleted row.
+  /// The new value. Throws Error for a deleted row. In a delta that was read from a packet a field that is neither
+  /// changed nor has an original is null.
   [[nodiscard]] KIV_API Value Current(std::uint32_t ticket, std::size_t field) const;
 
   /// For the library's own parts: the delta of contents that nobody edits any more.

@@ -1,5 +1,5 @@
 /// @file
-/// Datasets as files and streams: the binary packet ".kdp", with rows, states, originals and the history of changes.
+/// Datasets and deltas as files and streams: the binary packet ".kdp".
 #pragma once
 
 #include <cstddef>
@@ -8,6 +8,7 @@
 #include <functional>
 #include <limits>
 #include <span>
+#include <vector>
 
 #include "kivtools/Errors.h"
 #include "kivtools/Export.h"
@@ -41,6 +42,14 @@ struct ReadLimits {
   std::uint64_t maxBytes = sizeof(void*) == 4 ? std::uint64_t{1} << 30U : std::uint64_t{1} << 34U;
 };
 
+/// A text of the host's own that travels with a packet: who wrote it, when, from which question to the server.
+struct PacketNote {
+  Text name;
+  Text value;
+};
+/// The notes of a packet in the order in which they were given; names may repeat.
+using PacketNotes = std::vector<PacketNote>;
+
 /// How a file is saved.
 struct SaveOptions {
   /// Keeps the file that had the name, under the same name with ".bak" at its end.
@@ -48,6 +57,8 @@ struct SaveOptions {
   /// Waits until the file is on the disk, so that it survives the loss of power. Without it a save is many times
   /// faster, and still never leaves a part of a file.
   bool flush = true;
+  /// What goes into the packet beside the dataset. Example: `{.notes = {{"utilizator", "ana"}}}`.
+  PacketNotes notes = {};
 };
 
 /// Takes the next bytes of a packet; throws to end the writing.
@@ -56,19 +67,34 @@ using PacketSink = std::function<void(std::span<const std::uint8_t>)>;
 /// throws to end the reading.
 using PacketSource = std::function<std::size_t(std::span<std::uint8_t>)>;
 
-/// Writes the dataset as a packet, in one pass and with about half a megabyte of memory. A snapshot may be written by
+/// Writes the dataset as a packet, in one pass and with about half a megabyte of memory: rows, states, originals and
+/// the history of changes. A snapshot may be written by
 /// another thread than the one that edits its dataset.
 ///
 ///     std::vector<std::uint8_t> packet;
 ///     WriteBinary(linii, [&](auto bytes) { packet.insert(packet.end(), bytes.begin(), bytes.end()); });
-KIV_API void WriteBinary(const DatasetView& dataset, const PacketSink& sink);
+KIV_API void WriteBinary(const DatasetView& dataset, const PacketSink& sink, std::span<const PacketNote> notes = {});
 
 /// Reads a packet: rows, states, originals and history are those of the dataset that was written; numbers of rows are
 /// given anew, marks are gone. Throws PacketError, naming chunk and byte, for a packet that is damaged or not whole,
-/// for bytes after its end, and for one that goes beyond the limits.
+/// for bytes after its end, and for one that goes beyond the limits. The notes are put into `notes` unless it is null.
 ///
 ///     const Dataset linii = ReadBinary(source);
-[[nodiscard]] KIV_API Dataset ReadBinary(const PacketSource& source, const ReadLimits& limits = {});
+[[nodiscard]] KIV_API Dataset ReadBinary(const PacketSource& source, const ReadLimits& limits = {},
+                                         PacketNotes* notes = nullptr);
+
+/// Writes a delta as a packet that holds what has changed and no more: for each ticket the key, the fields that take
+/// part in the detection of conflicts, the changed ones with their originals.
+///
+///     WriteDelta(linii.Changes().MakeDelta(), sink);
+KIV_API void WriteDelta(const Delta& delta, const PacketSink& sink, std::span<const PacketNote> notes = {});
+
+/// Reads a delta: identity, tickets, originals and new values are those of the delta that was written. The row of a
+/// ticket is the ticket's number; a value that a receiver does not need is null. Throws as ReadBinary does.
+///
+///     const Delta delta = ReadDelta(source);
+[[nodiscard]] KIV_API Delta ReadDelta(const PacketSource& source, const ReadLimits& limits = {},
+                                      PacketNotes* notes = nullptr);
 
 /// Saves the dataset as a file. Wherever it fails, and wherever the process or the machine stops, what has the name is
 /// the old file or the new one, whole. Throws OsError.
@@ -79,6 +105,18 @@ KIV_API void SaveBinary(const DatasetView& dataset, const std::filesystem::path&
 /// Loads a file. Throws OsError, and PacketError as ReadBinary does.
 ///
 ///     Dataset linii = LoadBinary("linii.kdp");
-[[nodiscard]] KIV_API Dataset LoadBinary(const std::filesystem::path& path, const ReadLimits& limits = {});
+[[nodiscard]] KIV_API Dataset LoadBinary(const std::filesystem::path& path, const ReadLimits& limits = {},
+                                         PacketNotes* notes = nullptr);
+
+/// Saves a delta as a file, as SaveBinary does.
+///
+///     SaveDelta(delta, "linii-de-trimis.kdp");
+KIV_API void SaveDelta(const Delta& delta, const std::filesystem::path& path, const SaveOptions& options = {});
+
+/// Loads the file of a delta, as LoadBinary does.
+///
+///     const Delta delta = LoadDelta("linii-de-trimis.kdp");
+[[nodiscard]] KIV_API Delta LoadDelta(const std::filesystem::path& path, const ReadLimits& limits = {},
+                                      PacketNotes* notes = nullptr);
 
 }  // namespace kiv

@@ -124,6 +124,13 @@ class File {
   /// Cuts the file off, or lengthens it with zeros. The position stays.
   SystemStatus Resize(std::uint64_t size) noexcept;
 
+  /// Locks an open file as long as it stays open; others may read and write it nevertheless, but not lock it: their
+  /// status says IsBusy(), and so does that of this process's other open files. Where the file system has no locks
+  /// nobody is held off.
+  SystemStatus Lock() noexcept;
+  /// Whether an open file can be replaced by another one, as POSIX does; Windows wants it closed.
+  static bool IsReplacedWhileOpen() noexcept;
+
   SystemStatus Query(EntryInfo& info) const noexcept;
   SystemStatus SetTimes(FileTime read, FileTime written) noexcept;
   /// Gives it the attributes of another entry, and on POSIX its owner where this process may.

@@ -15,6 +15,7 @@ enum class SystemCall : std::uint8_t {
   Flush,
   Query,
   Resize,
+  Lock,
   SetAttributes,
   SetTimes,
   Rename,

@@ -26,6 +26,8 @@ class [[nodiscard]] SystemStatus {
   [[nodiscard]] bool IsMissing() const noexcept;
   /// Whether the call failed because something has the name already.
   [[nodiscard]] bool IsExisting() const noexcept;
+  /// Whether the call failed because somebody else has locked the file.
+  [[nodiscard]] bool IsBusy() const noexcept;
   /// Whether the call failed for want of a right.
   [[nodiscard]] bool IsDenied() const noexcept;
   /// Whether the call failed because no more files may be open. Windows knows no such limit.

@@ -98,6 +98,7 @@ void ChunkReader::ReadHeader() {
     RefuseAt(8, why + ", iar aici se citeste versiunea 1");
   }
   kind_ = NumberAt<PacketKind>(all, 12);
+  identity_ = NumberAt<std::uint64_t>(all, 16);
 }
 
 void ChunkReader::ReadPayload(std::uint32_t length) {

@@ -20,6 +20,8 @@ class ChunkReader {
   bool Next();
   [[nodiscard]] ChunkType Type() const noexcept { return type_; }
   [[nodiscard]] PacketKind Kind() const noexcept { return kind_; }
+  /// What tells this packet from every other.
+  [[nodiscard]] std::uint64_t Identity() const noexcept { return identity_; }
   /// How many rows the last chunk says that there are.
   [[nodiscard]] std::uint32_t Rows() const noexcept { return rows_; }
 
@@ -65,6 +67,7 @@ class ChunkReader {
   std::uint32_t count_ = 0;
   std::uint32_t checksums_ = 0;
   std::uint32_t rows_ = 0;
+  std::uint64_t identity_ = 0;
   bool isInChunk_ = false;
   std::vector<std::byte> payload_;
   std::size_t at_ = 0;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "dataset/packet/RowNumbers.h"
 #include "dataset/packet/RowWriter.h"
 
 namespace kiv::packet {
@@ -60,7 +61,9 @@ void PutText(ChunkWriter& out, std::string_view bytes, std::size_t most) {
 }
 
 void DatasetWriter::Write(std::span<const PacketNote> notes) {
-  NumberRows();
+  if (delta_ == nullptr) {
+    dropped_ = DroppedRows(contents_);
+  }
   NumberLargeValues();
   WriteTable();
   WriteNotes(notes);
@@ -73,21 +76,6 @@ void DatasetWriter::Write(std::span<const PacketNote> notes) {
   WriteRows();
   WriteLog();
   out_.Finish(RowCount());
-}
-
-void DatasetWriter::NumberRows() {
-  if (delta_ != nullptr || contents_.counts[static_cast<std::size_t>(StoredState::Gone)] == 0) {
-    return;
-  }
-  for (std::uint32_t row = 0; row < contents_.rowCount; ++row) {
-    if (contents_.StateOf(row) == StoredState::Gone && contents_.LastRecordOf(row) == Log::kNone) {
-      dropped_.push_back(row);
-    }
-  }
-}
-
-std::uint32_t DatasetWriter::NewNumberOf(std::uint32_t row) const noexcept {
-  return row - static_cast<std::uint32_t>(std::ranges::lower_bound(dropped_, row) - dropped_.begin());
 }
 
 std::uint32_t DatasetWriter::RowCount() const noexcept {
@@ -267,7 +255,7 @@ void DatasetWriter::ForEachRecord(Visit visit) {
   for (std::uint32_t at = log.First(); at != Log::kNone; at = log.Next(at)) {
     CollectOld(at);
     const Log::Header header = log.HeaderAt(at);
-    visit(header.kind, NewNumberOf(header.row));
+    visit(header.kind, NewNumber(dropped_, header.row));
   }
 }
 

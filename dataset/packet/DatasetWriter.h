@@ -20,14 +20,12 @@ class DatasetWriter {
   void Write(std::span<const PacketNote> notes);
 
  private:
-  void NumberRows();
   void NumberLargeValues();
   [[nodiscard]] std::uint32_t RowCount() const noexcept;
   [[nodiscard]] std::uint32_t RecordCount() const noexcept;
   /// Calls back with each row that is written, in order.
   template <class Visit>
   void ForEachRow(Visit visit) const;
-  [[nodiscard]] std::uint32_t NewNumberOf(std::uint32_t row) const noexcept;
 
   void WriteTable();
   void WriteNotes(std::span<const PacketNote> notes);

@@ -7,6 +7,8 @@
 
 #include "dataset/packet/DatasetReader.h"
 #include "dataset/packet/DatasetWriter.h"
+#include "dataset/packet/JournalReader.h"
+#include "dataset/packet/PacketFile.h"
 #include "dataset/store/Random.h"
 #include "platform/Paths.h"
 #include "platform/SafeFile.h"
@@ -21,13 +23,14 @@ constexpr std::size_t kBuffer = std::size_t{64} * 1024;
 struct ReadPacket {
   std::unique_ptr<store::Store> store;
   Guid deltaId;
+  std::uint64_t identity;
 };
 
 ReadPacket Read(const PacketSource& source, const ReadLimits& limits, packet::PacketKind kind, PacketNotes* notes,
                 Text operation) {
   packet::ChunkReader chunks(source, std::move(operation));
   packet::DatasetReader reader(chunks, limits);
-  ReadPacket read{reader.Read(kind), reader.DeltaId()};
+  ReadPacket read{reader.Read(kind), reader.DeltaId(), chunks.Identity()};
   if (notes != nullptr) {
     *notes = reader.TakeNotes();
   }
@@ -50,26 +53,31 @@ std::uint64_t NewIdentity() {
   return identity ^ guid.data1;
 }
 
-void Write(const DatasetView& dataset, const PacketSink& sink, std::span<const PacketNote> notes) {
-  packet::ChunkWriter chunks(sink, packet::PacketKind::Offline, NewIdentity());
+void Write(const DatasetView& dataset, const PacketSink& sink, std::span<const PacketNote> notes,
+           std::uint64_t identity) {
+  packet::ChunkWriter chunks(sink, packet::PacketKind::Offline, identity);
   packet::DatasetWriter(dataset.GetContents(), chunks).Write(notes);
 }
 
-void Write(const Delta& delta, const PacketSink& sink, std::span<const PacketNote> notes) {
-  packet::ChunkWriter chunks(sink, packet::PacketKind::Delta, NewIdentity());
+void Write(const Delta& delta, const PacketSink& sink, std::span<const PacketNote> notes, std::uint64_t identity) {
+  packet::ChunkWriter chunks(sink, packet::PacketKind::Delta, identity);
   packet::DatasetWriter(delta, chunks).Write(notes);
 }
 
 template <class Content>
-void Save(const Content& content, const std::filesystem::path& path, const SaveOptions& options, TextView operation) {
+std::uint64_t Save(const Content& content, const std::filesystem::path& path, const SaveOptions& options,
+                   TextView operation, packet::SaveLock& lock) {
   platform::SafeFile file;
   file.Create(path).OrThrow(operation, path);
+  const std::uint64_t identity = NewIdentity();
   Write(
       content, [&](std::span<const std::uint8_t> bytes) { file.Content().Write(bytes).OrThrow(operation, path); },
-      options.notes);
+      options.notes, identity);
+  lock.LetReplace();
   file.Commit(options.flush ? platform::Durability::Flushed : platform::Durability::Written,
               options.backup ? platform::Backup::Kept : platform::Backup::None)
       .OrThrow(operation, path);
+  return identity;
 }
 
 /// Gives a file's bytes; small reads share one call of the system.
@@ -118,15 +126,20 @@ ReadPacket Load(const std::filesystem::path& path, const ReadLimits& limits, pac
 
 }  // namespace
 
+std::uint64_t packet::SaveDataset(const DatasetView& dataset, const std::filesystem::path& path,
+                                  const SaveOptions& options, TextView operation, SaveLock& lock) {
+  return Save(dataset, path, options, operation, lock);
+}
+
 PacketError::PacketError(std::uint64_t offset, const std::string& message) : Error(message), offset_(offset) {}
 PacketError::~PacketError() = default;
 
 void WriteBinary(const DatasetView& dataset, const PacketSink& sink, std::span<const PacketNote> notes) {
-  Write(dataset, sink, notes);
+  Write(dataset, sink, notes, NewIdentity());
 }
 
 void WriteDelta(const Delta& delta, const PacketSink& sink, std::span<const PacketNote> notes) {
-  Write(delta, sink, notes);
+  Write(delta, sink, notes, NewIdentity());
 }
 
 Dataset ReadBinary(const PacketSource& source, const ReadLimits& limits, PacketNotes* notes) {
@@ -138,15 +151,25 @@ Delta ReadDelta(const PacketSource& source, const ReadLimits& limits, PacketNote
 }
 
 void SaveBinary(const DatasetView& dataset, const std::filesystem::path& path, const SaveOptions& options) {
-  Save(dataset, path, options, "SaveBinary");
+  packet::SaveLock lock(path, "SaveBinary");
+  Save(dataset, path, options, "SaveBinary", lock);
 }
 
 void SaveDelta(const Delta& delta, const std::filesystem::path& path, const SaveOptions& options) {
-  Save(delta, path, options, "SaveDelta");
+  packet::SaveLock lock(path, "SaveDelta");
+  Save(delta, path, options, "SaveDelta", lock);
 }
 
-Dataset LoadBinary(const std::filesystem::path& path, const ReadLimits& limits, PacketNotes* notes) {
-  return ToDataset(Load(path, limits, packet::PacketKind::Offline, notes, "LoadBinary"));
+Dataset LoadBinary(const std::filesystem::path& path, const ReadLimits& limits, LoadReport* report) {
+  LoadReport told;
+  ReadPacket read = Load(path, limits, packet::PacketKind::Offline, &told.notes, "LoadBinary");
+  const std::uint64_t identity = read.identity;
+  Dataset dataset = ToDataset(std::move(read));
+  packet::ReplayJournal(dataset, path, identity, limits, told);
+  if (report != nullptr) {
+    *report = std::move(told);
+  }
+  return dataset;
 }
 
 Delta LoadDelta(const std::filesystem::path& path, const ReadLimits& limits, PacketNotes* notes) {

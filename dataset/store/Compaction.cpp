@@ -90,6 +90,7 @@ void Store::Compact() {
   CheckMayEdit();
   Compactor compactor(*this);
   Store& compacted = compactor.Run();
+  Announce({Edit::Kind::Compact});
   // The schema's copy stays: its address is in the field references that users hold.
   compacted.contents_.owner.swap(contents_.owner);
   compacted.contents_.name.swap(contents_.name);

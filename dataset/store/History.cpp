@@ -47,6 +47,11 @@ bool Store::UndoLast() {
   return true;
 }
 
+void Store::UndoTo(std::uint32_t records) {
+  CheckMayEdit();
+  UndoDownTo(records);
+}
+
 void Store::CancelChanges() {
   CheckMayEdit();
   UndoDownTo(0);
@@ -58,6 +63,7 @@ void Store::UndoDownTo(std::uint32_t records) {
     return;
   }
   MakeRoomForUndo(records);
+  Announce({Edit::Kind::UndoTo, records});
   while (contents_.log.Count() > records) {
     Undo();
   }
@@ -160,6 +166,9 @@ void Store::AcceptChanges() {
   const bool hasChanges = log.Count() > 0;
   for (std::uint32_t at = log.First(); at != Log::kNone; at = log.Next(at)) {
     contents_.states.MakeWritable(log.HeaderAt(at).row);
+  }
+  if (hasChanges) {
+    Announce({Edit::Kind::Accept});
   }
   for (std::uint32_t at = log.First(); at != Log::kNone; at = log.Next(at)) {
     const std::uint32_t row = log.HeaderAt(at).row;

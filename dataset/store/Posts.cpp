@@ -214,6 +214,13 @@ std::uint32_t Store::Insert(std::span<const FieldValue> values) {
   }
   AskListeners(ChangeKind::Insert, row);
   MakeRoomForInsert(row, place);
+  if (recorder_ != nullptr) {
+    changes_.clear();
+    for (std::size_t i = 0; i < proposed_.size(); ++i) {
+      changes_.push_back({static_cast<std::uint16_t>(i), proposed_[i]});
+    }
+    Announce({Edit::Kind::Insert, row, changes_});
+  }
 
   for (std::size_t i = 0; i < proposed_.size(); ++i) {
     contents_.columns[i].Store(row, proposed_[i]);
@@ -298,6 +305,7 @@ void Store::PostChanges(std::uint32_t row, ChangeKind kind) {
     MakeShadowRoom(row);
   }
   MakeRoomForUpdate(row);
+  Announce(isBack ? Edit{Edit::Kind::Restore, row} : Edit{Edit::Kind::Update, row, changes_});
 
   if (needsShadow) {
     MakeShadow(row);
@@ -332,6 +340,7 @@ void Store::DeletePresent(std::uint32_t row) {
   contents_.states.MakeWritable(row);
   contents_.heads.MakeWritable(row);
   contents_.log.MakeRoom(0);
+  Announce({Edit::Kind::Delete, row});
 
   if (keys_.Exists()) {
     keys_.Erase(PlaceOfKey(row).tag, row);

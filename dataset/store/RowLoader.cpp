@@ -10,6 +10,9 @@ namespace kiv::store {
 RowLoader::RowLoader(Store& store)
     : store_(store), contents_(store.contents_), nextTemporary_(store.contents_.nextTemporary) {
   store_.CheckMayEdit();
+  if (store_.HasRecorder()) {
+    throw Error(contents_.owner + ": nu se incarca randuri cat timp are un jurnal");
+  }
   store_.isLoading_ = true;
   store_.pendingRows_ = 0;
   store_.loadEnd_ = 0;

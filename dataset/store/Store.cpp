@@ -34,6 +34,13 @@ Store::Store(TextView name, const Schema& schema)
   payload_.reserve(payload);
 }
 
+void Store::SetRecorder(EditRecorder* recorder) {
+  if (recorder != nullptr && recorder_ != nullptr) {
+    throw Error(contents_.owner + ": are deja un jurnal");
+  }
+  recorder_ = recorder;
+}
+
 std::uint32_t Store::RequireRow(std::uint32_t row) const {
   const StoredState state = row < contents_.rowCount ? contents_.StateOf(row) : StoredState::Gone;
   if (state == StoredState::Gone || state == StoredState::Deleted) {

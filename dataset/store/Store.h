@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "dataset/store/Contents.h"
+#include "dataset/store/EditRecorder.h"
 #include "dataset/store/HashIndex.h"
 #include "dataset/store/KeyIndex.h"
 #include "kivtools/dataset/Dataset.h"
@@ -42,6 +43,11 @@ class Store {
   void CancelChanges();
   void AcceptChanges();
   void Compact();
+  /// Takes back all changes but that many.
+  void UndoTo(std::uint32_t records);
+  /// Who is told of each edit before it is written, null for nobody. Throws Error where somebody is already.
+  void SetRecorder(EditRecorder* recorder);
+  [[nodiscard]] bool HasRecorder() const noexcept { return recorder_ != nullptr; }
   /// A copy that shares everything and stays as it is.
   [[nodiscard]] std::shared_ptr<const Contents> CopyContents();
 
@@ -56,11 +62,7 @@ class Store {
  private:
   friend class RowLoader;
   friend class BlockLoader;
-  /// A field and the value that it is about to get.
-  struct Change {
-    std::uint16_t field;
-    Cell cell;
-  };
+  using Change = FieldCell;
   /// A row's place in the key index.
   struct KeyPlace {
     std::uint32_t tag = 0;
@@ -98,7 +100,12 @@ class Store {
   void MakeRoomForUndo(std::uint32_t records);
   void MakeShadowRoom(std::uint32_t row);
 
-  // Writing.
+  // Writing, once the recorder has nothing against it.
+  void Announce(const Edit& edit) {
+    if (recorder_ != nullptr) {
+      recorder_->Record(edit);
+    }
+  }
   void SetState(std::uint32_t row, StoredState state) noexcept;
   void MakeShadow(std::uint32_t row) noexcept;
   /// Stands in the place of the next temporary number when there is none left.
@@ -147,6 +154,7 @@ class Store {
   std::vector<MarkedPoint> marks_;
   std::uint32_t lastMark_ = 0;
 
+  EditRecorder* recorder_ = nullptr;
   std::vector<DatasetListener*> listeners_;
   std::vector<std::uint16_t> changedFields_;
   std::uint32_t updateDepth_ = 0;

@@ -92,8 +92,8 @@ SystemStatus WhyNoFile(EntryKind kind) noexcept {
 }
 
 /// Ends with the descriptor. Where a file system has no locks, nobody else has one either.
-SystemStatus LockAgainstOthers(const FileHandle& handle) noexcept {
-  const SystemStatus locked = MakeCall(SystemCall::Open, [&] { return flock(Descriptor(handle), LOCK_EX | LOCK_NB); });
+SystemStatus LockAgainstOthers(const FileHandle& handle, SystemCall kind) noexcept {
+  const SystemStatus locked = MakeCall(kind, [&] { return flock(Descriptor(handle), LOCK_EX | LOCK_NB); });
   const bool noLocks = locked.Code() == EBADF || locked.Code() == EINVAL || locked.Code() == ENOLCK ||
                        locked.Code() == ENOSYS || locked.Code() == EOPNOTSUPP;
   return noLocks ? SystemStatus() : locked;
@@ -174,7 +174,7 @@ SystemStatus File::OpenToRead(const Folder& at, SystemName name, EntryInfo& info
     opened = WhyNoFile(info.kind);
   }
   if (!opened.Failed() && mode == OpenMode::ReadExclusive) {
-    opened = LockAgainstOthers(handle_);
+    opened = LockAgainstOthers(handle_, SystemCall::Open);
   }
   if (opened.Failed()) {
     handle_ = FileHandle();
@@ -228,6 +228,14 @@ SystemStatus File::Resize(std::uint64_t size) noexcept {
     return SystemStatus(EFBIG);
   }
   return MakeCall(SystemCall::Resize, [&] { return ftruncate(Descriptor(handle_), static_cast<off_t>(size)); });
+}
+
+SystemStatus File::Lock() noexcept {
+  return LockAgainstOthers(handle_, SystemCall::Lock);
+}
+
+bool File::IsReplacedWhileOpen() noexcept {
+  return true;
 }
 
 SystemStatus File::Query(EntryInfo& info) const noexcept {

@@ -13,6 +13,10 @@ bool SystemStatus::IsExisting() const noexcept {
   return code_ == EEXIST || code_ == ENOTEMPTY;
 }
 
+bool SystemStatus::IsBusy() const noexcept {
+  return code_ == EWOULDBLOCK;
+}
+
 bool SystemStatus::IsDenied() const noexcept {
   return code_ == EACCES || code_ == EPERM;
 }

@@ -16,6 +16,10 @@ bool SystemStatus::IsExisting() const noexcept {
   return code_ == ERROR_ALREADY_EXISTS || code_ == ERROR_FILE_EXISTS;
 }
 
+bool SystemStatus::IsBusy() const noexcept {
+  return code_ == ERROR_LOCK_VIOLATION || code_ == ERROR_SHARING_VIOLATION;
+}
+
 bool SystemStatus::IsDenied() const noexcept {
   return code_ == ERROR_ACCESS_DENIED;
 }

@@ -82,7 +82,7 @@ TEST(PacketFile, WhicheverCallFailsALoadSaysSo) {
       if (!failing.Failed()) {
         break;
       }
-      EXPECT_EQ(failing.Seen().back(), platform::SystemCall::Close) << number;
+      EXPECT_EQ(failing.Seen().at(number), platform::SystemCall::Close) << number;
     } catch (const OsError& error) {
       EXPECT_EQ(error.Code(), 5) << number;
     }

@@ -61,6 +61,17 @@ struct SaveOptions {
   PacketNotes notes = {};
 };
 
+/// What a load has met beside the dataset.
+struct LoadReport {
+  /// Those of the packet.
+  PacketNotes notes;
+  /// How many edits of the journal were done again.
+  std::uint64_t replayed = 0;
+  /// The bytes of the journal behind its last whole edit: what was being written when the process or the machine
+  /// stopped, or what was damaged later.
+  std::uint64_t lostBytes = 0;
+};
+
 /// Takes the next bytes of a packet; throws to end the writing.
 using PacketSink = std::function<void(std::span<const std::uint8_t>)>;
 /// Gives the next bytes of a packet: puts up to as many as fit and returns how many those are, 0 at the end only;
@@ -97,16 +108,19 @@ KIV_API void WriteDelta(const Delta& delta, const PacketSink& sink, std::span<co
                                       PacketNotes* notes = nullptr);
 
 /// Saves the dataset as a file. Wherever it fails, and wherever the process or the machine stops, what has the name is
-/// the old file or the new one, whole. Throws OsError.
+/// the old file or the new one, whole. Throws OsError, and Error where somebody else is saving the file or keeps a
+/// journal of it.
 ///
 ///     SaveBinary(linii, "linii.kdp", {.backup = true});
 KIV_API void SaveBinary(const DatasetView& dataset, const std::filesystem::path& path, const SaveOptions& options = {});
 
-/// Loads a file. Throws OsError, and PacketError as ReadBinary does.
+/// Loads a file, and does again what a Journal of it holds. Throws OsError, and PacketError as ReadBinary does.
 ///
-///     Dataset linii = LoadBinary("linii.kdp");
+///     LoadReport report;
+///     Dataset linii = LoadBinary("linii.kdp", {}, &report);
+///     report.lostBytes   // 0: nothing was cut short
 [[nodiscard]] KIV_API Dataset LoadBinary(const std::filesystem::path& path, const ReadLimits& limits = {},
-                                         PacketNotes* notes = nullptr);
+                                         LoadReport* report = nullptr);
 
 /// Saves a delta as a file, as SaveBinary does.
 ///

@@ -7,7 +7,7 @@
 
 namespace kiv::platform {
 
-/// The system calls of the file layer, by what they do.
+/// The system calls that tests make fail, by what they do.
 enum class SystemCall : std::uint8_t {
   Open,
   Read,
@@ -26,6 +26,9 @@ enum class SystemCall : std::uint8_t {
   Close,
   Copy,     ///< a whole file, or a part of one, by the system itself
   Reserve,  ///< memory by pages
+  StartThread,
+  MakeWindow,
+  MakeDrawing,  ///< a device context, a bitmap, a font
 };
 
 /// Told of each system call before it is made. The built-in one lets all pass; a test stands in its place and makes

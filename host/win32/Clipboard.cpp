@@ -4,7 +4,7 @@
 
 #include "core/WideText.h"
 #include "host/win32/Services.h"
-#include "platform/SystemError.h"
+#include "platform/SystemCalls.h"
 
 namespace kiv::host::win32 {
 namespace {
@@ -23,14 +23,18 @@ using OwnedGlobal = std::unique_ptr<std::remove_pointer_t<HGLOBAL>, GlobalDelete
 /// the library has none of its own; the content outlives it.
 class OpenedClipboard {
  public:
-  OpenedClipboard()
-      : window_(CreateWindowExW(0, L"STATIC", nullptr, 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr)) {
+  OpenedClipboard() {
+    platform::Admitted(platform::SystemCall::MakeWindow).OrThrow(kRefused);
+    window_.reset(CreateWindowExW(0, L"STATIC", nullptr, 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr));
+    if (window_ == nullptr) {
+      platform::LastStatus().Throw(kRefused);
+    }
     // Another program may hold the clipboard for a moment.
     constexpr int kAttempts = 20;
     constexpr DWORD kPauseInMilliseconds = 10;
     for (int attempt = 0; OpenClipboard(window_.get()) == 0; ++attempt) {
       if (attempt == kAttempts) {
-        platform::LastStatus().Throw("Nu pot deschide clipboard-ul");
+        platform::LastStatus().Throw(kRefused);
       }
       Sleep(kPauseInMilliseconds);
     }
@@ -40,6 +44,8 @@ class OpenedClipboard {
   OpenedClipboard& operator=(const OpenedClipboard&) = delete;
 
  private:
+  static constexpr TextView kRefused = "Nu pot deschide clipboard-ul";
+
   OwnedWindow window_;
 };
 

@@ -5,7 +5,7 @@
 #include "core/WideText.h"
 #include "host/win32/Watching.h"
 #include "host/win32/WideTexts.h"
-#include "platform/SystemError.h"
+#include "platform/SystemCalls.h"
 
 namespace kiv::host::win32 {
 namespace {
@@ -20,9 +20,11 @@ Text TextOfWindow(HWND window) {
 /// A window's device context with its font in use.
 class TextDevice {
  public:
-  explicit TextDevice(HWND window) : window_(window), device_(GetDC(window)) {
+  explicit TextDevice(HWND window) : window_(window) {
+    platform::Admitted(platform::SystemCall::MakeDrawing).OrThrow(kRefused);
+    device_ = GetDC(window);
     if (device_ == nullptr) {
-      platform::LastStatus().Throw("Nu pot masura textul");
+      platform::LastStatus().Throw(kRefused);
     }
     const auto font = reinterpret_cast<HGDIOBJ>(SendMessageW(window, WM_GETFONT, 0, 0));
     before_ = font != nullptr ? SelectObject(device_, font) : nullptr;
@@ -41,14 +43,16 @@ class TextDevice {
     // The height of an empty text is that of a line.
     const std::wstring& measured = text.empty() ? L" " : text;
     if (GetTextExtentPoint32W(device_, measured.data(), static_cast<int>(measured.size()), &extent) == 0) {
-      platform::LastStatus().Throw("Nu pot masura textul");
+      platform::LastStatus().Throw(kRefused);
     }
     return {text.empty() ? 0 : extent.cx, extent.cy};
   }
 
  private:
+  static constexpr TextView kRefused = "Nu pot masura textul";
+
   HWND window_;
-  HDC device_;
+  HDC device_ = nullptr;
   HGDIOBJ before_ = nullptr;
 };
 

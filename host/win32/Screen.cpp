@@ -3,7 +3,7 @@
 #include <exception>
 
 #include "host/win32/Services.h"
-#include "platform/SystemError.h"
+#include "platform/SystemCalls.h"
 
 namespace kiv::host::win32 {
 namespace {
@@ -59,9 +59,11 @@ Point Screen::MousePosition() const {
 }
 
 std::int32_t Screen::PixelsPerInch() const {
+  constexpr TextView kRefused = "Nu pot afla rezolutia ecranului";
+  platform::Admitted(platform::SystemCall::MakeDrawing).OrThrow(kRefused);
   const HDC screen = GetDC(nullptr);
   if (screen == nullptr) {
-    platform::LastStatus().Throw("Nu pot afla rezolutia ecranului");
+    platform::LastStatus().Throw(kRefused);
   }
   const std::int32_t pixels = GetDeviceCaps(screen, LOGPIXELSY);
   ReleaseDC(nullptr, screen);

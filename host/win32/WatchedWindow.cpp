@@ -8,7 +8,7 @@
 
 #include "core/WideText.h"
 #include "host/win32/Watching.h"
-#include "platform/SystemError.h"
+#include "platform/SystemCalls.h"
 
 namespace kiv::host::win32 {
 namespace {
@@ -171,9 +171,11 @@ void WatchedWindow::ScaleWindowFont(std::int32_t multiplier, std::int32_t diviso
   }
   description.lfHeight = MulDiv(description.lfHeight, multiplier, divisor);
   description.lfWidth = 0;
+  constexpr TextView kRefused = "Nu pot mari fontul";
+  platform::Admitted(platform::SystemCall::MakeDrawing).OrThrow(kRefused);
   const HFONT scaled = CreateFontIndirectW(&description);
   if (scaled == nullptr) {
-    platform::LastStatus().Throw("Nu pot mari fontul");
+    platform::LastStatus().Throw(kRefused);
   }
   SendMessageW(Native(window_), WM_SETFONT, reinterpret_cast<WPARAM>(scaled), TRUE);
   const Handle before = std::exchange(font_, reinterpret_cast<Handle>(scaled));

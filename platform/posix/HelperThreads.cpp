@@ -8,7 +8,7 @@
 #include <memory>
 #include <utility>
 
-#include "platform/SystemError.h"
+#include "platform/SystemCalls.h"
 
 namespace kiv::platform {
 namespace {
@@ -94,6 +94,7 @@ class PosixHelperThreads : public HelperThreads {
   void Start(TextView context, std::function<void()> work) const override {
     auto task = std::make_unique<Task>(Task{LibraryReference(context), std::move(work)});
     pthread_t thread{};
+    Admitted(SystemCall::StartThread).OrThrow(context);
     const int code = pthread_create(&thread, nullptr, &RunTask, task.get());
     if (code != 0) {
       throw SystemError(context, code);

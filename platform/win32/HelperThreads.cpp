@@ -5,7 +5,7 @@
 #include <memory>
 #include <utility>
 
-#include "platform/SystemError.h"
+#include "platform/SystemCalls.h"
 
 namespace kiv::platform {
 namespace {
@@ -52,6 +52,7 @@ class Win32HelperThreads : public HelperThreads {
  public:
   void Start(TextView context, std::function<void()> work) const override {
     auto task = std::make_unique<Task>(Task{LibraryReference(context), std::move(work)});
+    Admitted(SystemCall::StartThread).OrThrow(context);
     const HANDLE thread = CreateThread(nullptr, 0, &RunTask, task.get(), 0, nullptr);
     if (thread == nullptr) {
       LastStatus().Throw(context);

@@ -3,7 +3,7 @@
 #include <cstring>
 
 #include "kivtools/Bitmap.h"
-#include "platform/SystemError.h"
+#include "platform/SystemCalls.h"
 
 namespace kiv {
 namespace {
@@ -12,6 +12,12 @@ namespace {
 [[noreturn]] void ThrowLastFailure(TextView operation) {
   const DWORD code = GetLastError();
   throw platform::SystemError(operation, static_cast<std::int32_t>(code != 0 ? code : DWORD{ERROR_INVALID_PARAMETER}));
+}
+
+/// The gate's answer ahead of what makes a drawing object.
+void RequireDrawing(TextView operation) {
+  platform::Admitted(platform::SystemCall::MakeDrawing).OrThrow(operation);
+  SetLastError(0);
 }
 
 /// Rows as a Bitmap has them: from the top down, filled up to whole words.
@@ -28,7 +34,11 @@ BITMAPINFO InfoOf(const Bitmap& bitmap) {
 
 class ScreenContext {
  public:
-  ScreenContext() : context_(GetDC(nullptr)) {}
+  explicit ScreenContext(TextView operation) : context_(GetDC(nullptr)) {
+    if (context_ == nullptr) {
+      ThrowLastFailure(operation);
+    }
+  }
   ~ScreenContext() { ReleaseDC(nullptr, context_); }
   ScreenContext(const ScreenContext&) = delete;
   ScreenContext& operator=(const ScreenContext&) = delete;
@@ -44,7 +54,7 @@ class ScreenContext {
 Handle ToSystemBitmap(const Bitmap& bitmap) {
   const BITMAPINFO info = InfoOf(bitmap);
   void* pixels = nullptr;
-  SetLastError(0);
+  RequireDrawing("ToSystemBitmap");
   const HBITMAP made = CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &pixels, nullptr, 0);
   if (made == nullptr) {
     ThrowLastFailure("ToSystemBitmap");
@@ -63,7 +73,8 @@ Bitmap FromSystemBitmap(Handle handle) {
   }
   Bitmap bitmap(sizes.bmWidth, sizes.bmHeight, sizes.bmBitsPixel == 32 ? PixelFormat::Rgb32 : PixelFormat::Rgb24);
   BITMAPINFO info = InfoOf(bitmap);
-  const ScreenContext screen;
+  RequireDrawing("FromSystemBitmap");
+  const ScreenContext screen("FromSystemBitmap");
   if (GetDIBits(screen.Get(), source, 0, static_cast<UINT>(bitmap.Height()), bitmap.ScanLine(0), &info,
                 DIB_RGB_COLORS) != bitmap.Height()) {
     ThrowLastFailure("FromSystemBitmap");

@@ -8,7 +8,7 @@
 
 namespace kiv {
 
-/// While this object lives, the system call number `failing` (from 0) of the file layer fails with `code`.
+/// While this object lives, the system call number `failing` (from 0) of those that pass the gate fails with `code`.
 class FailingCalls : public platform::SystemCallGate {
  public:
   static constexpr std::size_t kNone = SIZE_MAX;

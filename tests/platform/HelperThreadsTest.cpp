@@ -5,6 +5,8 @@
 #include <memory>
 #include <thread>
 
+#include "Expect.h"
+#include "platform/FailingCalls.h"
 #include "platform/HelperThreads.h"
 #include "platform/Timer.h"
 
@@ -33,6 +35,14 @@ TEST(HelperThreads, RunTheirWorkAndFreeIt) {
   }
   EXPECT_TRUE(Soon([&] { return *seen == 20 && seen.use_count() == 1; }));
   EXPECT_TRUE(elsewhere);
+}
+
+TEST(HelperThreads, GiveTheirWorkBackWhereTheSystemStartsNone) {
+  const auto seen = std::make_shared<int>(0);
+  const FailingCalls fails(0, 12);
+  ExpectError<OsError>([&] { helper_threads.Current().Start("test", [seen] { ++*seen; }); }, "test: " + SystemText(12));
+  EXPECT_EQ(*seen, 0);
+  EXPECT_EQ(seen.use_count(), 1);
 }
 
 TEST(Timer, PassesWhileOneSleeps) {

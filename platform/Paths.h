@@ -16,7 +16,8 @@ std::filesystem::path PathFromText(TextView path);
 Text TextFromPath(const std::filesystem::path& path);
 
 /// Names as the system has them: bytes on POSIX, UTF-16 units on Windows.
-using NativeView = std::basic_string_view<std::filesystem::path::value_type>;
+using NativeString = std::filesystem::path::string_type;
+using NativeView = std::basic_string_view<NativeString::value_type>;
 
 /// A path or a name to be read in a message: as Windows-1250, with "?" for letters that it lacks. On POSIX names are
 /// UTF-8; one that is not is taken for Windows-1250. Example: on both systems U+0163 is shown as the byte 0xFE and

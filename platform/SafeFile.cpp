@@ -1,6 +1,9 @@
 #include "platform/SafeFile.h"
 
 #include <array>
+#include <atomic>
+#include <chrono>
+#include <cinttypes>
 #include <cstdio>
 #include <random>
 
@@ -10,13 +13,25 @@ namespace {
 constexpr std::size_t kLongestName = 255;
 
 /// The name with an ending, cut short where file systems would refuse it as a whole.
-std::filesystem::path WithEnding(const std::filesystem::path& name, std::string_view ending) {
-  auto letters = name.native();
-  if (letters.size() + ending.size() > kLongestName) {
-    letters.resize(kLongestName - ending.size());
-  }
-  letters.append(ending.begin(), ending.end());
-  return letters;
+NativeString WithEnding(NativeView name, std::string_view ending) {
+  NativeString whole(name.substr(0, kLongestName - ending.size()));
+  whole.append(ending.begin(), ending.end());
+  return whole;
+}
+
+/// A number that looks random to others. The clock makes it another one in a process that has been forked off, the
+/// count makes it another one within a tick; asking the system for each would cost as much as copying a small file.
+std::uint64_t UnlikelyNumber() {
+  static const std::uint64_t seed = [] {
+    std::random_device random;
+    return std::uint64_t{random()} << 32U | random();
+  }();
+  static std::atomic<std::uint64_t> count;
+  const auto now = static_cast<std::uint64_t>(std::chrono::steady_clock::now().time_since_epoch().count());
+  std::uint64_t bits = seed + now + count.fetch_add(0x9E3779B97F4A7C15U, std::memory_order_relaxed);
+  bits = (bits ^ bits >> 30U) * 0xBF58476D1CE4E5B9U;
+  bits = (bits ^ bits >> 27U) * 0x94D049BB133111EBU;
+  return bits ^ bits >> 31U;
 }
 
 std::filesystem::path FolderOf(const std::filesystem::path& path) {
@@ -26,11 +41,9 @@ std::filesystem::path FolderOf(const std::filesystem::path& path) {
 
 }  // namespace
 
-std::filesystem::path TemporaryName(const std::filesystem::path& name) {
-  std::random_device random;
+NativeString TemporaryName(NativeView name) {
   std::array<char, 32> ending{};
-  std::snprintf(ending.data(), ending.size(), ".tmp-%08x%08x", static_cast<unsigned>(random()),
-                static_cast<unsigned>(random()));
+  std::snprintf(ending.data(), ending.size(), ".tmp-%016" PRIx64, UnlikelyNumber());
   return WithEnding(name, ending.data());
 }
 
@@ -65,15 +78,9 @@ SystemStatus SafeFile::Create(const Folder& at, const std::filesystem::path& nam
   }
   const bool hasPermissions = replaces_ && old_.kind == EntryKind::File;
   const std::uint32_t permissions = hasPermissions ? old_.attributes & 0777U : 0666U;
-  constexpr int kAttempts = 100;
-  SystemStatus opened;
-  for (int attempt = 0; attempt < kAttempts; ++attempt) {
-    temporary_ = TemporaryName(name_);
-    opened = content_.Open(at, temporary_, OpenMode::CreateNew, permissions);
-    if (!opened.IsExisting()) {
-      break;
-    }
-  }
+  const SystemStatus opened = UnderTemporaryName(name_.native(), temporary_, [&](SystemName temporary) {
+    return content_.Open(at, temporary, OpenMode::CreateNew, permissions);
+  });
   pending_ = !opened.Failed();
   return opened;
 }
@@ -113,11 +120,11 @@ SystemStatus SafeFile::KeepAttributes() {
 
 /// The old file gets a second name, so that the first is never without a file.
 SystemStatus SafeFile::KeepBackup() {
-  const std::filesystem::path second = TemporaryName(name_);
+  const NativeString second = TemporaryName(name_.native());
   if (const SystemStatus linked = MakeHardLink(*at_, name_, *at_, second); linked.Failed()) {
     return linked;
   }
-  const SystemStatus renamed = Rename(*at_, second, *at_, WithEnding(name_, ".bak"), Existing::Replaced);
+  const SystemStatus renamed = Rename(*at_, second, *at_, WithEnding(name_.native(), ".bak"), Existing::Replaced);
   // Where ".bak" is the same file already, renaming leaves the second name behind.
   static_cast<void>(RemoveFile(*at_, second));
   return renamed;

@@ -15,7 +15,22 @@ enum class Backup : std::uint8_t { None, Kept };
 
 /// The name of a file that is to take another's name: that one with ".tmp-" and sixteen random digits at its end, cut
 /// short where file systems would refuse it. Example: "a.kdp" gives "a.kdp.tmp-0123456789abcdef".
-std::filesystem::path TemporaryName(const std::filesystem::path& name);
+NativeString TemporaryName(NativeView name);
+
+/// Makes something, as `make(SystemName)` does and tells, under a temporary name that nothing has.
+template <class Make>
+SystemStatus UnderTemporaryName(NativeView name, NativeString& temporary, Make&& make) {
+  constexpr int kAttempts = 100;
+  SystemStatus made;
+  for (int attempt = 0; attempt < kAttempts; ++attempt) {
+    temporary = TemporaryName(name);
+    made = make(SystemName(temporary));
+    if (!made.IsExisting()) {
+      break;
+    }
+  }
+  return made;
+}
 
 /// A file that is written beside its name and takes it when it is whole. Whatever fails, and wherever the process or
 /// the machine stops, what has the name is the old file or the new one, never a part of either.
@@ -58,7 +73,7 @@ class SafeFile {
   Folder parent_;
   const Folder* at_ = nullptr;
   std::filesystem::path name_;
-  std::filesystem::path temporary_;
+  NativeString temporary_;
   File content_;
   EntryInfo old_;
   bool replaces_ = false;

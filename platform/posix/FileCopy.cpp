@@ -120,34 +120,37 @@ SystemStatus CopyContent(File& from, File& to, std::uint64_t size) {
   return size <= Buffer().size() ? CopyRest(from, to, size) : CopyStretches(from, to, size);
 }
 
-/// A file system that keeps no permissions or times is no reason not to copy.
-void KeepAttributes(File& copy, const EntryInfo& info) noexcept {
+/// What the process masks has not come through when the file was made.
+void KeepPermissions(const File& copy, std::uint32_t permissions, CopyHints& hints) noexcept {
   EntryInfo made;
-  const std::uint32_t permissions = info.attributes & 0777U;
-  // What the process masks has not come through when the file was made.
-  if (!copy.Query(made).Failed() && made.attributes != permissions) {
-    static_cast<void>(
-        MakeCall(SystemCall::SetAttributes, [&] { return fchmod(Descriptor(copy.Handle()), permissions); }));
+  if (hints.allowed == permissions || copy.Query(made).Failed()) {
+    return;
   }
-  static_cast<void>(copy.SetTimes(info.read, info.written));
+  if (made.attributes == permissions) {
+    hints.allowed = permissions;
+    return;
+  }
+  static_cast<void>(
+      MakeCall(SystemCall::SetAttributes, [&] { return fchmod(Descriptor(copy.Handle()), permissions); }));
 }
 
 }  // namespace
 
-SystemStatus CopyNewFile(const Folder& from, SystemName name, const Folder& to, SystemName newName) {
-  File source;
-  EntryInfo info;
-  if (const SystemStatus opened = source.OpenToRead(from, name, info); opened.Failed()) {
-    return opened;
-  }
+SystemStatus CopiedFile::Open(const Folder& from, SystemName name) noexcept {
+  return content_.OpenToRead(from, name, info_);
+}
+
+SystemStatus CopiedFile::CopyTo(const Folder& to, SystemName newName, CopyHints& hints) {
+  const std::uint32_t permissions = info_.attributes & 0777U;
   File copy;
-  const SystemStatus made = copy.Open(to, newName, OpenMode::CreateNew, info.attributes & 0777U);
-  if (made.Failed()) {
+  if (const SystemStatus made = copy.Open(to, newName, OpenMode::CreateNew, permissions); made.Failed()) {
     return made;
   }
-  SystemStatus done = CopyContent(source, copy, info.size);
+  SystemStatus done = CopyContent(content_, copy, info_.size);
   if (!done.Failed()) {
-    KeepAttributes(copy, info);
+    // A file system that keeps no permissions or times is no reason not to copy.
+    KeepPermissions(copy, permissions, hints);
+    static_cast<void>(copy.SetTimes(info_.read, info_.written));
   }
   const SystemStatus closed = copy.Close();
   done = done.Failed() ? done : closed;

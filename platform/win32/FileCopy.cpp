@@ -68,10 +68,16 @@ SystemStatus ReadLink(const Folder& at, SystemName name, LinkContent& content) n
 
 }  // namespace
 
-SystemStatus CopyNewFile(const Folder& from, SystemName name, const Folder& to, SystemName newName) {
+SystemStatus CopiedFile::Open(const Folder& from, SystemName name) noexcept {
+  from_ = &from;
+  name_ = name;
+  return Query(from, name, Links::AsThemselves, info_);
+}
+
+SystemStatus CopiedFile::CopyTo(const Folder& to, SystemName newName, CopyHints& /*hints*/) {
   std::wstring source;
   std::wstring copy;
-  if (const SystemStatus named = WholePath(from, name, source); named.Failed()) {
+  if (const SystemStatus named = WholePath(*from_, name_, source); named.Failed()) {
     return named;
   }
   if (const SystemStatus named = WholePath(to, newName, copy); named.Failed()) {

@@ -40,7 +40,7 @@ class ExtensionSet {
   }
 
  private:
-  std::vector<std::filesystem::path::string_type> extensions_;
+  std::vector<platform::NativeString> extensions_;
   bool takesAll_ = false;
 };
 

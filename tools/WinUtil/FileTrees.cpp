@@ -79,6 +79,7 @@ class TreeCopy {
     const bool hasPlace = destination_.Innermost().IsOpen();
     const SystemStatus made = MakeFolder(destination_.Innermost(), entry.name, permissions);
     const SystemStatus entered = EnterDestination(walk, entry.name);
+    hints_.allowed.reset();
     if (hasPlace && report_.IsWanted()) {
       TellFolder(DestinationOf(PathOf(walk, entry)), made, entered);
     }
@@ -109,6 +110,7 @@ class TreeCopy {
 
   void Leave(const FolderWalk& walk) {
     const SystemStatus left = destination_.Leave();
+    hints_.allowed.reset();
     if (walk.Depth() > 0) {
       report_.Failure(DestinationOf(walk.Path()), left);
     }
@@ -127,7 +129,7 @@ class TreeCopy {
     label_.Repaint();
     SystemStatus copied;
     do {
-      copied = CopyEntry(walk.Innermost(), entry.name, entry.kind, destination_.Innermost(), entry.name);
+      copied = CopyEntry(walk.Innermost(), entry.name, entry.kind, destination_.Innermost(), entry.name, hints_);
     } while (copied.IsOutOfHandles() && GiveBack(walk));
     if (!copied.Failed()) {
       report_.File(shown_, report_.SizeOf(walk.Innermost(), entry));
@@ -168,6 +170,7 @@ class TreeCopy {
   Text destinationName_;
   OpenFolders destination_;
   platform::FileIdentity destinationRoot_;
+  platform::CopyHints hints_;
   bool skipped_ = false;
   Text shown_;
 };

@@ -86,13 +86,20 @@ TEST_F(FileTrees, AreCopiedByExtension) {
 }
 
 TEST_F(FileTrees, AreCopiedOverFormerOnes) {
-  Make("sursa/a", "nou");
-  Make("sursa/mare", std::string(200'000, 'x') + "!");
-  Make("copie/a", "vechi");
+  Tree expected = {{"altul", "ramane"}};
   Make("copie/altul", "ramane");
-  Make("copie/mare", "mic");
+  // About the size from which a new file is written beside its name, with former files between those that have none.
+  for (const std::size_t size : {0U, 3U, 65'535U, 65'536U, 65'537U, 200'000U}) {
+    for (int copy = 0; copy < 4; ++copy) {
+      const std::string name = std::to_string(size) + "-" + std::to_string(copy);
+      expected[name] = std::string(size, static_cast<char>('a' + copy));
+      Make(path("sursa") / name, expected[name]);
+      if (copy % 2 == 1) {
+        Make(path("copie") / name, copy == 1 ? "vechi" : std::string(300'000, 'v'));
+      }
+    }
+  }
   Copy("sursa", "copie", {"*"});
-  const Tree expected = {{"a", "nou"}, {"mare", std::string(200'000, 'x') + "!"}, {"altul", "ramane"}};
   EXPECT_EQ(TreeOf(folder_ / "copie"), expected);
 }
 

@@ -7,6 +7,7 @@
 
 #include "platform/Handle.h"
 #include "platform/Paths.h"
+#include "platform/ZeroInText.h"
 
 /// Files and folders of the system. Nothing here throws: every call gives a SystemStatus, and who wants an error says
 /// `.OrThrow(operation, path)`. Names are the system's own, so that no file is out of reach for its letters; on Windows
@@ -21,7 +22,7 @@ class SystemName {
 
   SystemName(const Letter* name) noexcept : name_(name) {}
   SystemName(const std::basic_string<Letter>& name) noexcept
-      : name_(name.find(Letter{}) == NativeView::npos ? name.c_str() : name.c_str() + name.size()) {}
+      : name_(HasZero(name) ? name.c_str() + name.size() : name.c_str()) {}
   SystemName(const std::filesystem::path& path) noexcept : SystemName(path.native()) {}
 
   [[nodiscard]] const Letter* Get() const noexcept { return name_; }

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "core/Parameters.h"
+#include "platform/ZeroInText.h"
 #include "platform/posix/Call.h"
 
 extern char** environ;
@@ -106,8 +107,7 @@ pid_t ProcessNumber(Handle process) noexcept {
 }  // namespace
 
 SystemStatus StartProcess(TextView program, TextView parameters, TextView folder, Handle& process) {
-  constexpr TextView kZero("\0", 1);
-  if (program.find(kZero) != TextView::npos || parameters.find(kZero) != TextView::npos) {
+  if (HasZero(program) || HasZero(parameters)) {
     return SystemStatus(EINVAL);  // the system would take what is before the zero
   }
   Text file;

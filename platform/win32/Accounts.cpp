@@ -6,7 +6,8 @@
 #include <string>
 
 #include "platform/Handle.h"
-#include "platform/win32/ProcessCreation.h"
+#include "platform/Paths.h"
+#include "platform/ZeroInText.h"
 
 namespace kiv::platform {
 namespace {

@@ -4,7 +4,8 @@
 
 #include <string>
 
-#include "platform/win32/ProcessCreation.h"
+#include "platform/Paths.h"
+#include "platform/ZeroInText.h"
 
 namespace kiv::platform {
 

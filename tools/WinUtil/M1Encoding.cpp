@@ -1,8 +1,8 @@
 #include "kivtools/WinUtil/M1Encoding.h"
 
 #include <array>
-#include <atomic>
-#include <chrono>
+
+#include "platform/Random.h"
 
 namespace kiv {
 namespace {
@@ -20,37 +20,13 @@ constexpr std::array<std::uint8_t, 256> kDigitOfCode = [] {
   return digits;
 }();
 
-/// Well mixed numbers from a seed that no two calls share: the clock, and a count for calls within one tick.
-class RandomNumbers {
- public:
-  RandomNumbers() {
-    static std::atomic<std::uint64_t> calls = 0;
-    const auto now = std::chrono::steady_clock::now().time_since_epoch().count();
-    state_ = Mixed(static_cast<std::uint64_t>(now)) + Mixed(~calls++);
-  }
-
-  /// Uniform from 0 to `count` - 1.
-  std::uint32_t Below(std::uint32_t count) {
-    state_ += 0x9E3779B97F4A7C15U;
-    return static_cast<std::uint32_t>((Mixed(state_) >> 32U) * count >> 32U);
-  }
-
- private:
-  static std::uint64_t Mixed(std::uint64_t bits) {
-    bits = (bits ^ (bits >> 30U)) * 0xBF58476D1CE4E5B9U;
-    bits = (bits ^ (bits >> 27U)) * 0x94D049BB133111EBU;
-    return bits ^ (bits >> 31U);
-  }
-
-  std::uint64_t state_;
-};
-
 }  // namespace
 
 Text EncodeM1String(TextView text) {
   // One random number serves the four digits of a byte.
   constexpr std::uint32_t kChoices = kCodesForADigit * kCodesForADigit * kCodesForADigit * kCodesForADigit;
-  RandomNumbers random;
+  platform::Random& random = platform::random_service.Current();
+  random.Restart();
   Text encoded;
   encoded.reserve(text.size() * kDigits);
   for (const char character : text) {

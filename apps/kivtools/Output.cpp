@@ -13,6 +13,9 @@ namespace {
 constexpr std::size_t kBlock = std::size_t{64} * 1024;
 constexpr std::size_t kMostFigures = 14;  // "12345678 MiB  "
 
+/// A terminal shows "^C" where the cursor is when the user types that. So many columns after the bar stay free.
+constexpr std::size_t kTypedInterrupt = 2;
+
 /// What of the terminal's present line is taken.
 struct PresentLine {
   std::size_t progressColumns = 0;
@@ -23,12 +26,14 @@ PresentLine present_line;
 void EraseProgress() {
   if (const std::size_t columns = std::exchange(present_line.progressColumns, 0); columns > 0) {
     WriteAll(StandardStream::Error, "\r" + std::string(columns, ' ') + "\r");
+    WipeWhenInterrupted(0);
   }
 }
 
 void DrawProgress(const std::string& line) {
   EraseProgress();
   present_line.progressColumns = DisplayWidth(line);
+  WipeWhenInterrupted(present_line.progressColumns + kTypedInterrupt);
   WriteAll(StandardStream::Error, line);
 }
 
@@ -119,8 +124,9 @@ std::string Progress::Figures(std::size_t columns) const {
     return std::to_string(done_ / 1'048'576) + " MiB";
   }
   constexpr std::size_t kMostCells = 30;
-  constexpr std::size_t kBehind = 7;  // " 100 %", and the last column stays free: some terminals go on from it
-  const std::size_t cells = std::min(kMostCells, columns > kBehind ? columns - kBehind : 0);
+  // " 100 %", and the last column stays free: some terminals go on from it
+  constexpr std::size_t kNoCells = 7 + kTypedInterrupt;
+  const std::size_t cells = std::min(kMostCells, columns > kNoCells ? columns - kNoCells : 0);
   const std::uint64_t done = std::min(done_, *total_);
   const auto full = static_cast<std::size_t>(done * cells / *total_);
   const std::string bar = Repeat("█", full) + Repeat("░", cells - full);

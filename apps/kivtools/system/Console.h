@@ -15,17 +15,18 @@ enum class StandardStream : std::uint8_t { Input, Output, Error };
 
 /// Sets the process up: UTF-8 on the terminal; a reader that goes away is an error of the write instead of the end of
 /// the process; a standard stream that the process was started without is an error of its use, not the next file that
-/// is opened. What it changed on the terminal is put back with this object.
+/// is opened. What it changed on the terminal is put back with this object, and where the user ends the program.
 class PreparedConsole {
  public:
   PreparedConsole();
   ~PreparedConsole();
   PreparedConsole(const PreparedConsole&) = delete;
   PreparedConsole& operator=(const PreparedConsole&) = delete;
-
- private:
-  [[maybe_unused]] unsigned formerCodePage_ = 0;  // Windows alone
 };
+
+/// From now on a user who ends the program (Ctrl-C) finds so many columns of the terminal's present line empty and the
+/// cursor at its begin; 0 for a line that stays as it is. Works while there is a PreparedConsole.
+void WipeWhenInterrupted(std::size_t columns) noexcept;
 
 /// The arguments of main() as UTF-8, without the program's name.
 std::vector<std::string> ArgumentsAsUtf8(int count, char** arguments);

@@ -1,10 +1,12 @@
 """What kivtools does where its streams fail, close or are a terminal: streams_test.py PROGRAM LIBRARY"""
+import concurrent.futures
 import fcntl
 import os
 import pty
 import re
 import select
 import shutil
+import signal
 import struct
 import subprocess
 import sys
@@ -87,11 +89,11 @@ def installed(folder):
 class Terminal:
     """A terminal's screen; remembers every state that a line of it had."""
 
-    def __init__(self, columns):
+    def __init__(self, columns, echo=False):
         self.master, self.slave = pty.openpty()
         fcntl.ioctl(self.slave, termios.TIOCSWINSZ, struct.pack("HHHH", 25, columns, 0, 0))
         mode = termios.tcgetattr(self.slave)
-        mode[3] &= ~termios.ECHO
+        mode[3] = mode[3] | termios.ECHO if echo else mode[3] & ~termios.ECHO
         termios.tcsetattr(self.slave, termios.TCSANOW, mode)
         self.lines, self.column, self.states, self.pending = [""], 0, set(), b""
 
@@ -179,17 +181,56 @@ def on_terminals(folder):
     lines = os.path.join(folder, "many")
     with open(lines, "wb") as file:
         file.write(CODE * 300_000)
-    for columns, longest in (80, len("100 %") + 31), (20, 19), (6, 5):
+    for columns, longest in (80, len("100 %") + 31), (20, 17), (6, 5):
         with open(lines, "rb") as file:
             result, bars = on_terminal(["check", "cui"], unread, columns, file)
         expect(f"results on {columns} columns", result, "valid\t12345674\n" * 300_000 + "300000 checked, 0 invalid\n")
         expect(f"the bar on {columns} columns", bool(bars) and all(len(bar) <= longest for bar in bars), True)
 
 
+def interrupted():
+    """Whoever ends the program finds an empty line where the bar was, and the shell is told what ended it."""
+    for number, end in (
+        (signal.SIGINT, lambda terminal, process: os.write(terminal.master, b"\x03")),
+        (signal.SIGTERM, lambda terminal, process: process.terminate()),
+    ):
+        terminal = Terminal(columns=40, echo=True)
+        with subprocess.Popen(
+                [PROGRAM, "invoice", "-"], stdin=subprocess.PIPE, stdout=terminal.slave, stderr=terminal.slave,
+                preexec_fn=lambda: (os.setsid(), fcntl.ioctl(terminal.slave, termios.TIOCSCTTY, 0))) as process:
+            while not BAR.fullmatch(terminal.lines[-1]) and process.poll() is None:
+                process.stdin.write(b"\n")
+                process.stdin.flush()
+                terminal.read(0.3)
+            end(terminal, process)
+            process.wait()
+        terminal.read(0.2)
+        expect(f"signal {number}", (process.returncode, terminal.result(), terminal.column), (-number, "", 0))
+
+
+def refused_folder(folder):
+    """root may list every folder, so the program runs as somebody else, who need not reach where it was built."""
+    reachable = os.path.join(folder, "reachable")
+    closed = os.path.join(reachable, "closed")
+    os.makedirs(closed)
+    os.chmod(folder, 0o755)
+    os.chmod(closed, 0)
+    copies = {name: shutil.copy(name, reachable) for name in (PROGRAM, LIBRARY)}
+    somebody = {"user": 65534, "group": 65534, "extra_groups": []} if os.getuid() == 0 else {}
+    with open("examples/invoice.csv", "rb") as invoice:
+        run = subprocess.run([copies[PROGRAM], "invoice", "-", closed], stdin=invoice, capture_output=True, cwd=reachable,
+                             env={"KIVTOOLS_LIBRARY": copies[LIBRARY]}, **somebody)
+    expect("a folder that may not be listed", (run.returncode, "ȘA 2026-0117".encode() in run.stdout, run.stderr.decode()),
+           (2, True, f"kivtools invoice: {closed}: cannot be listed: Permission denied (error 13)\n"))
+    os.rmdir(closed)
+
+
 with tempfile.TemporaryDirectory() as work:
-    missing_streams(work)
-    installed(work)
+    interrupted()  # before there are threads: what runs between fork and exec may not wait for one
+    refused_folder(work)
     comma_letters()
-    on_terminals(work)
+    with concurrent.futures.ThreadPoolExecutor() as pool:  # much of it is waiting
+        for done in [pool.submit(test, work) for test in (missing_streams, installed, on_terminals)]:
+            done.result()
 print(f"{failures} failures")
 sys.exit(failures != 0)

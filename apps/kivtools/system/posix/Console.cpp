@@ -4,6 +4,9 @@
 #include <sys/ioctl.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <array>
+#include <atomic>
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
@@ -13,6 +16,33 @@
 namespace kivtools {
 namespace {
 
+constexpr std::size_t kMostWiped = 128;
+std::atomic<std::size_t> columns_to_wipe{0};
+static_assert(std::atomic<std::size_t>::is_always_lock_free, "a signal handler reads it");
+
+/// Wipes, and lets the signal do what it does without a handler. Calls nothing that a handler may not call. The system
+/// hands a signal of the terminal to the main thread, the one that draws, so nothing is drawn after the wipe.
+extern "C" void WipeAndEnd(int signal) {
+  if (const std::size_t columns = columns_to_wipe.load(); columns > 0) {
+    std::array<char, kMostWiped + 2> bytes;
+    bytes.fill(' ');
+    const std::size_t last = std::min(columns, kMostWiped) + 1;
+    bytes[0] = bytes[last] = '\r';
+    [[maybe_unused]] const ssize_t unheard = write(STDERR_FILENO, bytes.data(), last + 1);
+  }
+  std::raise(signal);  // takes effect when this function returns
+}
+
+/// What is ignored stays so: a shell starts programs in the background like that.
+void EndCleanlyOn(int signal) noexcept {
+  struct sigaction action {};
+  if (sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_DFL) {
+    action.sa_handler = WipeAndEnd;
+    action.sa_flags = static_cast<int>(SA_RESETHAND);
+    sigaction(signal, &action, nullptr);
+  }
+}
+
 constexpr int Descriptor(StandardStream stream) noexcept {
   return static_cast<int>(stream);
 }
@@ -21,6 +51,8 @@ constexpr int Descriptor(StandardStream stream) noexcept {
 
 PreparedConsole::PreparedConsole() {
   std::signal(SIGPIPE, SIG_IGN);
+  EndCleanlyOn(SIGINT);
+  EndCleanlyOn(SIGTERM);
   for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
     if (fcntl(descriptor, F_GETFD) == -1) {
       // Takes the closed one's number, the lowest that is free; for the wrong direction, so that its use still fails.
@@ -30,6 +62,10 @@ PreparedConsole::PreparedConsole() {
 }
 
 PreparedConsole::~PreparedConsole() = default;
+
+void WipeWhenInterrupted(std::size_t columns) noexcept {
+  columns_to_wipe = columns;
+}
 
 std::vector<std::string> ArgumentsAsUtf8(int count, char** arguments) {
   return count > 1 ? std::vector<std::string>(arguments + 1, arguments + count) : std::vector<std::string>();

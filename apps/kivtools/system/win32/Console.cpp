@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <cstring>
 #include <cwchar>
 
@@ -22,19 +23,45 @@ HANDLE StreamHandle(StandardStream stream) noexcept {
   return GetStdHandle(kNames[static_cast<std::size_t>(stream)]);
 }
 
+std::atomic<UINT> former_code_page{0};
+std::atomic<std::size_t> columns_to_wipe{0};
+
+void PutCodePageBack() noexcept {
+  if (const UINT former = former_code_page.exchange(0); former != 0) {
+    SetConsoleOutputCP(former);
+  }
+}
+
+/// Runs on a thread of its own when the user ends the program, which the system does after it.
+BOOL WINAPI WipeAndEnd(DWORD /*event*/) noexcept {
+  if (const std::size_t columns = columns_to_wipe; columns > 0) {
+    try {
+      WriteAll(StandardStream::Error, "\r" + std::string(columns, ' ') + "\r");
+    } catch (...) {  // NOLINT(bugprone-empty-catch): only the bar stays on the screen
+    }
+  }
+  PutCodePageBack();
+  return FALSE;
+}
+
 }  // namespace
 
-PreparedConsole::PreparedConsole() : formerCodePage_(GetConsoleOutputCP()) {
-  if (formerCodePage_ != 0) {
+PreparedConsole::PreparedConsole() {
+  former_code_page = GetConsoleOutputCP();
+  if (former_code_page != 0) {
     SetConsoleOutputCP(CP_UTF8);
+    SetConsoleCtrlHandler(WipeAndEnd, TRUE);
   }
   SetDllDirectoryW(L"");  // the library is not looked for in the folder that the user happens to be in
 }
 
 PreparedConsole::~PreparedConsole() {
-  if (formerCodePage_ != 0) {
-    SetConsoleOutputCP(formerCodePage_);
-  }
+  SetConsoleCtrlHandler(WipeAndEnd, FALSE);
+  PutCodePageBack();
+}
+
+void WipeWhenInterrupted(std::size_t columns) noexcept {
+  columns_to_wipe = columns;
 }
 
 std::vector<std::string> ArgumentsAsUtf8(int /*count*/, char** /*arguments*/) {

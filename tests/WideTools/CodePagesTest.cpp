@@ -5,7 +5,6 @@
 #include "core/Units.h"
 #include "core/Windows1250BestFit.h"
 #include "kivtools/WideTools.h"
-#include "kivtools/c/CodePages.h"
 #include "platform/CodePages.h"
 
 namespace kiv {
@@ -187,26 +186,6 @@ TEST_F(WideToolsStartUp, AsksForTheFamilyOfTheSystemUntilItIsKnown) {
 
 TEST(CodePages, UpCaseAsCodePageGivesNothing) {
   EXPECT_EQ(UpCaseAsCodePage("lei", 1250), "") << "hosts rely on it";
-}
-
-TEST(CodePages, ThroughTheCInterface) {
-  std::array<std::uint16_t, 8> wide{};
-  wide.fill(0xEEEE);
-  EXPECT_EQ(KivStringToWideString("\xFE\xAA!", KIV_ZERO_ENDED, 1250, wide.data(), 3), 3)
-      << "cut, the whole length told";
-  EXPECT_THAT(wide, testing::ElementsAre(0x0163, 0x015E, 0, 0xEEEE, 0xEEEE, 0xEEEE, 0xEEEE, 0xEEEE));
-  EXPECT_EQ(KivStringToWideString("\xFE", 1, 1250, nullptr, 0), 1);
-  std::array<char, 8> text{};
-  EXPECT_EQ(KivWideStringToString(wide.data(), KIV_ZERO_ENDED, 1250, text.data(), text.size()), 2);
-  EXPECT_STREQ(text.data(), "\xFE\xAA");
-  EXPECT_EQ(KivWideStringToString(wide.data(), 1, 1250, text.data(), text.size()), 1);
-  EXPECT_EQ(KivWideStringToString(nullptr, 0, 1250, text.data(), text.size()), 0);
-  EXPECT_EQ(KivWideStringToString(nullptr, 1, 1250, text.data(), text.size()), -KIV_ERROR_ARGUMENT);
-  EXPECT_EQ(KivStringToWideString("a", 1, 1250, nullptr, 1), -KIV_ERROR_ARGUMENT);
-  EXPECT_EQ(KivUpCaseAsCodePage("a", 1, 1250, text.data(), text.size()), 0);
-  EXPECT_EQ(KivIsWinOsUnicode(), 1);
-  EXPECT_EQ(KivPage1250Ok(), 0) << "not started here";
-  EXPECT_EQ(KivPage1250Replace(), 0);
 }
 
 }  // namespace

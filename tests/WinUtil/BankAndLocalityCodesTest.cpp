@@ -3,9 +3,9 @@
 #include <random>
 #include <tuple>
 
+#include "Expect.h"
 #include "WinUtil/IdentifierRules.h"
 #include "kivtools/WinUtil/BankAndLocalityCodes.h"
-#include "kivtools/c/BankAndLocalityCodes.h"
 
 namespace kiv {
 namespace {
@@ -54,8 +54,6 @@ TEST(Iban, KnownVerdicts) {
     EXPECT_EQ(ValideazaIBAN(text), valid) << text;
     EXPECT_EQ(plain::ValideazaIBAN(text), valid) << text;
     EXPECT_EQ(EsteIBAN(text), iban) << text;
-    EXPECT_EQ(KivValideazaIBAN(text.data(), text.size()), valid ? 1 : 0) << text;
-    EXPECT_EQ(KivEsteIBAN(text.data(), text.size()), iban ? 1 : 0) << text;
   }
 }
 
@@ -99,7 +97,7 @@ TEST(Iban, OnePassAgreesWithThePiecewiseRule) {
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__) || defined(__clang__)
   constexpr int kRounds = 200'000;  // the sanitizers' builds, which are slow
 #else
-  constexpr int kRounds = 2'000'000;
+  constexpr int kRounds = 300'000;
 #endif
   std::mt19937 random(97);
   int accepted = 0;
@@ -131,12 +129,6 @@ TEST(Iban, CleaningHelpers) {
   for (const auto& [text, withoutAnalytic, withoutCodes] : kCases) {
     EXPECT_EQ(ExtrageIBANdinIBANCuAnalitic(text), withoutAnalytic) << text;
     EXPECT_EQ(EliminaCoduriDinIBAN(text), withoutCodes) << text;
-    char buffer[64];
-    EXPECT_EQ(KivExtrageIBANdinIBANCuAnalitic(text.data(), text.size(), buffer, sizeof buffer),
-              static_cast<KivLength>(withoutAnalytic.size()));
-    EXPECT_EQ(buffer, withoutAnalytic);
-    EXPECT_EQ(KivEliminaCoduriDinIBAN(text.data(), text.size(), nullptr, 0),
-              static_cast<KivLength>(withoutCodes.size()));
   }
 }
 
@@ -166,19 +158,13 @@ TEST(Siruta, KnownVerdictsAndRefusals) {
       {"17913x", -2}, {"+17913", -2}, {" 1017", -2}, {"\0"sv, -2}, {"17\xB9"sv, -2}, {"-", -2},      {"x1791", -2},
   };
   for (const auto& [code, answer] : kCases) {
-    EXPECT_EQ(KivValideazaSIRUTA(code.data(), code.size()), answer) << code;
     if (answer < 0) {
       EXPECT_THROW(std::ignore = ValideazaSIRUTA(code), ConversionError) << code;
     } else {
       EXPECT_EQ(ValideazaSIRUTA(code), answer == 1) << code;
     }
   }
-  try {
-    std::ignore = ValideazaSIRUTA("17A132");
-    ADD_FAILURE();
-  } catch (const ConversionError& error) {
-    EXPECT_STREQ(error.what(), "\"A\" nu este un numar intreg");
-  }
+  ExpectError<ConversionError>([] { return ValideazaSIRUTA("17A132"); }, "\"A\" nu este un numar intreg");
 }
 
 }  // namespace

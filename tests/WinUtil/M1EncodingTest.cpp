@@ -5,7 +5,6 @@
 
 #include "Expect.h"
 #include "kivtools/WinUtil/M1Encoding.h"
-#include "kivtools/c/M1Encoding.h"
 #include "platform/Random.h"
 
 namespace kiv {
@@ -89,15 +88,6 @@ TEST(M1Encoding, DecodesAnyCharacters) {
   for (const TextView encoded : {"0", "00", "000", "00000"}) {
     ExpectError<Error>([encoded] { return DecodeM1String(encoded); }, "Fatal error 0x1A05007A");
   }
-}
-
-TEST(M1Encoding, ThroughTheCInterface) {
-  std::array<char, 16> encoded{};
-  std::array<char, 16> text{};
-  EXPECT_EQ(KivEncodeM1String("lei", 3, encoded.data(), encoded.size()), 12);
-  EXPECT_EQ(KivDecodeM1String(encoded.data(), 12, text.data(), text.size()), 3);
-  EXPECT_STREQ(text.data(), "lei");
-  EXPECT_EQ(KivDecodeM1String(encoded.data(), 11, text.data(), text.size()), -KIV_ERROR_GENERAL);
 }
 
 }  // namespace

@@ -7,7 +7,6 @@
 #include "FixedClock.h"
 #include "WinUtil/IdentifierRules.h"
 #include "kivtools/WinUtil/PersonalNumericCode.h"
-#include "kivtools/c/PersonalNumericCode.h"
 #include "tools/WinUtil/CnpCounters.h"
 
 namespace kiv {
@@ -46,16 +45,9 @@ TEST(PersonalNumericCode, VerdictsAndBirthDates) {
   for (const auto& [code, birthDate, shortDate, age] : kCases) {
     const bool valid = birthDate != "CNP incorect";
     EXPECT_EQ(TestCNP(code), valid) << code;
-    EXPECT_EQ(KivTestCNP(code.data(), code.size()), valid ? 1 : 0) << code;
     EXPECT_EQ(DataNasteriiDinCNP(code), birthDate);
     EXPECT_EQ(DataNasteriiDinCNP_scurt(code), shortDate);
     EXPECT_EQ(VarstaDinCNP(code), age) << code;
-    char buffer[32];
-    EXPECT_EQ(KivDataNasteriiDinCNP(code.data(), code.size(), buffer, sizeof buffer), KivLength(birthDate.size()));
-    EXPECT_EQ(buffer, birthDate);
-    EXPECT_EQ(KivDataNasteriiDinCNP_scurt(code.data(), code.size(), buffer, sizeof buffer),
-              KivLength(shortDate.size()));
-    EXPECT_EQ(buffer, shortDate);
   }
   EXPECT_EQ(DataNasteriiDinCNP(WithControl("510060112345")), "1 Iunie 2010") << "checked as a day of 1910";
 }
@@ -124,18 +116,10 @@ TEST(PersonalNumericCode, BirthYearIsReadWithoutAnyCheck) {
   };
   for (const auto& [code, year] : kCases) {
     EXPECT_EQ(AnulNasteriiDinCnp(code), year) << code;
-    std::int32_t stored = 0;
-    EXPECT_EQ(KivAnulNasteriiDinCnp(code.data(), code.size(), &stored), KIV_OK);
-    EXPECT_EQ(stored, year) << code;
   }
   ExpectError<Error>([] { return AnulNasteriiDinCnp("12"); },
                      "Codul numeric personal este eronat (are mai putin de 13 cifre) si nu pot extrage anul nasterii!");
   ExpectError<ConversionError>([] { return AnulNasteriiDinCnp("18x"); }, "\"8x\" nu este un numar intreg");
-  std::int32_t untouched = 7;
-  EXPECT_EQ(KivAnulNasteriiDinCnp("1x0", KIV_ZERO_ENDED, &untouched), -KIV_ERROR_CONVERSION);
-  EXPECT_EQ(KivAnulNasteriiDinCnp("12", KIV_ZERO_ENDED, &untouched), -KIV_ERROR_GENERAL);
-  EXPECT_EQ(KivAnulNasteriiDinCnp("180", KIV_ZERO_ENDED, nullptr), -KIV_ERROR_ARGUMENT);
-  EXPECT_EQ(untouched, 7);
 }
 
 TEST(PersonalNumericCode, AgeCountsCalendarYearsOnly) {
@@ -147,9 +131,7 @@ TEST(PersonalNumericCode, AgeCountsCalendarYearsOnly) {
   clock.Set(DateTime::Encode(2002, 6, 1));
   EXPECT_EQ(VarstaDinCNP(born), 0) << "not yet born";
   clock.Set(DateTime::Encode(2024, 6, 1));
-  std::int32_t age = -1;
-  EXPECT_EQ(KivVarstaDinCNP(born.data(), born.size(), &age), KIV_OK);
-  EXPECT_EQ(age, 21);
+  EXPECT_EQ(VarstaDinCNP(born), 21);
 }
 
 }  // namespace

@@ -4,7 +4,6 @@
 
 #include "Expect.h"
 #include "kivtools/WinUtil/Transliteration.h"
-#include "kivtools/c/Transliteration.h"
 
 namespace kiv {
 namespace {
@@ -87,26 +86,6 @@ TEST(Transliteration, FillsMasks) {
       },
       "MaskReplace: numele \"Odd\" nu are valoare");
   ExpectError<Error>([] { return MaskReplace("%%", {""}); }, "MaskReplace: numele \"\" nu are valoare");
-}
-
-TEST(Transliteration, ThroughTheCInterface) {
-  std::array<char, 32> text{};
-  const auto mask = [&text](const char* const* pairs, const std::size_t* lengths, std::size_t count) {
-    const KivLength length = KivMaskReplace("%A%!", 4, pairs, lengths, count, text.data(), text.size());
-    return length < 0 ? std::to_string(length) : Text(text.data(), static_cast<std::size_t>(length));
-  };
-  const std::array<const char*, 3> pairs = {"a\0b", "x\0y", "a"};
-  const std::array<std::size_t, 3> lengths = {1, 3, 0};
-  EXPECT_EQ(mask(pairs.data(), nullptr, 2), "x!");
-  EXPECT_EQ(mask(pairs.data(), lengths.data(), 2), TextView("x\0y!", 4));
-  EXPECT_EQ(mask(pairs.data(), nullptr, 3), "-1") << "a name without a value";
-  EXPECT_EQ(mask(nullptr, nullptr, 0), "%A%!");
-  EXPECT_EQ(mask(nullptr, nullptr, 1), "-9") << "KIV_ERROR_ARGUMENT";
-  EXPECT_EQ(KivRoText("@s", KIV_ZERO_ENDED, text.data(), text.size()), 1);
-  EXPECT_EQ(KivRoToEn("\xBA?", 2, text.data(), text.size()), 2);
-  EXPECT_STREQ(text.data(), "st");
-  EXPECT_EQ(KivCharReplace("aba", 3, 'a', 'c', text.data(), text.size()), 3);
-  EXPECT_STREQ(text.data(), "cbc");
 }
 
 }  // namespace

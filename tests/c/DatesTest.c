@@ -32,6 +32,8 @@ static void TestDurations(void) {
   EXPECT(KivCalcDurataTotalaText(1, 1.0625, 100, 25, buffer, sizeof buffer, &totalLength, rest, sizeof rest,
                                  &restLength) == KIV_OK);
   EXPECT(totalLength == (KivLength)strlen(buffer) && totalLength >= 7 && restLength >= 7 && strlen(rest) == 2);
+  EXPECT(KivCalcDurataTotalaText(0, 1, 1, 1, NULL, 0, NULL, NULL, 0, NULL) == KIV_OK);
+  EXPECT(KivCalcDurataTotalaText(0, 1, 1, 1, NULL, 5, NULL, NULL, 0, NULL) == -KIV_ERROR_ARGUMENT);
 }
 
 void DatesTest(void) {

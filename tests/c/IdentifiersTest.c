@@ -5,6 +5,7 @@ void IdentifiersTest(void) {
   int32_t number = 0;
   EXPECT(KivTestCNP(code, 13) == 1 && KivTestCNP("1800101221145", 13) == 0);
   EXPECT(KivAnulNasteriiDinCnp(code, 13, &number) == KIV_OK && number == 1980);
+  EXPECT(KivAnulNasteriiDinCnp("1x0", 3, &number) == -KIV_ERROR_CONVERSION && number == 1980);
   EXPECT(KivVarstaDinCNP(code, 13, &number) == KIV_OK && number >= 44 && number < 200);
   EXPECT(KivVarstaDinCNP("1", 1, &number) == KIV_OK && number == 0);
   GIVES("1 Ianuarie 1980", KivDataNasteriiDinCNP, code, 13);

@@ -38,6 +38,7 @@ void TextTest(void) {
   GIVES("Rom\xE2nia", KivRoText, "Rom@hnia", KIV_ZERO_ENDED);
   GIVES("1.50", KivCharReplace, "1,50", 4, ',', '.');
   GIVES("12,50 lei", KivMaskReplace, "%Suma% lei", KIV_ZERO_ENDED, pairs, NULL, 2);
+  EXPECT(KivMaskReplace("%Suma%", 6, pairs, NULL, 1, buffer, sizeof buffer) == -KIV_ERROR_GENERAL);
   GIVES("12 lei", KivMaskReplace, "%Suma% lei", KIV_ZERO_ENDED, pairs, lengths, 2);
   EXPECT(KivStringToWideString("\xFE"
                                "a",
@@ -52,6 +53,7 @@ void TextTest(void) {
       "a",
       KivWideStringToString, letters, KIV_ZERO_ENDED, 1250);
   GIVES("", KivUpCaseAsCodePage, "a", 1, 1250);
+  EXPECT(KivStringToWideString("\xFE\xAA!", 3, 1250, wide, 2) == 3 && wide[0] == 0x163 && wide[1] == 0);
   EXPECT(KivIsWinOsUnicode() == 1 && KivPage1250Ok() == 1 && KivPage1250Replace() == 1250);
   GIVES("\x05", KivDecodeM1String, "0100", 4);
   EXPECT(KivEncodeM1String("abc", 3, encoded, sizeof encoded) == 12);

@@ -2,6 +2,7 @@
 
 #include <tuple>
 
+#include "Expect.h"
 #include "kivtools/Package.h"
 #include "kivtools/TrackedInstance.h"
 #include "kivtools/UDepanarePointer.h"
@@ -63,7 +64,7 @@ TEST_F(LifetimeTracker, NamesEachMistake) {
     EXPECT_EQ(FreeComplaint(p), "Dai FreeInstance de 2 ori! Apelul anterior a venit de la adresa 8");
     EXPECT_EQ(BustComplaint(p), "Obiectul a fost distrus! Apelul anterior a venit de la adresa 8");
   }
-  EXPECT_THROW(RecordCaller(At(12), "x"), Error);
+  ExpectError<Error>([] { RecordCaller(At(12), "x"); }, "RecordCaller: obiectul de la adresa 12 nu exista");
   EXPECT_EQ(BustComplaint(At(0x80000000U)), "Obiectul pe care-l verifici NU A EXISTAT NICIODATA!!!! (-2147483648)");
 }
 
@@ -81,7 +82,8 @@ TEST_F(LifetimeTracker, KnowsObjectsOfTheFramework) {
   } form;
   EXPECT_TRUE(DoNewInstance(&form));
   EXPECT_TRUE(IsValid(&form));
-  EXPECT_THROW(DoNewInstance(static_cast<const host::Object*>(nullptr)), Error);
+  ExpectError<Error>([] { DoNewInstance(static_cast<const host::Object*>(nullptr)); },
+                     "DoNewInstance: obiectul este nul");
 }
 
 TEST_F(LifetimeTracker, LocksAreARecordOnly) {

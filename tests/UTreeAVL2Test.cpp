@@ -10,6 +10,7 @@
 #include <numeric>
 #include <random>
 
+#include "Expect.h"
 #include "kivtools/UTreeAVL2.h"
 #include "tools/AvlAllocation.h"
 
@@ -236,10 +237,11 @@ TEST(AvlIndex, WantOfMemoryLeavesTheIndexAsItWas) {
 
 TEST(AvlIndex, RefusesImpossibleArguments) {
   for (const std::int32_t size : {-1, INT_MIN, INT_MAX, INT_MAX - 12}) {
-    EXPECT_THROW(TKivAVLIndex(size, false), Error) << size;
+    ExpectError<Error>([size] { TKivAVLIndex(size, false); },
+                       "TKivAVLIndex: PayloadSize " + std::to_string(size) + " nu este permis");
   }
   TKivAVLIndex index(0, false);
-  EXPECT_THROW(index.ForEachInOrder({}), Error);
+  ExpectError<Error>([&] { index.ForEachInOrder({}); }, "TKivAVLIndex.ForEachInOrder: lipseste Callback");
   EXPECT_FALSE(index.Root());
   EXPECT_EQ(index.Height(), 0);
   EXPECT_THAT(Walk(index, &TKivAVLIndex::ForEachPreOrder), ElementsAre());

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <array>
 #include <random>
 #include <tuple>
 
@@ -50,6 +51,13 @@ TEST(PersonalNumericCode, VerdictsAndBirthDates) {
     EXPECT_EQ(VarstaDinCNP(code), age) << code;
   }
   EXPECT_EQ(DataNasteriiDinCNP(WithControl("510060112345")), "1 Iunie 2010") << "checked as a day of 1910";
+  constexpr std::array<TextView, 12> kMonths = {"Ianuarie",   "Februarie", "Martie",    "Aprilie",
+                                                "Mai",        "Iunie",     "Iulie",     "August",
+                                                "Septembrie", "Octombrie", "Noiembrie", "Decembrie"};
+  for (std::size_t month = 1; month <= kMonths.size(); ++month) {
+    const Text twelve = Text(month < 10 ? "1800" : "180") + std::to_string(month) + "0122114";
+    EXPECT_EQ(DataNasteriiDinCNP(WithControl(twelve)), "1 " + Text(kMonths.at(month - 1)) + " 1980");
+  }
 }
 
 TEST(PersonalNumericCode, EveryDateUnderEveryFirstDigit) {

@@ -106,6 +106,11 @@ static void TestFiles(void) {
   EXPECT(remove(path) == 0);
   bitmap = (KivBitmap*)picture;
   EXPECT(KivOpenBitmap(path, KIV_ZERO_ENDED, &bitmap) == -KIV_ERROR_SYSTEM && bitmap == (KivBitmap*)picture);
+  KivLastErrorMessage(buffer, sizeof buffer);
+  EXPECT(strncmp(buffer, "KivOpenBitmap: ", 15) == 0);
+  EXPECT(KivSaveBitmap(picture, kStride, kWidth, kHeight, "no/such/folder/a.bmp", KIV_ZERO_ENDED) == -KIV_ERROR_SYSTEM);
+  KivLastErrorMessage(buffer, sizeof buffer);
+  EXPECT(strncmp(buffer, "KivSaveBitmap: ", 15) == 0);
 }
 
 void ColoursTest(void) {

@@ -29,7 +29,11 @@ void DatasetTest(void) {
   EXPECT(KivDatasetNew("linii", KIV_ZERO_ENDED, schema, &lines) == KIV_OK);
   EXPECT(KivDatasetField(lines, "SUMA", 4) == 2 && KivDatasetField(lines, "x", 1) == -KIV_ERROR_GENERAL);
 
+  EXPECT(KivSchemaAddField(schema, "x", 1, -1, 0, 0) == -KIV_ERROR_ARGUMENT);
+  EXPECT(KivSchemaAddField(schema, "x", 1, KIV_FIELD_TEXT, 0, 32) == -KIV_ERROR_ARGUMENT);
+  EXPECT(LastMessageIs("KivSchemaAddField: flags: valoare necunoscuta"));
   EXPECT(KivDatasetInsert(lines) == KIV_OK && KivDatasetInsert(lines) == -KIV_ERROR_ARGUMENT);
+  EXPECT(LastMessageIs("KivDatasetInsert: dataset: alt rand este deschis"));
   EXPECT(KivDatasetSetInt64(lines, KIV_NO_ROW, 0, 17) == KIV_OK);
   EXPECT(KivDatasetPost(lines, &row) == -KIV_ERROR_GENERAL && row == 7);
   EXPECT(LastMessageIs("Dataset \"linii\": campul \"nume\" trebuie completat"));
@@ -44,11 +48,13 @@ void DatasetTest(void) {
   EXPECT(KivDatasetRowCount(lines) == 0);
   EXPECT(KivDatasetPost(lines, &row) == KIV_OK && row == 0 && KivDatasetRowCount(lines) == 1);
   EXPECT(KivDatasetPost(lines, &row) == -KIV_ERROR_ARGUMENT);
+  EXPECT(LastMessageIs("KivDatasetPost: dataset: niciun rand nu este deschis"));
 
   EXPECT(KivDatasetGetInt64(lines, 0, 0, &big) == 1 && big == 17);
   GIVES("Alfa", KivDatasetGetText, lines, 0, 1);
   EXPECT(KivDatasetGetCurrency(lines, 0, 2, &big) == 1 && big == 50000);
   EXPECT(KivDatasetGetCurrency(lines, 0, 3, &big) == -KIV_ERROR_CAST && big == 50000);
+  EXPECT(LastMessageIs("field: valoarea este de alt fel"));
   EXPECT(KivDatasetGetDouble(lines, 0, 3, &real) == 1 && real == 1.5);
   EXPECT(KivDatasetGetDateTime(lines, 0, 4, &real) == 1 && real == 45000);
   EXPECT(KivDatasetGetWideText(lines, 0, 5, units, 8) == 2 && units[1] == 0x21B && units[2] == 0);
@@ -66,11 +72,13 @@ void DatasetTest(void) {
   EXPECT(KivDatasetAcceptChanges(lines) == KIV_OK && KivDatasetChangeCount(lines) == 0);
   EXPECT(KivDatasetSetMark(lines, &mark) == KIV_OK);
   EXPECT(KivDatasetSetNull(lines, 0, 2) == KIV_OK && KivDatasetSetNull(lines, 1, 2) == -KIV_ERROR_ARGUMENT);
+  EXPECT(LastMessageIs("KivDatasetSetNull: row: alt rand este deschis"));
   EXPECT(KivDatasetCancel(lines) == KIV_OK && KivDatasetGetCurrency(lines, 0, 2, &big) == 1);
   EXPECT(KivDatasetSetNull(lines, 0, 2) == KIV_OK && KivDatasetPost(lines, NULL) == KIV_OK);
   EXPECT(KivDatasetGetCurrency(lines, 0, 2, &big) == 0);
   EXPECT(KivDatasetMakeDelta(lines, &delta) == KIV_OK && KivDeltaCount(delta) == 1);
   EXPECT(KivDatasetRollbackTo(lines, mark) == KIV_OK && KivDatasetRollbackTo(lines, 5) == -KIV_ERROR_ARGUMENT);
+  EXPECT(LastMessageIs("KivDatasetRollbackTo: mark: valoare necunoscuta"));
   EXPECT(KivDatasetUndoLast(lines) == 0);
   EXPECT(KivDatasetDelete(lines, 0) == KIV_OK && KivDatasetRowCount(lines) == 0);
   EXPECT(KivDatasetRevertRow(lines, 0) == KIV_OK && KivDatasetRowCount(lines) == 1);
@@ -90,6 +98,8 @@ void DatasetTest(void) {
   EXPECT(KivDeltaGetBoolean(delta, 0, 6, 0, &number) == 1 && number == 1);
   EXPECT(KivDeltaGetGuid(delta, 0, 7, 1, &id) == 1 && KivGuidEgal(&id, &guid) == 1);
   GIVES("Alfa", KivDeltaGetText, delta, 0, 1, 1);
+  EXPECT(KivDeltaGetText(delta, 0, 0, 1, buffer, sizeof buffer) == -KIV_ERROR_CAST);
+  EXPECT(LastMessageIs("field: valoarea este de alt fel"));
   KivDeltaFree(delta);
   KivDeltaFree(NULL);
   KivDatasetFree(NULL);

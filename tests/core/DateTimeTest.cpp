@@ -3,8 +3,10 @@
 #include <cmath>
 #include <limits>
 #include <random>
+#include <sstream>
 #include <tuple>
 
+#include "Expect.h"
 #include "kivtools/DateTime.h"
 #include "kivtools/Errors.h"
 
@@ -55,13 +57,19 @@ TEST(DateTime, EveryDayAndRandomTimesRoundTrip) {
 }
 
 TEST(DateTime, RefusesWhatTheCalendarLacks) {
-  EXPECT_THROW(std::ignore = DateTime::Encode(2023, 2, 29), DateEncodingError);
-  EXPECT_THROW(std::ignore = DateTime::Encode(0, 1, 1), DateEncodingError);
-  EXPECT_THROW(std::ignore = DateTime::Encode(10000, 1, 1), DateEncodingError);
-  EXPECT_THROW(std::ignore = DateTime::Encode(2024, 258, 1), DateEncodingError);  // would wrap to February in a byte
-  EXPECT_THROW(std::ignore = DateTime::Encode(2024, 1, 257), DateEncodingError);
-  EXPECT_THROW(std::ignore = DateTime::Encode(2024, 1, 1, 24), DateEncodingError);
-  EXPECT_THROW(std::ignore = DateTime::Encode(2024, 1, 1, 0, 0, -1), DateEncodingError);
+  const struct {
+    int year, month, day, hour, second;
+  } kCases[] = {{2023, 2, 29, 0, 0},  {0, 1, 1, 0, 0},     {10000, 1, 1, 0, 0}, {2024, 258, 1, 0, 0},
+                {2024, 1, 257, 0, 0}, {2024, 1, 1, 24, 0}, {2024, 1, 1, 0, -1}};  // 258 would be February in a byte
+  for (const auto& [year, month, day, hour, second] : kCases) {
+    std::ostringstream message;
+    message << "DateTime::Encode: data " << day << '.' << month << '.' << year << ", ora " << hour << ":5:" << second
+            << ".7 nu exista in calendar";
+    const auto date = std::tuple(year, month, day, hour, 5, second, 7);
+    ExpectError<DateEncodingError>([&] { std::ignore = std::apply(DateTime::Encode, date); }, message.str());
+  }
+  ExpectError<DateEncodingError>([] { std::ignore = DateTime(-693594).Decode(); },
+                                 "DateTime: ziua -693594 nu este in anii 1..9999");
   for (const double days : {-693594.0, 2958466.0, 2958465 + (1 - 1e-10), 1e300, -1e300,
                             std::numeric_limits<double>::infinity(), std::numeric_limits<double>::quiet_NaN()}) {
     EXPECT_THROW(std::ignore = DateTime(days).Decode(), DateEncodingError) << days;

@@ -58,7 +58,10 @@ TEST(HeadlessDialogs, TakeOnlyAnswersThatTheDialogHas) {
       }
       const bool has =
           kHas.at(static_cast<std::size_t>(buttons)).find(static_cast<char>('0' + answer)) != std::string_view::npos;
-      EXPECT_EQ(refused.empty(), has) << buttons << ' ' << answer;
+      static constexpr std::array<const char*, 4> kNames = {"OK", "OK/Cancel", "Yes/No", "Retry/Cancel"};
+      const Text message = "Dialogul nu are butonul raspunsului: avertizare \"x\" (" +
+                           Text(kNames.at(static_cast<std::size_t>(buttons))) + ")";
+      EXPECT_EQ(refused, has ? "" : message) << buttons << ' ' << answer;
       EXPECT_EQ(dialogs.Outstanding(), has ? 1U : 0U);
     }
   }

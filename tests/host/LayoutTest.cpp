@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "Expect.h"
 #include "kivtools/Host/HeadlessControls.h"
 
 namespace kiv::host {
@@ -174,7 +175,7 @@ TEST(Layout, ScalesWithEverythingInside) {
   panel.ScaleBy(1, 2);
   EXPECT_EQ(panel.Bounds(), Rect::At(7, 13, 68, 32));
   EXPECT_EQ(form.Bounds(), Rect::At(100, 50, 500, 250));
-  EXPECT_THROW(panel.ScaleBy(1, 0), DivisionByZero);
+  ExpectError<DivisionByZero>([&] { panel.ScaleBy(1, 0); }, "ScaleBy: impartire la zero");
   EXPECT_EQ(panel.Bounds(), Rect::At(7, 13, 68, 32));
   Control far(nullptr, "far");
   far.SetBounds({-7, -5, 0x40000000, 1});

@@ -14,6 +14,28 @@ TEST(Layout, CountsColumnsNotBytes) {
   for (const auto& [text, width] : kCases) {
     EXPECT_EQ(DisplayWidth(text), width) << text;
   }
+  const struct {
+    const char *before, *first, *last, *after;
+    std::size_t width;
+  } kRanges[] = {{"\u02FF", "\u0300", "\u036F", "\u0370", 0},
+                 {"\u200A", "\u200B", "\u200D", "\u200E", 0},
+                 {"\u20CF", "\u20D0", "\u20FF", "\u2100", 0},
+                 {"\uFDFF", "\uFE00", "\uFE0F", "\uFE10", 0},
+                 {"\uFE1F", "\uFE20", "\uFE2F", "", 0},
+                 {"\u10FF", "\u1100", "\u115F", "\u1160", 2},
+                 {"\u2E7F", "\u2E80", "\u303E", "\u303F", 2},
+                 {"\u3040", "\u3041", "\uA4CF", "\uA4D0", 2},
+                 {"\uABFF", "\uAC00", "\uD7A3", "\uD7A4", 2},
+                 {"\uF8FF", "\uF900", "\uFAFF", "\uFB00", 2},
+                 {"", "\uFE30", "\uFE6F", "\uFE70", 2},
+                 {"\uFEFF", "\uFF00", "\uFF60", "\uFF61", 2},
+                 {"\U0001F2FF", "\U0001F300", "\U0001FAFF", "\U0001FB00", 2}};
+  for (const auto& [before, first, last, after, width] : kRanges) {
+    EXPECT_EQ(DisplayWidth(first), width) << first;
+    EXPECT_EQ(DisplayWidth(last), width) << last;
+    EXPECT_EQ(DisplayWidth(std::string(before) + after), (*before != '\0' ? 1U : 0U) + (*after != '\0' ? 1U : 0U))
+        << first;
+  }
   EXPECT_EQ(PadEnd("ȘA", 4) + "|" + PadStart("ȘA", 4) + PadStart("ȘASE", 2), "ȘA  |  ȘAȘASE");
 }
 

@@ -88,7 +88,15 @@ TEST(FileAmount, TakesBothNotationsAndRefusesWhatCouldBeEither) {
     EXPECT_THROW(ReadFileAmount(bad), InputError) << bad;
   }
   EXPECT_EQ(ReadFileAmount("5,25", 2), 52500);
-  EXPECT_THROW(ReadFileAmount("5,250", 2), InputError);
+  const auto complaint = [](const char* text) -> std::string {
+    try {
+      return std::to_string(ReadFileAmount(text, 2));
+    } catch (const InputError& error) {
+      return error.what();
+    }
+  };
+  EXPECT_EQ(complaint("5,250"), "has more than 2 decimals");
+  EXPECT_EQ(complaint("922.337.203.685.477,59"), "is too large for an amount");
 }
 
 }  // namespace

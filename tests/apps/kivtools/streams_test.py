@@ -1,6 +1,7 @@
 """What kivtools does where its streams fail, close or are a terminal: streams_test.py PROGRAM LIBRARY"""
 import concurrent.futures
 import fcntl
+import json
 import os
 import pty
 import re
@@ -140,6 +141,15 @@ def on_terminal(arguments, feed, columns=80, stdin=subprocess.PIPE):
     return terminal.result(), bars
 
 
+def json_of_any_name(folder):
+    """What is no letter of JSON is escaped, what is no letter at all is replaced."""
+    name = os.fsencode(folder) + b"/\x01\x1f\x7f\"\\\xc8\x99\xff.dll"
+    with open(name, "wb"):
+        pass
+    shown = json.loads(subprocess.run([PROGRAM, "version", "--json", name], capture_output=True).stdout)
+    expect("names in JSON", shown[0]["file"], name.decode(errors="replace"))
+
+
 def slowly(pieces):
     def feed(terminal, process):
         for piece in pieces:
@@ -177,6 +187,9 @@ def on_terminals(folder):
 
     result, bars = on_terminal(["check", "cui"], typed([CODE, b"x\n"]), stdin="terminal")
     expect("typed", (result, bars), ("valid\t12345674\ninvalid\tx\n2 checked, 1 invalid\n", set()))
+
+    result, bars = on_terminal(["check", "cui"], lambda terminal, process: process.communicate(CODE))
+    expect("quick work", (result, bars), ("valid\t12345674\n1 checked, 0 invalid\n", set()))
 
     lines = os.path.join(folder, "many")
     with open(lines, "wb") as file:
@@ -229,6 +242,7 @@ with tempfile.TemporaryDirectory() as work:
     interrupted()  # before there are threads: what runs between fork and exec may not wait for one
     refused_folder(work)
     comma_letters()
+    json_of_any_name(work)
     with concurrent.futures.ThreadPoolExecutor() as pool:  # much of it is waiting
         for done in [pool.submit(test, work) for test in (missing_streams, installed, on_terminals)]:
             done.result()

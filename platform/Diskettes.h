@@ -20,6 +20,10 @@ class Diskettes {
   /// Where a path really leads to: on POSIX "A:\x" lies in the folder that stands for the drive, everything else is
   /// what it is.
   [[nodiscard]] virtual Text PathOf(TextView path) const;
+
+  /// Opens the system's dialog that formats a diskette, 0 for drive A:, and returns what it gives when it is closed.
+  /// Throws OsError (not supported), with the operation, on POSIX.
+  [[nodiscard]] virtual std::int32_t ShowFormatDialog(TextView operation, Handle owner, std::uint32_t drive) const;
 };
 
 extern constinit Service<const Diskettes> diskettes_service;

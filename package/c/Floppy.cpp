@@ -86,4 +86,18 @@ KivStatus KivSetOnProcFaZipPentruDischeta(KivPackForFloppy pack, void* data) {
   });
 }
 
+KivStatus KivFullFormatDriveA(uintptr_t owner, int32_t* result) {
+  return Run([=] {
+    int32_t& given = KIV_REQUIRED(result);
+    given = kiv::FullFormatDriveA(owner);
+  });
+}
+
+KivStatus KivFullFormatDriveB(uintptr_t owner, int32_t* result) {
+  return Run([=] {
+    int32_t& given = KIV_REQUIRED(result);
+    given = kiv::FullFormatDriveB(owner);
+  });
+}
+
 }  // extern "C"

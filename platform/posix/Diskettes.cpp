@@ -1,6 +1,7 @@
 #include "platform/Diskettes.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <mutex>
 
 #include "platform/Files.h"
@@ -65,6 +66,10 @@ Text Diskettes::PathOf(TextView path) const {
   Text inFolder = folder + "/" + Text(path.substr(3));
   std::replace(inFolder.begin() + static_cast<std::ptrdiff_t>(folder.size()), inFolder.end(), '\\', '/');
   return inFolder;
+}
+
+std::int32_t Diskettes::ShowFormatDialog(TextView operation, Handle /*owner*/, std::uint32_t /*drive*/) const {
+  throw SystemError(operation, ENOTSUP);
 }
 
 void SetDisketteFolder(TextView /*operation*/, TextView folder) {

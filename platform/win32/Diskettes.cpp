@@ -1,6 +1,10 @@
 #include "platform/Diskettes.h"
 
+// shlobj.h needs what windows.h defines.
+// clang-format off
 #include <windows.h>
+#include <shlobj.h>
+// clang-format on
 
 #include <array>
 
@@ -37,6 +41,11 @@ std::int32_t Diskettes::VolumeError() const noexcept {
 
 Text Diskettes::PathOf(TextView path) const {
   return Text(path);
+}
+
+std::int32_t Diskettes::ShowFormatDialog(TextView /*operation*/, Handle owner, std::uint32_t drive) const {
+  auto* const window = reinterpret_cast<HWND>(owner);  // NOLINT(performance-no-int-to-ptr): a handle is a number
+  return static_cast<std::int32_t>(SHFormatDrive(window, drive, SHFMT_ID_DEFAULT, SHFMT_OPT_FULL));
 }
 
 void SetDisketteFolder(TextView operation, TextView folder) {

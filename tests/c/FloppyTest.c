@@ -72,10 +72,13 @@ static void Copying(void) {
     EXPECT(KivCopiazaPeDischeta(small, KIV_ZERO_ENDED, "A:\\copieX", 8) == KIV_OK);
     EXPECT(KivComparaFisiere(small, KIV_ZERO_ENDED, copy, KIV_ZERO_ENDED) == 1);
     EXPECT(KivSetFloppyRoot(NULL, 0) == KIV_OK);
+    EXPECT(KivFullFormatDriveA(0, &answer) == -KIV_ERROR_SYSTEM &&
+           KivFullFormatDriveB(0, &answer) == -KIV_ERROR_SYSTEM);
   } else {
     EXPECT(KivLastError() == KIV_ERROR_SYSTEM);
   }
   EXPECT(KivSetFloppyRoot(NULL, 1) == -KIV_ERROR_ARGUMENT);
+  EXPECT(KivFullFormatDriveA(0, NULL) == -KIV_ERROR_ARGUMENT && KivFullFormatDriveB(0, NULL) == -KIV_ERROR_ARGUMENT);
   EXPECT(KivCopiazaPeDischeta("none", 4, "A:\\x", 4) == -KIV_ERROR_GENERAL &&
          LastMessageIs("Fisierul none nu exista!"));
   EXPECT(KivCopiazaPeDischetaMulti(NULL, NULL, 1, NULL, NULL, 1) == -KIV_ERROR_ARGUMENT);

@@ -56,4 +56,17 @@ KIV_API void CopiazaPeDischeta(TextView source, TextView destination);
 /// Example: after `SetFloppyRoot("/media/floppy")` the destination "A:\\D100.xml" is "/media/floppy/D100.xml".
 KIV_API void SetFloppyRoot(TextView folder);
 
+/// Formats the diskette in drive A: in the system's own dialog, which is translated and operated for the user as far as
+/// it has the texts of the English edition: the quick format is chosen and started, erasing is confirmed, and in the
+/// end the boxes are closed. A dialog of another language is left to the user.
+///
+/// `owner` is the window that the dialog belongs to, 0 for none. Returns what the system's call returned, when the
+/// dialog is closed. To be called on the thread that serves the application's windows, whose messages are served on.
+/// Throws OsError where no helper thread can be started, and everywhere but on Windows (not supported).
+/// Example: `FullFormatDriveA(host::Current().GetApplication().MainWindow())`.
+KIV_API std::int32_t FullFormatDriveA(Handle owner);
+
+/// The same for drive B:; the dialog's Romanian title names drive A: nevertheless. Example: `FullFormatDriveB(0)`.
+KIV_API std::int32_t FullFormatDriveB(Handle owner);
+
 }  // namespace kiv

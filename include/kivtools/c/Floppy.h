@@ -1,7 +1,7 @@
 /**
  * @file
- * Copying files onto diskettes. See kivtools/WinUtil/Floppy.h for the rules, and docs/floppy.md for what was tried how.
- * The user is asked through the dialogs of the installed host.
+ * Copying files onto diskettes and formatting these. See kivtools/WinUtil/Floppy.h for the rules, and docs/floppy.md
+ * for what was tried how. The user is asked through the dialogs of the installed host.
  */
 #ifndef KIVTOOLS_C_FLOPPY_H
 #define KIVTOOLS_C_FLOPPY_H
@@ -59,6 +59,14 @@ KIV_API KivStatus KivFloppyArchiveSet(KivFloppyArchive* archive, const char* des
 /** Has files packed from now on that do not fit; null packs nothing. The function stays in use until another is set.
  * Example: 0. */
 KIV_API KivStatus KivSetOnProcFaZipPentruDischeta(KivPackForFloppy pack, void* data);
+
+/** Formats the diskette in drive A: in the system's own dialog, translated and operated for the user; stores what the
+ * system's call returned. `owner` is a window, 0 for none. Fails with KIV_ERROR_SYSTEM everywhere but on Windows.
+ * Example: -8 on Linux. */
+KIV_API KivStatus KivFullFormatDriveA(uintptr_t owner, int32_t* result);
+
+/** The same for drive B:. Example: -8 on Linux. */
+KIV_API KivStatus KivFullFormatDriveB(uintptr_t owner, int32_t* result);
 
 #ifdef __cplusplus
 }

@@ -42,8 +42,7 @@ FileTime TimeOf(const LARGE_INTEGER& time) noexcept {
 /// keeps in a way of its own.
 bool IsLink(HANDLE handle) noexcept {
   FILE_ATTRIBUTE_TAG_INFO tag{};
-  return GetFileInformationByHandleEx(handle, FileAttributeTagInfo, &tag, sizeof tag) != 0 &&
-         IsReparseTagNameSurrogate(tag.ReparseTag) != 0;
+  return GetFileInformationByHandleEx(handle, FileAttributeTagInfo, &tag, sizeof tag) != 0 && IsLinkTag(tag.ReparseTag);
 }
 
 EntryKind KindOf(HANDLE handle, DWORD attributes) noexcept {

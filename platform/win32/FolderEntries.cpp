@@ -14,7 +14,7 @@ constexpr std::size_t kLongestEntry = 256;
 
 /// The list has a reparse point's tag where other entries have the size of their extended attributes.
 EntryKind KindOf(const FILE_ID_BOTH_DIR_INFO& record) noexcept {
-  if ((record.FileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0 && IsReparseTagNameSurrogate(record.EaSize) != 0) {
+  if ((record.FileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0 && IsLinkTag(record.EaSize)) {
     return EntryKind::Link;
   }
   return (record.FileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0 ? EntryKind::Folder : EntryKind::File;

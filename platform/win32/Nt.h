@@ -35,6 +35,12 @@ SystemStatus MakeCall(SystemCall kind, Call&& call) noexcept {
   return call() != 0 ? SystemStatus() : LastStatus();
 }
 
+/// Whether a reparse point with that tag is another name for something. One without a tag is, too: Wine shows the links
+/// of the system below so, and what they lead to may lie anywhere.
+inline bool IsLinkTag(ULONG tag) noexcept {
+  return tag == 0 || IsReparseTagNameSurrogate(tag) != 0;
+}
+
 /// The system counts ticks from 1601 on.
 inline constexpr std::int64_t kTicksPerSecond = 10'000'000;
 inline constexpr std::int64_t kSecondsFrom1601To1970 = 11'644'473'600;

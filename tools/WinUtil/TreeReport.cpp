@@ -42,10 +42,11 @@ void TreeReport::Failure(TextView path, platform::SystemStatus status, TextView 
   if (path.size() > 1 && path.back() == platform::kPathSeparator) {
     path.remove_suffix(1);
   }
-  Text context = Text(operation_).append(": ").append(path);
+  Text shown(path);
   if (!whereTo.empty()) {
-    context.append(" -> ").append(whereTo);
+    shown.append(" -> ").append(whereTo);
   }
+  const Text context = Text(operation_) + ": " + platform::ShownPath(platform::PathFromText(shown).native());
   watcher_->OnFailure(path, platform::SystemError(context, status.Code()));
 }
 

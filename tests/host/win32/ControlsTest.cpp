@@ -9,7 +9,10 @@
 #include "kivtools/Host.h"
 #include "kivtools/Host/Win32.h"
 #include "kivtools/UPanelElastic.h"
+#include "kivtools/WinUtil/FileTrees.h"
 #include "kivtools/WinUtil/Forms.h"
+#include "platform/Paths.h"
+#include "platform/TestFolder.h"
 
 namespace kiv::host {
 namespace {
@@ -149,6 +152,35 @@ TEST(Win32Controls, LabelsAreAsWideAsTheirTexts) {
   label.Scale(2, 1);
   EXPECT_GT(label.Height(), before * 3 / 2);
   EXPECT_EQ(label.Width(), Extent(text.Get(), L"C:\\Date\\firm\u0103").cx);
+}
+
+TEST(Win32Controls, LabelsShowAsMuchOfAPathAsTheirFontLets) {
+  const TestFolder folder;
+  const std::filesystem::path deep = folder / "sursa" / "un folder cu nume destul de lung" / "al doilea" / "al treilea";
+  std::filesystem::create_directories(deep);
+  WriteWhole(deep / "firme si parteneri.dbf", "x");
+  const NewWindow form(nullptr, L"STATIC", L"f", Rect::At(0, 0, 900, 300));
+  const NewWindow text(form.Get(), L"STATIC", L"", Rect::At(10, 20, 1, 1));
+  const auto width = [&](const std::wstring& caption) { return Extent(text.Get(), caption).cx; };
+  win32::Label label(nullptr, "lblFisier", text.Number());
+  RecursiveCopyWithExt(platform::TextFromPath(folder / "sursa"), platform::TextFromPath(folder / "copie"), {"dbf"},
+                       label, 1000);
+  constexpr LONG kMost = 350;  // of sub-folders, whatever was asked for the first one
+  const std::wstring whole = (deep / "firme si parteneri.dbf").native();
+  ASSERT_GT(width(whole), kMost) << "or nothing has to be cut";
+  // By the system's own measure: one folder more is never shown, so that the last one that is fits with room to spare.
+  std::wstring expected;
+  std::wstring next = L"firme si parteneri.dbf";
+  for (std::size_t at = whole.size() - next.size(); width(next) < kMost && at > 0;) {
+    expected = next;
+    const std::size_t above = whole.rfind(L'\\', at - 2);
+    at = above == std::wstring::npos ? 0 : above + 1;
+    next = L"...\\" + whole.substr(at);
+  }
+  EXPECT_EQ(label.Caption(), platform::TextFromPath(expected));
+  EXPECT_NE(expected, L"");
+  EXPECT_EQ(label.Width(), width(expected));
+  EXPECT_LE(label.Width(), kMost);
 }
 
 TEST(Win32Controls, WindowsMayGoFirstAndBeWatchedOnce) {

@@ -21,6 +21,7 @@
 #include "kivtools/WinUtil/FileTrees.h"
 #include "kivtools/WinUtil/TreeWatcher.h"
 #include "platform/FolderWalk.h"
+#include "platform/SystemCalls.h"
 #include "platform/TestFolder.h"
 
 namespace kiv {
@@ -360,6 +361,53 @@ TEST_F(HostileTrees, MayChangeWhileTheyAreWalked) {
   stop = true;
   busy.join();
   std::cout << listed << " files listed, " << copied << " copied in 50 rounds\n";
+}
+
+/// Cuts a file off just before it is read for the second time.
+class Cutting : public platform::SystemCallGate {
+ public:
+  Cutting(Text file, off_t size) : file_(std::move(file)), size_(size) {}
+
+  platform::SystemStatus Before(platform::SystemCall call) noexcept override {
+    if (call == platform::SystemCall::Read && ++reads_ == 2) {
+      EXPECT_EQ(truncate(file_.c_str(), size_), 0);
+    }
+    return {};
+  }
+
+ private:
+  Text file_;
+  off_t size_;
+  int reads_ = 0;
+  Replacement<platform::SystemCallGate> inUse_{platform::system_call_service, *this};
+};
+
+TEST_F(HostileTrees, WithAFileThatIsCutOffWhileItIsReadAreToldOf) {
+  constexpr std::size_t kFirst = 262'144;  // what the first reading brings
+  const struct {
+    std::size_t size;
+    off_t left;
+    Text message;
+  } cases[] = {
+      {300'000, kFirst, "Am incercat sa citesc 2048 bytes; Am reusit sa citesc numai 0 bytes"},
+      {300'000, kFirst + 2'048 + 100, "Am incercat sa citesc 2048 bytes; Am reusit sa citesc numai 100 bytes"},
+      {kFirst + 904, kFirst + 900, "Am incercat sa citesc 904 bytes; Am reusit sa citesc numai 900 bytes"},
+      {300'000, 0, "Am incercat sa citesc 2048 bytes; Am reusit sa citesc numai 0 bytes"},
+  };
+  for (const auto& [size, left, message] : cases) {
+    WriteWhole(folder_ / "sursa" / "a", std::string(size, 'x'));
+    WriteWhole(folder_ / "copie", "vechi");
+    const Cutting cutting(At("sursa/a"), left);
+    ExpectError<Error>([&] { CopyNoBuffering(At("sursa/a"), At("copie")); }, message);
+    EXPECT_EQ(ReadWhole(folder_ / "copie"), "vechi") << "a former file stays";
+  }
+  // A file of the system that says it has a page and gives a few bytes.
+  const path promises = "/sys/kernel/mm/transparent_hugepage/enabled";
+  if (const std::size_t bytes = ReadWhole(promises).size(); bytes > 0 && bytes < 2'048) {
+    ExpectError<Error>(
+        [&] { CopyNoBuffering(promises.native(), At("noua")); },
+        "Am incercat sa citesc 2048 bytes; Am reusit sa citesc numai " + std::to_string(bytes) + " bytes");
+  }
 }
 
 TEST_F(HostileTrees, OnAFullFileSystemKeepTheFormerFiles) {

@@ -70,7 +70,7 @@ std::string Library::FromUtf8(std::string_view utf8) const {
 void Library::ThrowLastError() const {
   std::array<char, 1024> message{};
   KIVTOOLS_ENTRY(KivLastErrorMessage)(message.data(), message.size());
-  throw LibraryError(ToUtf8(message.data()));
+  throw LibraryError(SystemMessage(message.data(), KIVTOOLS_ENTRY(KivLastSystemCode)()));
 }
 
 void Library::Check(KivStatus status) const {
@@ -97,8 +97,7 @@ std::string Library::LibraryText(Function* function, Arguments... arguments) con
 
 template <class Function, class... Arguments>
 std::string Library::PathText(Function* function, Arguments... arguments) const {
-  std::string text = LibraryText(function, arguments...);
-  return LibraryPathsAreUtf8() ? text : ToUtf8(text);
+  return PathToUtf8(LibraryText(function, arguments...));
 }
 
 template <class Function, class... Arguments>
@@ -268,6 +267,104 @@ void Library::CopyToFloppy(std::span<const std::filesystem::path> sources,
     std::rethrow_exception(asking.failure);
   }
   Check(status);
+}
+
+namespace {
+
+/// Texts as the C interface takes a list of them.
+class TextList {
+ public:
+  explicit TextList(const std::vector<std::string>& texts) {
+    for (const std::string& text : texts) {
+      kept_.push_back(LibraryPath(PathFromUtf8(text)));
+    }
+    for (const std::string& text : kept_) {
+      texts_.push_back(text.data());
+      lengths_.push_back(text.size());
+    }
+  }
+  [[nodiscard]] const char* const* Texts() const noexcept { return texts_.data(); }
+  [[nodiscard]] const std::size_t* Lengths() const noexcept { return lengths_.data(); }
+  [[nodiscard]] std::size_t Count() const noexcept { return texts_.size(); }
+
+ private:
+  std::vector<std::string> kept_;
+  std::vector<const char*> texts_;
+  std::vector<std::size_t> lengths_;
+};
+
+}  // namespace
+
+void Library::ForEachFile(const std::filesystem::path& root, const std::vector<std::string>& extensions,
+                          std::optional<std::int32_t> depth,
+                          const std::function<void(const std::string& path)>& take) const {
+  const std::string folder = LibraryPath(root);
+  const TextList chosen(extensions);
+  const std::unique_ptr<KivStringList, decltype(KivStringListFree)*> list(KIVTOOLS_ENTRY(KivStringListNew)(),
+                                                                          KIVTOOLS_ENTRY(KivStringListFree));
+  Check(depth ? KIVTOOLS_ENTRY(KivInitFileListMaxDepth)(folder.data(), folder.size(), chosen.Texts(), chosen.Lengths(),
+                                                        chosen.Count(), *depth, list.get())
+              : KIVTOOLS_ENTRY(KivInitFileList)(folder.data(), folder.size(), chosen.Texts(), chosen.Lengths(),
+                                                chosen.Count(), list.get()));
+  auto* const item = KIVTOOLS_ENTRY(KivStringListItem);
+  const KivLength count = KIVTOOLS_ENTRY(KivStringListCount)(list.get());
+  for (std::size_t i = 0; i < static_cast<std::size_t>(count); ++i) {
+    take(PathText(item, list.get(), i));
+  }
+}
+
+void Library::CopyTree(const std::filesystem::path& source, const std::filesystem::path& destination,
+                       const std::vector<std::string>& extensions, const std::optional<std::string>& skip,
+                       KivControl* label, std::int32_t maxWidth) const {
+  const std::string from = LibraryPath(source);
+  const std::string to = LibraryPath(destination);
+  const TextList chosen(extensions);
+  if (!skip) {
+    Check(KIVTOOLS_ENTRY(KivRecursiveCopyWithExt)(from.data(), from.size(), to.data(), to.size(), chosen.Texts(),
+                                                  chosen.Lengths(), chosen.Count(), label, maxWidth));
+    return;
+  }
+  const std::string without = LibraryPath(PathFromUtf8(*skip));
+  Check(KIVTOOLS_ENTRY(KivRecursiveCopyWithExtSkipFolders)(from.data(), from.size(), to.data(), to.size(),
+                                                           chosen.Texts(), chosen.Lengths(), chosen.Count(), label,
+                                                           without.data(), without.size(), maxWidth));
+}
+
+void Library::DeleteTree(const std::filesystem::path& root) const {
+  const std::string folder = LibraryPath(root);
+  Check(KIVTOOLS_ENTRY(KivRecursiveDelete)(folder.data(), folder.size()));
+}
+
+void Library::MeasureTree(const std::filesystem::path& root) const {
+  const std::string folder = LibraryPath(root);
+  KivTreeSize size{};
+  Check(KIVTOOLS_ENTRY(KivMeasureTree)(folder.data(), folder.size(), &size));
+}
+
+void Library::WatchTrees(const KivTreeWatcher* watcher) const {
+  Check(KIVTOOLS_ENTRY(KivWatchTrees)(watcher));
+}
+
+bool Library::FilesAreEqual(const std::filesystem::path& a, const std::filesystem::path& b) const {
+  const std::string left = LibraryPath(a);
+  const std::string right = LibraryPath(b);
+  const KivAnswer answer = KIVTOOLS_ENTRY(KivComparaFisiere)(left.data(), left.size(), right.data(), right.size());
+  if (answer < 0) {
+    ThrowLastError();
+  }
+  return answer == 1;
+}
+
+void Library::InstallHost(const KivHostTable* table) const {
+  Check(table != nullptr ? KIVTOOLS_ENTRY(KivHostInstall)(table) : KIVTOOLS_ENTRY(KivHostRemove)());
+}
+
+std::string Library::PathToUtf8(std::string_view path) const {
+  return LibraryPathsAreUtf8() ? std::string(path) : ToUtf8(path);
+}
+
+std::string Library::SystemMessage(std::string_view message, std::int32_t code) const {
+  return ToUtf8(message) + (code == 0 ? "" : " (error " + std::to_string(code) + ")");
 }
 
 std::uint32_t Library::Tint(const std::string& operation, std::uint32_t colour) const {

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <functional>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -105,6 +106,28 @@ class Library {
   /// Copies files to as many places on a diskette and lets the user be asked. What `ask` throws comes out of it.
   void CopyToFloppy(std::span<const std::filesystem::path> sources, std::span<const std::filesystem::path> destinations,
                     const ShowDialog& ask) const;
+
+  /// Gives the paths of a tree's files by their extension, with a greatest depth where there is one.
+  void ForEachFile(const std::filesystem::path& root, const std::vector<std::string>& extensions,
+                   std::optional<std::int32_t> depth, const std::function<void(const std::string& path)>& take) const;
+  /// Copies a tree's files by their extension; with `skip`, but for those of folders with that text in their path.
+  void CopyTree(const std::filesystem::path& source, const std::filesystem::path& destination,
+                const std::vector<std::string>& extensions, const std::optional<std::string>& skip, KivControl* label,
+                std::int32_t maxWidth) const;
+  void DeleteTree(const std::filesystem::path& root) const;
+  /// Walks through a tree; throws where it cannot begin. What there is, a watcher is told.
+  void MeasureTree(const std::filesystem::path& root) const;
+  /// Has this thread's operations on trees watched; null ends that.
+  void WatchTrees(const KivTreeWatcher* watcher) const;
+  [[nodiscard]] bool FilesAreEqual(const std::filesystem::path& a, const std::filesystem::path& b) const;
+
+  /// Makes this program the library's host; null ends that.
+  void InstallHost(const KivHostTable* table) const;
+  /// A path as the library writes it.
+  [[nodiscard]] std::string PathToUtf8(std::string_view path) const;
+  /// A message of the library's about a failure of the system's, with its code.
+  [[nodiscard]] std::string SystemMessage(std::string_view message, std::int32_t code) const;
+
   /// What the operation of that name makes of a colour. Example: "Lite".
   [[nodiscard]] std::uint32_t Tint(const std::string& operation, std::uint32_t colour) const;
   /// Fills a picture with the way from one colour to another.

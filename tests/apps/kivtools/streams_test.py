@@ -124,7 +124,7 @@ class Terminal:
         return "\n".join(line.rstrip() for line in self.lines)
 
 
-def on_terminal(arguments, feed, columns=80, stdin=subprocess.PIPE):
+def on_terminal(arguments, feed, columns=80, stdin=subprocess.PIPE, bar=BAR):
     """Runs the program with its output and messages on a terminal; feed(terminal, process) types and waits."""
     terminal = Terminal(columns)
     with subprocess.Popen([PROGRAM, *arguments], stdin=terminal.slave if stdin == "terminal" else stdin,
@@ -135,8 +135,8 @@ def on_terminal(arguments, feed, columns=80, stdin=subprocess.PIPE):
         terminal.read(0.2)
     os.close(terminal.slave)
     os.close(terminal.master)
-    bars = {state for state in terminal.states if BAR.fullmatch(state)}
-    mixed = {state for state in terminal.states - bars if BAR.search(state)}
+    bars = {state for state in terminal.states if bar.fullmatch(state)}
+    mixed = {state for state in terminal.states - bars if bar.search(state)}
     expect(f"{arguments}: lines that progress shares", mixed, set())
     return terminal.result(), bars
 
@@ -238,13 +238,106 @@ def refused_folder(folder):
     os.rmdir(closed)
 
 
+def lists(folder):
+    """A list that is longer than any pipe holds."""
+    tree = os.path.join(folder, "tree")
+    os.mkdir(tree)
+    for number in range(4000):
+        open(os.path.join(tree, f"{number:0200}"), "w").close()
+    for form in "", "--json", "--null":
+        expect(f"list {form}", shell(f"exec kivtools list {tree} {form} >/dev/full"),
+               (2, "list: standard output: No space left on device (error 28)\n"))
+        expect(f"list {form}", shell(f"{{ kivtools list {tree} {form}; echo $? >&2; }} | head -c 9"),
+               (0, "list: standard output: Broken pipe (error 32)\n2\n"))
+    expect("list", shell(f"exec kivtools list {tree} >&-"), (2, "list: standard output: Bad file descriptor (error 9)\n"))
+
+    strange = os.path.join(folder, "strange")
+    os.mkdir(strange)
+    name = os.path.join(strange, "a\nb" + "c" * 200)
+    open(name, "w").close()
+    expect("a name in a pipe", subprocess.run([PROGRAM, "list", strange, "--null"], capture_output=True).stdout,
+           name.encode() + b"\0")
+    expect("a name in JSON", subprocess.run([PROGRAM, "list", strange, "--json"], capture_output=True).stdout.decode(),
+           '["' + name.replace("\n", "\\u000a") + '"]\n')
+    result, _ = on_terminal(["list", strange], lambda *_: None, 1000)
+    expect("a name on a terminal", result, '"' + name.replace("\n", "\\x0A") + '"\n')
+
+
+def copies(folder):
+    """Pipes are not copied, which is told; while nobody reads that, so much time goes by that progress is shown."""
+    tree = os.path.join(folder, "țară" * 10)
+    os.mkdir(tree)
+    for number in range(300):
+        os.mkfifo(os.path.join(tree, f"teava{number}"))
+        with open(os.path.join(tree, f"fișier{number}"), "w") as file:
+            file.write("x")
+    line = re.compile("[0-9]+ MiB  .*")
+    for columns, shown in [(80, r"[0-9]+ MiB  (\.\.\.)?(/.*)?/(țară){10}/(fișier|teava)[0-9]+"),
+                           (25, "[0-9]+ MiB  (fișier|teava)[0-9]+"),
+                           (22, r"[0-9]+ MiB  ((fișier|teava)[0-9]+|\.\.\.[a-zș]*[0-9]+)")]:
+        result, bars = on_terminal(["copy", tree, os.path.join(folder, f"copy{columns}")], unread, columns, bar=line)
+        expect("messages beside progress", sum("kivtools copy: RecursiveCopyWithExt: " in row for row in result.split("\n")), 300)
+        expect("what is copied", result.endswith("\n300 files, 300 bytes copied\n"), True)
+        expect(f"progress on {columns} columns", [bar for bar in bars if not re.fullmatch(shown, bar) or len(bar) >= columns], [])
+        expect("progress", bool(bars), True)
+    run = subprocess.run([PROGRAM, "copy", tree, os.path.join(folder, "copy"), ""], capture_output=True)
+    expect("without a terminal", (run.stdout, b"MiB" in run.stderr), (b"300 files, 300 bytes copied\n", False))
+
+
+def answered(text):
+    def feed(terminal, _):
+        for _ in range(200):
+            if "[y/N]" in terminal.result():
+                break
+            terminal.read(0.05)
+        os.write(terminal.master, text)
+    return feed
+
+
+def deletions(folder):
+    tree = os.path.join(folder, "sters")
+    os.makedirs(os.path.join(tree, "sub"))
+    with open(os.path.join(tree, "sub", "a"), "w") as file:
+        file.write("12345")
+    question = f"Delete {tree} (1 file, 2 folders, 5 bytes)? [y/N]"
+    for answer, wanted in [(b"n\n", " nothing is deleted\n"), (b"\n", " nothing is deleted\n"), (b"yess\n", " nothing is deleted\n"),
+                           (b"\x04", "\nnothing is deleted\n")]:
+        result, _ = on_terminal(["delete", tree], answered(answer), 1000, "terminal")
+        expect(f"the answer {answer}", (result, os.path.exists(tree)), (question + wanted, True))
+    result, _ = on_terminal(["delete", tree], lambda *_: None, 1000, subprocess.DEVNULL)
+    expect("no terminal to answer on", ("--yes only" in result, os.path.exists(tree)), (True, True))
+    master, slave = pty.openpty()
+    run = subprocess.run([PROGRAM, "delete", tree], stdin=slave, capture_output=True)
+    expect("no terminal to ask on", (run.returncode, b"--yes only" in run.stderr, os.path.exists(tree)), (2, True, True))
+    os.close(master)
+    os.close(slave)
+    result, _ = on_terminal(["delete", tree], answered(b"y\n"), 1000, "terminal")
+    expect("yes", (result, os.path.exists(tree)), (question + " 1 file, 2 folders, 5 bytes deleted\n", False))
+
+    home = os.path.join(folder, "acasa", "ana")
+    os.makedirs(home)
+    os.symlink(home, os.path.join(folder, "legatura"))
+    os.symlink("/", os.path.join(folder, "radacina"))
+    environment = {**os.environ, "HOME": home}
+    for spelled, what in [(home, "is the home folder"), (home + "//", "is the home folder"), (home + "/.", "is the home folder"),
+                          (home + "/../ana", "is the home folder"), (f"{folder}/legatura", "is the home folder"),
+                          (f"{folder}/legatura/", "is the home folder"), (".", "is the home folder"), ("./", "is the home folder"),
+                          ("..", "has the home folder in it"), (f"{folder}/acasa", "has the home folder in it"),
+                          (os.path.expanduser("~"), "is the home folder"), ("/", "is a root folder"), ("//", "is a root folder"),
+                          ("/..", "is a root folder"), (f"{folder}/radacina", "is a root folder"),
+                          (f"{folder}/radacina/", "is a root folder")]:
+        run = subprocess.run([PROGRAM, "delete", spelled, "--yes"], capture_output=True, cwd=home, env=environment)
+        expect(f"delete {spelled}", (run.returncode, run.stderr.decode()), (2, f"kivtools delete: {spelled} {what}\n"))
+    expect("the home folder", os.path.isdir(home), True)
+
+
 with tempfile.TemporaryDirectory() as work:
     interrupted()  # before there are threads: what runs between fork and exec may not wait for one
     refused_folder(work)
     comma_letters()
     json_of_any_name(work)
     with concurrent.futures.ThreadPoolExecutor() as pool:  # much of it is waiting
-        for done in [pool.submit(test, work) for test in (missing_streams, installed, on_terminals)]:
+        for done in [pool.submit(test, work) for test in (missing_streams, installed, on_terminals, lists, copies, deletions)]:
             done.result()
 print(f"{failures} failures")
 sys.exit(failures != 0)

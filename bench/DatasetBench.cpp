@@ -13,6 +13,7 @@
 #include <string>
 #include <vector>
 
+#include "bench/DatasetLines.h"
 #include "bench/Values.h"
 #include "kivtools/dataset/Dataset.h"
 #include "kivtools/dataset/Loader.h"
@@ -22,35 +23,11 @@
 
 namespace {
 
-constexpr std::size_t kRows = 1'000'000;
+using bench::Line;
+using bench::Lines;
+
+constexpr std::size_t kRows = bench::kMostLines;
 constexpr std::size_t kSome = 10'000;
-
-struct Line {
-  std::int32_t id;
-  std::int32_t day;
-  std::int64_t sum;
-  double price;
-  std::string town;
-  std::string name;
-};
-
-const std::vector<Line>& Lines() {
-  static const std::vector<Line> lines = [] {
-    std::mt19937_64 random(1);
-    std::vector<Line> made(kRows);
-    for (std::size_t i = 0; i < kRows; ++i) {
-      made[i] = {static_cast<std::int32_t>(i * 3),
-                 static_cast<std::int32_t>(45'000 + random() % 365),
-                 static_cast<std::int64_t>(random() % 100'000'000),
-                 static_cast<double>(random() % 1000) / 8,
-                 "orasul " + std::to_string(random() % 1000),
-                 "Partener " + std::to_string(100'000 + random() % 900'000)};
-    }
-    std::ranges::shuffle(made, random);
-    return made;
-  }();
-  return lines;
-}
 
 /// The order in which rows are asked for, which no predictor learns.
 const std::vector<std::uint32_t>& RandomOrder() {

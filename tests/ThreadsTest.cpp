@@ -226,6 +226,7 @@ Text OfFiles(std::uint32_t number) {
   dataset.Insert({{"nume", TextOf(number)}});
   SaveBinary(dataset, folder / "linii.kdp");
   all += LoadBinary(folder / "linii.kdp").GetText(RowId{0}, "nume");
+  all += Shown(ContentOf(folder / "linii.kdp") == PacketContent::Dataset);
   SaveDelta(dataset.Changes().MakeDelta(), folder / "diferenta.kdp");
   all += Shown(static_cast<double>(LoadDelta(folder / "diferenta.kdp").Count()));
   RecursiveDelete(at(""));
@@ -312,7 +313,7 @@ constexpr Operation kOperations[] = {
       const Dataset read = ReadBinary(source);
       WriteDelta(dataset.Changes().MakeDelta(), sink);
       const Delta delta = ReadDelta(source);
-      return Text(read.GetText(RowId{0}, "nume")) + std::get<Text>(delta.Current(0, 1));
+      return Text(read.GetText(RowId{0}, "nume")) + ShownValue(FieldType::Text, delta.Current(0, 1));
     },
 };
 

@@ -5,6 +5,7 @@
 #include <exception>
 #include <memory>
 
+#include "apps/kivtools/LibraryCalls.h"
 #include "apps/kivtools/system/Console.h"
 #include "apps/kivtools/system/Paths.h"
 #include "kivtools/Errors.h"
@@ -77,34 +78,6 @@ void Library::Check(KivStatus status) const {
   if (status != KIV_OK) {
     ThrowLastError();
   }
-}
-
-template <class Function, class... Arguments>
-std::string Library::LibraryText(Function* function, Arguments... arguments) const {
-  std::string text(256, '\0');
-  for (;;) {
-    const KivLength length = function(arguments..., text.data(), text.size());
-    if (length < 0) {
-      ThrowLastError();
-    }
-    const bool whole = static_cast<std::size_t>(length) < text.size();
-    text.resize(static_cast<std::size_t>(length) + (whole ? 0 : 1));
-    if (whole) {
-      return text;
-    }
-  }
-}
-
-template <class Function, class... Arguments>
-std::string Library::PathText(Function* function, Arguments... arguments) const {
-  return PathToUtf8(LibraryText(function, arguments...));
-}
-
-template <class Function, class... Arguments>
-std::string Library::Text(Function* function, Arguments... arguments) const {
-  std::string text = LibraryText(function, arguments...);
-  const bool ascii = std::all_of(text.begin(), text.end(), [](char byte) { return (byte & 0x80) == 0; });
-  return ascii ? text : ToUtf8(text);
 }
 
 std::string Library::Version() const {

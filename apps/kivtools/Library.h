@@ -145,6 +145,7 @@ class Library {
   [[nodiscard]] std::vector<VersionField> VersionFields(const std::filesystem::path& file) const;
 
  private:
+  friend class DataFile;
   [[noreturn]] void ThrowLastError() const;
   [[nodiscard]] std::string ToUtf8(std::string_view text) const;
   [[nodiscard]] std::string FromUtf8(std::string_view utf8) const;

@@ -55,7 +55,7 @@ void ChunkReader::RefuseAt(std::uint64_t offset, TextView why) const {
   }
   message += "octetul ";
   AppendDecimal(message, offset);
-  throw PacketError(offset, message.append(": ").append(why));
+  throw PacketError(isInChunk_ ? static_cast<std::int32_t>(count_) : -1, offset, message.append(": ").append(why));
 }
 
 void ChunkReader::Refuse(TextView why) const {

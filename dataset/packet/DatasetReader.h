@@ -15,7 +15,7 @@ namespace kiv::packet {
 /// Builds a dataset from the chunks of a packet, which may say anything.
 class DatasetReader {
  public:
-  DatasetReader(ChunkReader& in, const ReadLimits& limits) noexcept : in_(in), budget_(limits) {}
+  DatasetReader(ChunkReader& in, const ReadLimits& limits) : in_(in), budget_(limits) {}
 
   /// Reads a packet of that kind; refuses others.
   std::unique_ptr<store::Store> Read(PacketKind kind);

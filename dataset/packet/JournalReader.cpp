@@ -49,7 +49,7 @@ class Replay {
   [[noreturn]] void Refuse(TextView why) const {
     Text message = Text(kOperation) + ": " + platform::ShownPath(path_.native()) + ": octetul ";
     AppendDecimal(message, whole_);
-    throw PacketError(whole_, message.append(": ").append(why));
+    throw PacketError(-1, whole_, message.append(": ").append(why));
   }
 
   /// The next bytes of the file; false where it ends before.

@@ -131,7 +131,8 @@ std::uint64_t packet::SaveDataset(const DatasetView& dataset, const std::filesys
   return Save(dataset, path, options, operation, lock);
 }
 
-PacketError::PacketError(std::uint64_t offset, const std::string& message) : Error(message), offset_(offset) {}
+PacketError::PacketError(std::int32_t chunk, std::uint64_t offset, const std::string& message)
+    : Error(message), chunk_(chunk), offset_(offset) {}
 PacketError::~PacketError() = default;
 
 void WriteBinary(const DatasetView& dataset, const PacketSink& sink, std::span<const PacketNote> notes) {
@@ -153,6 +154,19 @@ Delta ReadDelta(const PacketSource& source, const ReadLimits& limits, PacketNote
 void SaveBinary(const DatasetView& dataset, const std::filesystem::path& path, const SaveOptions& options) {
   packet::SaveLock lock(path, "SaveBinary");
   Save(dataset, path, options, "SaveBinary", lock);
+}
+
+PacketContent ContentOf(const std::filesystem::path& path) {
+  constexpr TextView kOperation = "ContentOf";
+  platform::File file;
+  file.Open(path, platform::OpenMode::ReadFile).OrThrow(kOperation, path);
+  FileSource bytes(file, path, kOperation);
+  const PacketSource source = [&](std::span<std::uint8_t> into) { return bytes.Read(into); };
+  const packet::ChunkReader chunks(source, Text(kOperation) + ": " + platform::ShownPath(path.native()));
+  if (chunks.Kind() != packet::PacketKind::Offline && chunks.Kind() != packet::PacketKind::Delta) {
+    chunks.Refuse("pachetul este de un fel necunoscut");
+  }
+  return static_cast<PacketContent>(chunks.Kind());
 }
 
 void SaveDelta(const Delta& delta, const std::filesystem::path& path, const SaveOptions& options) {

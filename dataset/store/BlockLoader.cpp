@@ -1,12 +1,49 @@
 #include "dataset/store/BlockLoader.h"
 
 #include <algorithm>
+#include <cstring>
+#include <limits>
+#include <utility>
 
 #include "core/Numbers.h"
 #include "dataset/store/Hash.h"
 #include "dataset/store/KeyHistory.h"
 
 namespace kiv::store {
+namespace {
+
+template <class Element>
+Element ElementAt(const std::byte* elements, std::uint32_t place) noexcept {
+  Element element;
+  std::memcpy(&element, elements + place * sizeof element, sizeof element);
+  return element;
+}
+
+template <class Element>
+std::pair<Element, Element> LeastAndMost(const std::byte* elements, std::uint32_t count) noexcept {
+  Element least = std::numeric_limits<Element>::max();
+  Element most = std::numeric_limits<Element>::min();
+  for (std::uint32_t i = 0; i < count; ++i) {
+    const auto element = ElementAt<Element>(elements, i);
+    least = std::min(least, element);
+    most = std::max(most, element);
+  }
+  return {least, most};
+}
+
+/// Whether none is no number, and none a zero with a sign.
+bool AreNumbers(const std::byte* elements, std::uint32_t count) noexcept {
+  constexpr std::uint64_t kSign = std::uint64_t{1} << 63U;
+  constexpr std::uint64_t kInfinity = std::uint64_t{0x7FF} << 52U;
+  bool are = true;
+  for (std::uint32_t i = 0; i < count; ++i) {
+    const auto bits = ElementAt<std::uint64_t>(elements, i);
+    are = are && (bits & ~kSign) <= kInfinity && bits != kSign;
+  }
+  return are;
+}
+
+}  // namespace
 
 BlockLoader::BlockLoader(TextView name, const Schema& schema, Purpose purpose)
     : store_(std::make_unique<Store>(name, schema)),
@@ -110,17 +147,12 @@ bool BlockLoader::MayBeNull(const FieldDef& field, std::uint32_t row) const noex
                                     : state == StoredState::Gone;
 }
 
-void BlockLoader::CheckColumn(std::size_t field, std::uint32_t first, std::uint32_t rows) {
-  const FieldDef& definition = contents_.schemaData->fields[field];
+/// Nulls hold zeros, whatever the reader has left there.
+void BlockLoader::ClearNulls(std::size_t field, std::uint32_t first, std::uint32_t rows) {
   Column& column = contents_.columns[field];
-  const bool hasNumbers = TraitsOf(column.type).storage != Storage::Fixed;
-  const bool isHeap = !column.texts.HasDictionary();
-  if (isHeap && !isPut_[field]) {
-    for (std::uint32_t row = first; row < first + rows; ++row) {
-      if (!column.IsNull(row)) {
-        Refuse(field, row, "textul lipseste");
-      }
-    }
+  const FieldDef& definition = contents_.schemaData->fields[field];
+  if (column.nulls.BlockBytes(BlockOf(first)).empty()) {
+    return;
   }
   for (std::uint32_t row = first; row < first + rows; ++row) {
     if (column.IsNull(row)) {
@@ -128,17 +160,65 @@ void BlockLoader::CheckColumn(std::size_t field, std::uint32_t first, std::uint3
         Refuse(field, row, "trebuie completat");
       }
       column.Store(row, {});
-      continue;
     }
+  }
+}
+
+void BlockLoader::CheckColumn(std::size_t field, std::uint32_t first, std::uint32_t rows) {
+  const FieldDef& definition = contents_.schemaData->fields[field];
+  const Column& column = contents_.columns[field];
+  ClearNulls(field, first, rows);
+  if (!column.texts.HasDictionary()) {
+    for (std::uint32_t row = first; !isPut_[field] && row < first + rows; ++row) {
+      if (!column.IsNull(row)) {
+        Refuse(field, row, "textul lipseste");
+      }
+    }
+    return;
+  }
+  const Storage storage = TraitsOf(column.type).storage;
+  // All at once first; what is wrong is looked for only where something is.
+  if (IsAllowed(field, first, rows)) {
+    return;
+  }
+  for (std::uint32_t row = first; row < first + rows; ++row) {
     const Cell cell = column.Load(row);
-    if (!hasNumbers) {
+    if (storage == Storage::Fixed) {
       CheckCell(definition, cell, contents_.owner);
-    } else if (!isHeap) {
+    } else if (!cell.isNull) {
       CheckNumber(field, cell, row);
     }
-    if (column.type == FieldType::AutoInc) {
-      store_->NoteTemporary(cell);
+  }
+}
+
+bool BlockLoader::IsAllowed(std::size_t field, std::uint32_t first, std::uint32_t rows) {
+  const Column& column = contents_.columns[field];
+  const std::byte* const elements = column.values.BlockAt(first);
+  const Storage storage = TraitsOf(column.type).storage;
+  if (storage != Storage::Fixed) {
+    const std::uint32_t count = storage == Storage::Texts ? column.texts.EntryCount() : contents_.large.Count();
+    return LeastAndMost<std::uint32_t>(elements, rows).second < count;
+  }
+  const NumberRange range = RangeOf(column.type);
+  switch (column.type) {
+    case FieldType::Double:
+      return AreNumbers(elements, rows);
+    case FieldType::Date:
+    case FieldType::Time: {
+      const auto [least, most] = LeastAndMost<std::int32_t>(elements, rows);
+      return least >= range.least && most <= range.most;
     }
+    case FieldType::DateTime: {
+      const auto [least, most] = LeastAndMost<std::int64_t>(elements, rows);
+      return least >= range.least && most <= range.most;
+    }
+    case FieldType::AutoInc: {
+      const auto least = static_cast<std::uint64_t>(LeastAndMost<std::int64_t>(elements, rows).first);
+      store_->NoteTemporary({.bits = least, .isNull = false});
+      return true;
+    }
+    default:
+      return true;
   }
 }
 

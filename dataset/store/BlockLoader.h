@@ -72,6 +72,8 @@ class BlockLoader {
  private:
   [[noreturn]] void Refuse(std::size_t field, std::uint32_t row, TextView why) const;
   void CheckColumn(std::size_t field, std::uint32_t first, std::uint32_t rows);
+  void ClearNulls(std::size_t field, std::uint32_t first, std::uint32_t rows);
+  bool IsAllowed(std::size_t field, std::uint32_t first, std::uint32_t rows);
   void CheckStates(std::uint32_t first, std::uint32_t rows);
   void CheckOldValue(OldValue& old, std::uint32_t row);
   void CheckOrder(ChangeKind kind, std::uint32_t row) const;

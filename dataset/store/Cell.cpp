@@ -218,19 +218,26 @@ bool IsAllowed(FieldType type, const Cell& cell) noexcept {
       const auto number = std::bit_cast<double>(cell.bits);
       return !std::isnan(number) && !(number == 0 && std::signbit(number));
     }
-    case FieldType::Date:
-      return value >= kFirstDayNumber && value <= kLastDayNumber;
-    case FieldType::Time:
-      return value >= 0 && value < kMillisecondsPerDay;
-    case FieldType::DateTime:
-      return value >= std::int64_t{kFirstDayNumber} * kMillisecondsPerDay &&
-             value < (std::int64_t{kLastDayNumber} + 1) * kMillisecondsPerDay;
     default:
-      return true;
+      return value >= RangeOf(type).least && value <= RangeOf(type).most;
   }
 }
 
 }  // namespace
+
+NumberRange RangeOf(FieldType type) noexcept {
+  switch (type) {
+    case FieldType::Date:
+      return {kFirstDayNumber, kLastDayNumber};
+    case FieldType::Time:
+      return {0, kMillisecondsPerDay - 1};
+    case FieldType::DateTime:
+      return {std::int64_t{kFirstDayNumber} * kMillisecondsPerDay,
+              (std::int64_t{kLastDayNumber} + 1) * kMillisecondsPerDay - 1};
+    default:
+      return {std::numeric_limits<std::int64_t>::min(), std::numeric_limits<std::int64_t>::max()};
+  }
+}
 
 Cell MakeAnyCell(const FieldDef& field, const ValueView& value, TextView owner) {
   return std::visit(Maker(field, owner), value.Get());

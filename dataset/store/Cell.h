@@ -87,6 +87,13 @@ inline Cell MakeCell(const FieldDef& field, const ValueView& value, TextView own
 /// Checks what MakeCell would have refused, for cells that come from a file. Throws Error.
 void CheckCell(const FieldDef& field, const Cell& cell, TextView owner);
 
+/// The least and the most that an element of a type of fixed width may be, doubles apart.
+struct NumberRange {
+  std::int64_t least;
+  std::int64_t most;
+};
+NumberRange RangeOf(FieldType type) noexcept;
+
 /// The cell as the user sees it. Bytes stay borrowed.
 ValueView ViewOf(FieldType type, const Cell& cell) noexcept;
 

@@ -13,6 +13,7 @@
 #include "kivtools/c/CodePages.h"
 #include "kivtools/c/Colours.h"
 #include "kivtools/c/Dataset.h"
+#include "kivtools/c/DatasetPackets.h"
 #include "kivtools/c/DateArithmetic.h"
 #include "kivtools/c/DateText.h"
 #include "kivtools/c/FileLists.h"

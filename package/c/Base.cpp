@@ -4,6 +4,8 @@
 #include <new>
 
 #include "kivtools/Package.h"
+#include "kivtools/c/DatasetPackets.h"
+#include "kivtools/dataset/Packet.h"
 #include "package/c/Abi.h"
 
 namespace kiv::c {
@@ -15,6 +17,8 @@ struct LastError {
   std::int32_t systemCode = 0;
   std::size_t length = 0;
   std::array<char, 1024> message{};
+  std::int32_t chunk = -1;
+  std::uint64_t offset = 0;
 };
 
 thread_local LastError last_error;
@@ -59,6 +63,10 @@ std::int32_t ReportCurrentException(const char* operation) noexcept {
     return Report(KIV_ERROR_CAST, error.what());
   } catch (const ListIndexError& error) {
     return Report(KIV_ERROR_LIST_INDEX, error.what());
+  } catch (const PacketError& error) {
+    last_error.chunk = error.Chunk();
+    last_error.offset = error.Offset();
+    return Report(KIV_ERROR_PACKET, error.what());
   } catch (const AssertionFailure& error) {
     return Report(KIV_ERROR_ASSERTION, error.what());
   } catch (const OsError& error) {
@@ -91,6 +99,19 @@ int32_t KivLastSystemCode(void) {
 KivLength KivLastErrorMessage(char* buffer, size_t capacity) {
   // Not through GiveText: asking for the message must not replace it.
   return CopyOut(kiv::TextView(last_error.message.data(), last_error.length), buffer, buffer == nullptr ? 0 : capacity);
+}
+
+KivAnswer KivLastErrorPlace(int32_t* chunk, uint64_t* offset) {
+  if (last_error.code != KIV_ERROR_PACKET) {
+    return 0;
+  }
+  if (chunk != nullptr) {
+    *chunk = last_error.chunk;
+  }
+  if (offset != nullptr) {
+    *offset = last_error.offset;
+  }
+  return 1;
 }
 
 KivStatus KivInitialize(void) {

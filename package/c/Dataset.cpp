@@ -8,27 +8,13 @@
 
 #include "kivtools/dataset/Dataset.h"
 #include "package/c/Abi.h"
+#include "package/c/DatasetHandles.h"
 
 using namespace kiv::c;
 using kiv::Value;
 
 struct KivSchema {
   std::vector<kiv::FieldDef> fields;
-};
-
-struct KivDataset {
-  kiv::Dataset dataset;
-  std::vector<kiv::Mark> marks{};
-  /// The open row and what was set in it.
-  struct Open {
-    std::uint32_t row;
-    std::vector<std::pair<std::size_t, Value>> values;
-  };
-  std::optional<Open> open{};
-};
-
-struct KivDelta {
-  kiv::Delta delta;
 };
 
 namespace {

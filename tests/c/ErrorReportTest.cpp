@@ -6,6 +6,7 @@
 #include <new>
 #include <thread>
 
+#include "kivtools/dataset/Packet.h"
 #include "package/c/Abi.h"
 
 namespace kiv {
@@ -45,6 +46,7 @@ TEST(CInterface, GivesEachErrorItsCodeAndMessage) {
       {[] { throw InvalidCast("cast"); }, {-5, 5, "cast"}},
       {[] { throw ListIndexError("index"); }, {-6, 6, "index"}},
       {[] { throw OsError(5, "Acces interzis"); }, {-8, 8, OsError(5, "Acces interzis").what()}},
+      {[] { throw PacketError(2, 45, "packet"); }, {-11, 11, "packet"}},
       {[] { throw std::bad_alloc(); }, {-10, 10, "memorie insuficienta"}},
       {[] { throw std::length_error("?"); }, {-10, 10, "rezultat prea lung"}},
       {[] { throw std::out_of_range("other"); }, {-1, 1, "other"}},

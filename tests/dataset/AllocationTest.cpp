@@ -6,8 +6,10 @@
 #include "Allocations.h"
 #include "BlockCopy.h"
 #include "Expect.h"
+#include "PacketBytes.h"
 #include "Show.h"
 #include "kivtools/dataset/Loader.h"
+#include "platform/TestFolder.h"
 
 namespace kiv {
 namespace {
@@ -133,6 +135,58 @@ TEST(Allocations, AFailureWhileBlocksAreReadLosesNothing) {
       ASSERT_TRUE(Allocations::Stop());
     }
   }
+}
+
+TEST(Allocations, AFailureWhileAPacketIsWrittenOrReadLosesNothing) {
+  Dataset source = Edited();
+  const PacketBytes packet = Written(source);
+  const PacketBytes delta = Written(source.Changes().MakeDelta());
+  const TestFolder folder;
+  const auto path = folder / "randuri.kdp";
+  SaveBinary(source, path, {.flush = false});
+  const Dataset few("randuri", source.GetSchema());
+  const struct {
+    const char* name;
+    std::function<void()> act;
+  } kActs[] = {
+      {"write", [&] { WriteBinary(source, [](std::span<const std::uint8_t>) {}); }},
+      {"read", [&] { static_cast<void>(ReadBack(packet)); }},
+      {"delta", [&] { static_cast<void>(ReadDelta(SourceOf(delta))); }},
+      {"save", [&] { SaveBinary(few, path, {.flush = false}); }},
+      {"load", [&] { static_cast<void>(LoadBinary(path)); }},
+  };
+  for (const auto& [name, act] : kActs) {
+    bool hasFailed = true;
+    for (std::uint64_t failing = 0; hasFailed; ++failing) {
+      ASSERT_LT(failing, 10'000U) << name;
+      Allocations::FailFrom(failing);
+      try {
+        act();
+        hasFailed = Allocations::Stop();
+        ASSERT_FALSE(hasFailed) << name << ": a failure went unnoticed";
+      } catch (const std::bad_alloc&) {
+        ASSERT_TRUE(Allocations::Stop());
+        ASSERT_EQ(LoadBinary(path).RowCount(), name == std::string_view("load") ? 0U : source.RowCount()) << failing;
+      }
+    }
+  }
+}
+
+TEST(Allocations, PacketsAreWrittenAndReadInPiecesOfAQuarterOfAMebibyte) {
+  Dataset dataset("randuri",
+                  {{"id", FieldType::Int32, kKey}, {"nume", FieldType::Text}, {"suma", FieldType::Currency}});
+  {
+    Loader loader(dataset);
+    for (int i = 0; i < 100'000; ++i) {
+      loader.Add({i, "un text oarecare " + std::to_string(i), Currency::FromRaw(std::int64_t{i} << 36)});
+    }
+    loader.Finish();
+  }
+  const PacketBytes packet = Written(dataset);
+  Allocations::WatchLargest();
+  WriteBinary(dataset, [](std::span<const std::uint8_t>) {});
+  static_cast<void>(ReadBack(packet));
+  EXPECT_LE(Allocations::Largest(), packet::kChunkBuffer);
 }
 
 TEST(Allocations, NoneIsAbove64KiBButThoseOfLongValues) {

@@ -22,13 +22,16 @@ namespace kiv {
 ///     catch (const PacketError& error) { error.Offset(); }   // 1041: the byte at which it shows
 class KIV_API PacketError : public Error {
  public:
-  PacketError(std::uint64_t offset, const std::string& message);
+  PacketError(std::int32_t chunk, std::uint64_t offset, const std::string& message);
   ~PacketError() override;
 
+  /// The number of the chunk with the fault, from 0; -1 for one outside of them all.
+  [[nodiscard]] std::int32_t Chunk() const noexcept { return chunk_; }
   /// How many bytes lie before the fault.
   [[nodiscard]] std::uint64_t Offset() const noexcept { return offset_; }
 
  private:
+  std::int32_t chunk_;
   std::uint64_t offset_;
 };
 
@@ -70,6 +73,12 @@ struct LoadReport {
   /// The bytes of the journal behind its last whole edit: what was being written when the process or the machine
   /// stopped, or what was damaged later.
   std::uint64_t lostBytes = 0;
+};
+
+/// What a packet holds.
+enum class PacketContent : std::uint8_t {
+  Dataset = 1,  ///< rows with their history
+  Delta = 2,    ///< the net of changes
 };
 
 /// Takes the next bytes of a packet; throws to end the writing.
@@ -121,6 +130,11 @@ KIV_API void SaveBinary(const DatasetView& dataset, const std::filesystem::path&
 ///     report.lostBytes   // 0: nothing was cut short
 [[nodiscard]] KIV_API Dataset LoadBinary(const std::filesystem::path& path, const ReadLimits& limits = {},
                                          LoadReport* report = nullptr);
+
+/// What a file holds, by its first bytes. Throws OsError, and PacketError for a file that is no packet.
+///
+///     ContentOf("linii.kdp")   // PacketContent::Dataset
+[[nodiscard]] KIV_API PacketContent ContentOf(const std::filesystem::path& path);
 
 /// Saves a delta as a file, as SaveBinary does.
 ///

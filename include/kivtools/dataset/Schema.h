@@ -7,6 +7,7 @@
 #include <memory>
 #include <optional>
 #include <span>
+#include <string>
 #include <vector>
 
 #include "kivtools/Export.h"
@@ -93,6 +94,12 @@ struct FieldDef {
     return !Has(flags, kNoCheck) && (Has(flags, kCheck) || (type != FieldType::Memo && type != FieldType::Blob));
   }
 };
+
+/// A value of a field of that type for people, as UTF-8; empty for null. Amounts have four decimals, dates are those of
+/// ISO 8601, of bytes their number is shown.
+///
+///     ShownValue(FieldType::Currency, 1234.56_lei)   // "1234.5600"
+[[nodiscard]] KIV_API std::string ShownValue(FieldType type, const ValueView& value);
 
 /// The fields of a dataset, checked; cheap to copy.
 class Schema {

@@ -1,0 +1,81 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "apps/kivtools/Library.h"
+
+namespace kivtools {
+
+/// The library refused a file of data: what it says, and where.
+class DamagedFile : public LibraryError {
+ public:
+  DamagedFile(const std::string& message, std::int32_t damagedChunk, std::uint64_t damagedOffset)
+      : LibraryError(message), chunk(damagedChunk), offset(damagedOffset) {}
+
+  std::int32_t chunk;  ///< -1 outside of them all
+  std::uint64_t offset;
+};
+
+/// A file of the dataset engine: a dataset with its journal, or a delta. Texts are UTF-8.
+class DataFile {
+ public:
+  /// A value as it is read; nothing for null.
+  using Shown = std::optional<std::string>;
+  struct Field {
+    std::string name;
+    std::int32_t type;  ///< KIV_FIELD_...
+    bool isKey;
+  };
+  /// What happened to a row, as KIV_CHANGE_..., and its fields that tell of it.
+  struct Change {
+    std::int32_t kind;
+    struct Value {
+      std::size_t field;
+      Shown was, is;
+      bool isChanged;
+    };
+    std::vector<Value> values;
+  };
+
+  /// Loads the file. Throws DamagedFile and LibraryError.
+  DataFile(const Library& library, const std::filesystem::path& path);
+
+  [[nodiscard]] bool IsDelta() const noexcept { return dataset_ == nullptr; }
+  [[nodiscard]] const std::string& Name() const noexcept { return name_; }
+  [[nodiscard]] const std::vector<Field>& Fields() const noexcept { return fields_; }
+  /// How many rows of a dataset have a state, KIV_ROW_....
+  [[nodiscard]] std::size_t CountOf(std::int32_t state) const;
+  /// How many changes the log of a dataset remembers.
+  [[nodiscard]] std::size_t LogLength() const;
+  /// How many edits of the journal were done again, and the bytes of it that were lost.
+  [[nodiscard]] std::uint64_t Replayed() const noexcept { return replayed_; }
+  [[nodiscard]] std::uint64_t LostBytes() const noexcept { return lostBytes_; }
+
+  /// Calls back with the state and the values of each row of a dataset; deleted ones are left out.
+  void ForEachRow(const std::function<void(std::int32_t, const std::vector<Shown>&)>& visit) const;
+  /// Calls back with each row that is not as it was: its key, and of updates what changed.
+  void ForEachChange(const std::function<void(const Change&)>& visit) const;
+
+ private:
+  void Check(KivStatus status) const;
+  void ReadFields();
+  [[nodiscard]] Shown RowValue(std::uint32_t row, std::size_t field) const;
+  [[nodiscard]] Shown TicketValue(std::uint32_t ticket, std::size_t field, bool original) const;
+  [[nodiscard]] Change ReadChange(std::uint32_t ticket) const;
+
+  const Library& library_;
+  std::unique_ptr<KivDataset, decltype(KivDatasetFree)*> dataset_;
+  std::unique_ptr<KivDelta, decltype(KivDeltaFree)*> delta_;
+  std::string name_;
+  std::vector<Field> fields_;
+  std::uint64_t replayed_ = 0;
+  std::uint64_t lostBytes_ = 0;
+};
+
+}  // namespace kivtools

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+#include <random>
+#include <string>
+#include <vector>
+
+/// The rows that the benchmarks of datasets are made of: number, day, amount, double, one of 1,000 towns, a name.
+namespace bench {
+
+struct Line {
+  std::int32_t id;
+  std::int32_t day;
+  std::int64_t sum;
+  double price;
+  std::string town;
+  std::string name;
+};
+
+inline constexpr std::size_t kMostLines = 1'000'000;
+
+/// A million of them, in no order.
+inline const std::vector<Line>& Lines() {
+  static const std::vector<Line> lines = [] {
+    std::mt19937_64 random(1);
+    std::vector<Line> made(kMostLines);
+    for (std::size_t i = 0; i < kMostLines; ++i) {
+      made[i] = {static_cast<std::int32_t>(i * 3),
+                 static_cast<std::int32_t>(45'000 + random() % 365),
+                 static_cast<std::int64_t>(random() % 100'000'000),
+                 static_cast<double>(random() % 1000) / 8,
+                 "orasul " + std::to_string(random() % 1000),
+                 "Partener " + std::to_string(100'000 + random() % 900'000)};
+    }
+    std::ranges::shuffle(made, random);
+    return made;
+  }();
+  return lines;
+}
+
+}  // namespace bench

@@ -1,0 +1,227 @@
+#include <benchmark/benchmark.h>
+#include <sqlite3.h>
+
+#include <cstring>
+#include <filesystem>
+#include <memory>
+#include <span>
+#include <vector>
+
+#include "bench/DatasetLines.h"
+#include "bench/Values.h"
+#include "kivtools/dataset/Loader.h"
+#include "kivtools/dataset/Packet.h"
+
+// A million rows written to a sink and read from memory, beside a database in memory that is serialized and
+// deserialized, and a copy of as many bytes. Whoever reads then adds up the amounts of all rows. Then the file of a
+// working day: 40,000 rows with 300 edits.
+
+namespace {
+
+using bench::Line;
+using Bytes = std::vector<std::uint8_t>;
+
+constexpr std::size_t kDay = 40'000;
+constexpr std::size_t kEdits = 300;
+
+kiv::Dataset MakeDataset(std::size_t count, kiv::FieldFlags idFlags) {
+  kiv::Dataset dataset("linii", {{"id", kiv::FieldType::Int32, idFlags},
+                                 {"zi", kiv::FieldType::Date},
+                                 {"suma", kiv::FieldType::Currency},
+                                 {"pret", kiv::FieldType::Double},
+                                 {"oras", kiv::FieldType::Text, 40},
+                                 {"nume", kiv::FieldType::Text, 40}});
+  kiv::Loader loader(dataset);
+  for (const Line& line : std::span(bench::Lines()).first(count)) {
+    loader.Add({line.id, kiv::DateTime(line.day), kiv::Currency::FromRaw(line.sum), line.price, line.town, line.name});
+  }
+  loader.Finish();
+  return dataset;
+}
+
+std::int64_t SumOf(const kiv::Dataset& dataset) {
+  const kiv::FieldRef field = dataset.Field("suma");
+  std::int64_t sum = 0;
+  for (const kiv::RowId row : dataset.Rows()) {
+    sum += dataset.GetCurrency(row, field).Raw();
+  }
+  return sum;
+}
+
+std::int64_t SumOfLines() {
+  std::int64_t sum = 0;
+  for (const Line& line : bench::Lines()) {
+    sum += line.sum;
+  }
+  return sum;
+}
+
+Bytes Written(const kiv::Dataset& dataset) {
+  Bytes packet;
+  kiv::WriteBinary(dataset, [&](auto bytes) { packet.insert(packet.end(), bytes.begin(), bytes.end()); });
+  return packet;
+}
+
+kiv::Dataset Read(std::span<const std::uint8_t> packet) {
+  return kiv::ReadBinary([&](std::span<std::uint8_t> into) {
+    const std::size_t count = std::min(into.size(), packet.size());
+    std::memcpy(into.data(), packet.data(), count);
+    packet = packet.subspan(count);
+    return count;
+  });
+}
+
+void SaveKiv(benchmark::State& state) {
+  const kiv::Dataset dataset = MakeDataset(bench::kMostLines, kiv::kKey);
+  std::size_t size = 0;
+  for (auto _ : state) {
+    size = 0;
+    kiv::WriteBinary(dataset, [&](std::span<const std::uint8_t> bytes) {
+      benchmark::DoNotOptimize(bytes.data());
+      size += bytes.size();
+    });
+  }
+  bench::Require(size == Written(dataset).size(), "size of a packet");
+  state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(size));
+}
+
+void SaveFloor(benchmark::State& state) {
+  const Bytes packet = Written(MakeDataset(bench::kMostLines, kiv::kKey));
+  Bytes copy(packet.size());
+  for (auto _ : state) {
+    std::memcpy(copy.data(), packet.data(), packet.size());
+    benchmark::ClobberMemory();
+  }
+  state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(packet.size()));
+}
+
+void LoadKiv(benchmark::State& state, kiv::FieldFlags idFlags) {
+  const Bytes packet = Written(MakeDataset(bench::kMostLines, idFlags));
+  const std::int64_t sum = SumOfLines();
+  for (auto _ : state) {
+    const kiv::Dataset dataset = Read(packet);
+    bench::Require(SumOf(dataset) == sum, "sum of a dataset that was read");
+  }
+  state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(packet.size()));
+}
+
+using Database = std::unique_ptr<sqlite3, decltype(&sqlite3_close)>;
+
+Database OpenDatabase() {
+  sqlite3* database = nullptr;
+  bench::Require(sqlite3_open(":memory:", &database) == SQLITE_OK, "sqlite3_open");
+  return {database, &sqlite3_close};
+}
+
+void Execute(const Database& database, const char* sql) {
+  bench::Require(sqlite3_exec(database.get(), sql, nullptr, nullptr, nullptr) == SQLITE_OK, sql);
+}
+
+Database MakeDatabase() {
+  Database database = OpenDatabase();
+  Execute(database,
+          "create table linii(id integer primary key, zi integer, suma integer, pret real, oras text, nume text)");
+  Execute(database, "begin");
+  sqlite3_stmt* insert = nullptr;
+  sqlite3_prepare_v2(database.get(), "insert into linii values(?,?,?,?,?,?)", -1, &insert, nullptr);
+  for (const Line& line : bench::Lines()) {
+    sqlite3_bind_int(insert, 1, line.id);
+    sqlite3_bind_int(insert, 2, line.day);
+    sqlite3_bind_int64(insert, 3, line.sum);
+    sqlite3_bind_double(insert, 4, line.price);
+    sqlite3_bind_text(insert, 5, line.town.data(), static_cast<int>(line.town.size()), SQLITE_STATIC);
+    sqlite3_bind_text(insert, 6, line.name.data(), static_cast<int>(line.name.size()), SQLITE_STATIC);
+    sqlite3_step(insert);
+    sqlite3_reset(insert);
+  }
+  sqlite3_finalize(insert);
+  Execute(database, "commit");
+  return database;
+}
+
+std::int64_t SumOf(const Database& database) {
+  sqlite3_stmt* ask = nullptr;
+  sqlite3_prepare_v2(database.get(), "select sum(suma) from linii", -1, &ask, nullptr);
+  sqlite3_step(ask);
+  const std::int64_t sum = sqlite3_column_int64(ask, 0);
+  sqlite3_finalize(ask);
+  return sum;
+}
+
+void SaveSqlite(benchmark::State& state) {
+  const Database database = MakeDatabase();
+  sqlite3_int64 size = 0;
+  for (auto _ : state) {
+    sqlite3_free(sqlite3_serialize(database.get(), "main", &size, 0));
+  }
+  state.SetBytesProcessed(state.iterations() * size);
+}
+
+void LoadSqlite(benchmark::State& state) {
+  sqlite3_int64 size = 0;
+  const std::unique_ptr<unsigned char, decltype(&sqlite3_free)> packet(
+      sqlite3_serialize(MakeDatabase().get(), "main", &size, 0), &sqlite3_free);
+  const std::int64_t sum = SumOfLines();
+  for (auto _ : state) {
+    const Database database = OpenDatabase();
+    // The database takes its memory over.
+    auto* const own = static_cast<unsigned char*>(sqlite3_malloc64(static_cast<sqlite3_uint64>(size)));
+    std::memcpy(own, packet.get(), static_cast<std::size_t>(size));
+    sqlite3_deserialize(database.get(), "main", own, size, size, SQLITE_DESERIALIZE_FREEONCLOSE);
+    bench::Require(SumOf(database) == sum, "sum of a database that was read");
+  }
+  state.SetBytesProcessed(state.iterations() * size);
+}
+
+/// Not on the disk when it returns: what a disk does is not this library's.
+kiv::SaveOptions QuickSave() {
+  return {.backup = false, .flush = false, .notes = {}};
+}
+
+std::filesystem::path DayFile() {
+  return std::filesystem::temp_directory_path() / "kivtools-bench.kdp";
+}
+
+kiv::Dataset MakeDay() {
+  kiv::Dataset dataset = MakeDataset(kDay, kiv::kKey);
+  for (std::uint32_t i = 0; i < kEdits; ++i) {
+    dataset.Update(kiv::RowId{i * 131}, {{"suma", kiv::Currency::FromRaw(i)}, {"nume", "alt nume"}});
+  }
+  return dataset;
+}
+
+void SaveDay(benchmark::State& state) {
+  const kiv::Dataset day = MakeDay();
+  for (auto _ : state) {
+    kiv::SaveBinary(day, DayFile(), QuickSave());
+  }
+  bench::Require(SumOf(kiv::LoadBinary(DayFile())) == SumOf(day), "file of a day");
+  std::filesystem::remove(DayFile());
+}
+
+void LoadDay(benchmark::State& state) {
+  const kiv::Dataset day = MakeDay();
+  kiv::SaveBinary(day, DayFile(), QuickSave());
+  for (auto _ : state) {
+    benchmark::DoNotOptimize(kiv::LoadBinary(DayFile()));
+  }
+  std::filesystem::remove(DayFile());
+}
+
+[[maybe_unused]] const bool kRegistered = [] {
+  const auto slow = [](const char* name, auto run) {
+    benchmark::RegisterBenchmark(name, run)->Unit(benchmark::kMillisecond);
+  };
+  slow("Packet/save_1000000/kiv", &SaveKiv);
+  slow("Packet/save_1000000/sqlite_serialize", &SaveSqlite);
+  slow("Packet/save_1000000/floor_memcpy", &SaveFloor);
+  slow("Packet/load_1000000_no_key/kiv", [](benchmark::State& state) { LoadKiv(state, kiv::FieldFlags::None); });
+  slow("Packet/load_1000000_no_key/sqlite_deserialize_and_read", &LoadSqlite);
+  slow("Packet/load_1000000_key/kiv", [](benchmark::State& state) { LoadKiv(state, kiv::kKey); });
+  slow("Packet/load_1000000_key/sqlite_deserialize_and_read", &LoadSqlite);
+  slow("Packet/save_40000_with_300_edits/kiv", &SaveDay);
+  slow("Packet/load_40000_with_300_edits/kiv", &LoadDay);
+  return true;
+}();
+
+}  // namespace

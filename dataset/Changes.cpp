@@ -61,7 +61,8 @@ Delta::Delta(std::shared_ptr<const Contents> contents, const Guid& id) : content
     for (std::uint32_t row = first; row < first + contents_->RowsIn(block); ++row) {
       const StoredState state = contents_->StateOf(row);
       if (state != StoredState::Unmodified && state != StoredState::Gone) {
-        rows_.push_back(row);
+        rows_.MakeWritable(count_);
+        rows_.Put(count_++, row);
       }
     }
   }
@@ -77,17 +78,17 @@ const Schema& Delta::GetSchema() const noexcept {
   return contents_->schema;
 }
 std::uint32_t Delta::Count() const noexcept {
-  return static_cast<std::uint32_t>(rows_.size());
+  return count_;
 }
 
 std::uint32_t Delta::Check(std::uint32_t ticket, std::size_t field) const {
-  if (ticket >= rows_.size() || field >= contents_->columns.size()) {
+  if (ticket >= count_ || field >= contents_->columns.size()) {
     Text message = contents_->owner + ": diferenta nu are ";
-    message += ticket >= rows_.size() ? "tichetul " : "campul ";
-    AppendDecimal(message, ticket >= rows_.size() ? std::size_t{ticket} : field);
+    message += ticket >= count_ ? "tichetul " : "campul ";
+    AppendDecimal(message, ticket >= count_ ? std::size_t{ticket} : field);
     throw ListIndexError(message);
   }
-  return rows_[ticket];
+  return rows_.At<std::uint32_t>(ticket);
 }
 
 ChangeKind Delta::Kind(std::uint32_t ticket) const {
@@ -126,7 +127,8 @@ Value Delta::Original(std::uint32_t ticket, std::size_t field) const {
     throw Error(contents_->owner + ": campul " + store::Quoted(contents_->schemaData->fields[field].name) +
                 " nu are valoare initiala in diferenta");
   }
-  return store::ValueOf(contents_->columns[field].type, contents_->ReadOriginal(rows_[ticket], field));
+  return store::ValueOf(contents_->columns[field].type,
+                        contents_->ReadOriginal(rows_.At<std::uint32_t>(ticket), field));
 }
 
 Value Delta::Current(std::uint32_t ticket, std::size_t field) const {

@@ -7,9 +7,11 @@
 
 #include <algorithm>
 #include <cstring>
+#include <functional>
 #include <list>
 #include <string>
 #include <tuple>
+#include <utility>
 #include <vector>
 
 #include "fuzz/Property.h"
@@ -44,10 +46,18 @@ class Arguments {
   Type Next() {
     if constexpr (std::is_same_v<Type, const char*> || std::is_same_v<Type, const std::uint16_t*>) {
       return NextText<std::remove_const_t<std::remove_pointer_t<Type>>>();
-    } else if constexpr (std::is_same_v<Type, char*> || std::is_same_v<Type, std::uint16_t*>) {
+    } else if constexpr (std::is_same_v<Type, const std::uint8_t*>) {
+      return NextBytes();
+    } else if constexpr (std::is_same_v<Type, char*> || std::is_same_v<Type, std::uint16_t*> ||
+                         std::is_same_v<Type, std::uint8_t*>) {
       return NextBuffer<std::remove_pointer_t<Type>>();
     } else if constexpr (std::is_same_v<Type, std::size_t>) {
-      return size_;
+      // A size that belongs to no pointer is the number of a field or of a mark.
+      return std::exchange(hasSize_, false) ? size_ : data_.ConsumeIntegralInRange<std::size_t>(0, 16);
+    } else if constexpr (std::is_same_v<Type, std::uint32_t>) {
+      return data_.ConsumeBool() ? data_.ConsumeIntegralInRange<Type>(0, 9) : data_.ConsumeIntegral<Type>();
+    } else if constexpr (std::is_same_v<Type, const KivFieldValue*>) {
+      return NextValues();
     } else if constexpr (kIsHandle<Type>) {
       return data_.ConsumeIntegralInRange(0, 9) == 0 ? nullptr : RealObject<Pointed<Type>>();
     } else if constexpr (std::is_same_v<Type, const KivVariant*>) {
@@ -82,6 +92,9 @@ class Arguments {
     };
     check(std::get<Memory<char>>(memory_).buffers);
     check(std::get<Memory<std::uint16_t>>(memory_).buffers);
+    for (const auto& free : made_) {
+      free();
+    }
   }
 
   void CheckFailure() const {
@@ -94,6 +107,7 @@ class Arguments {
     check(outputs_);
     check(std::get<Memory<char>>(memory_).buffers);
     check(std::get<Memory<std::uint16_t>>(memory_).buffers);
+    check(std::get<Memory<std::uint8_t>>(memory_).buffers);
   }
 
  private:
@@ -105,6 +119,7 @@ class Arguments {
 
   template <class Unit>
   const Unit* NextText() {
+    hasSize_ = true;
     if (data_.ConsumeIntegralInRange(0, 9) == 0) {
       size_ = data_.ConsumeBool() ? 0 : data_.ConsumeIntegral<std::size_t>();
       return nullptr;
@@ -126,6 +141,7 @@ class Arguments {
   template <class Unit>
   Unit* NextBuffer() {
     ++textResults_;
+    hasSize_ = true;
     if (data_.ConsumeIntegralInRange(0, 9) == 0) {
       size_ = data_.ConsumeBool() ? 0 : data_.ConsumeIntegral<std::size_t>();
       return nullptr;
@@ -146,7 +162,25 @@ class Arguments {
       }
     }
     size_ = texts.size();
+    hasSize_ = true;
     return texts.data();
+  }
+
+  const std::uint8_t* NextBytes() { return reinterpret_cast<const std::uint8_t*>(NextText<char>()); }
+
+  const KivFieldValue* NextValues() {
+    auto& values = values_.emplace_back(data_.ConsumeIntegralInRange<std::size_t>(0, 16));
+    for (KivFieldValue& value : values) {
+      value.kind = data_.ConsumeIntegralInRange(-1, 10);
+      value.integer = Next<std::int64_t>();
+      value.number = Next<double>();
+      value.units =
+          value.kind == KIV_VALUE_WIDE_TEXT ? static_cast<const void*>(NextText<std::uint16_t>()) : NextText<char>();
+      value.size = size_;
+    }
+    size_ = values.size();
+    hasSize_ = true;
+    return data_.ConsumeIntegralInRange(0, 9) == 0 ? nullptr : values.data();
   }
 
   const KivVariant* NextVariant() {
@@ -156,6 +190,7 @@ class Arguments {
     value.number = Next<double>();
     value.text = NextText<char>();
     value.length = size_;
+    hasSize_ = false;
     return &value;
   }
 
@@ -165,15 +200,25 @@ class Arguments {
       return nullptr;
     }
     std::vector<char>& bytes = outputs_.emplace_back(sizeof(Object), static_cast<char>(kUntouched));
+    if constexpr (requires(Object made) { FreeObject(made); }) {
+      made_.emplace_back([&bytes] {
+        Object made = nullptr;
+        std::memcpy(&made, bytes.data(), sizeof made);
+        FreeObject(made);
+      });
+    }
     return reinterpret_cast<Object*>(bytes.data());
   }
 
   FuzzedDataProvider& data_;
   std::size_t size_ = 0;
-  std::tuple<Memory<char>, Memory<std::uint16_t>> memory_;
+  bool hasSize_ = false;  // a pointer has come that it belongs to
+  std::tuple<Memory<char>, Memory<std::uint16_t>, Memory<std::uint8_t>> memory_;
   std::list<std::vector<char>> outputs_;
   std::list<std::vector<const char*>> lists_;
   std::list<KivVariant> variants_;
+  std::list<std::vector<KivFieldValue>> values_;
+  std::list<std::function<void()>> made_;
   int textResults_ = 0;
 };
 
@@ -218,11 +263,25 @@ const std::vector<Call>& Calls() {
   return calls;
 }
 
+/// So that runs begin alike and do not fill the memory.
+void ResetRows(KivDataset* dataset) {
+  KivDatasetCancelLoad(dataset);
+  KivDatasetCancel(dataset);
+  KivDatasetCancelChanges(dataset);
+  std::uint32_t row = KIV_NO_ROW;
+  while (KivDatasetRowCount(dataset) > 5 && KivDatasetNextRow(dataset, row, &row) == 1) {
+    KivDatasetDelete(dataset, row);
+  }
+  KivDatasetAcceptChanges(dataset);
+  KivDatasetCompact(dataset);
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
   FuzzedDataProvider data(bytes, size);
   KivStringListClear(RealObject<KivStringList>());
+  ResetRows(RealObject<KivDataset>());
   while (data.remaining_bytes() > 0) {
     Calls()[data.ConsumeIntegralInRange<std::size_t>(0, Calls().size() - 1)](data);
   }

@@ -9,7 +9,6 @@
 namespace kiv::store {
 namespace {
 
-constexpr std::size_t kMostFields = 1024;
 constexpr std::size_t kLongestName = 63;
 constexpr std::int32_t kMostTextBytes = 32'000;
 constexpr std::int32_t kMostWideUnits = 16'000;

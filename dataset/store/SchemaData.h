@@ -73,6 +73,9 @@ Text FoldName(TextView name);
 /// A name in an error message: quotes inside and control characters do no harm there.
 Text Quoted(TextView name);
 
+/// The most fields that a schema can have.
+inline constexpr std::size_t kMostFields = 1024;
+
 /// What a Schema stands for.
 struct SchemaData {
   std::vector<FieldDef> fields;

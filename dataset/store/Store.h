@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <deque>
 #include <limits>
 #include <memory>
 #include <span>
@@ -133,7 +134,8 @@ class Store {
 
   Contents contents_;
   KeyIndex keys_;
-  std::vector<HashIndex> dictionaries_;  // one a field, unused where the field has no texts
+  /// Not side by side: those of many fields would be one large allocation.
+  std::deque<HashIndex> dictionaries_;  // one a field, unused where the field has no texts
   std::uint64_t textSeed_;
   /// Rows before this one have writable elements in every column, unless a snapshot has been taken since.
   std::uint32_t appendEnd_ = 0;

@@ -1,21 +1,14 @@
-#include "kivtools/c/Dataset.h"
-
 #include <algorithm>
 #include <bit>
 #include <new>
 #include <optional>
-#include <vector>
+#include <type_traits>
 
-#include "kivtools/dataset/Dataset.h"
-#include "package/c/Abi.h"
+#include "dataset/store/SchemaData.h"
 #include "package/c/DatasetHandles.h"
 
 using namespace kiv::c;
 using kiv::Value;
-
-struct KivSchema {
-  std::vector<kiv::FieldDef> fields;
-};
 
 namespace {
 
@@ -27,9 +20,9 @@ constexpr bool IsOneOf(std::int32_t value, std::int32_t last) noexcept {
 
 /// Notes a value of the open row, which it opens if none is.
 void Set(KivDataset& dataset, std::uint32_t row, std::size_t field, Value value) {
-  static_cast<void>(dataset.dataset.FieldAt(field));
+  static_cast<void>(dataset.Own().FieldAt(field));
   if (!dataset.open) {
-    static_cast<void>(dataset.dataset.State(kiv::RowId{row}));
+    static_cast<void>(dataset.Own().State(kiv::RowId{row}));
     dataset.open.emplace(KivDataset::Open{row, {}});
   } else if (dataset.open->row != row) {
     throw ArgumentError("row: alt rand este deschis");
@@ -43,13 +36,13 @@ std::uint32_t Post(KivDataset& dataset) {
   }
   std::vector<kiv::FieldValue> values;
   for (const auto& [field, value] : dataset.open->values) {
-    values.push_back({dataset.dataset.FieldAt(field), value});
+    values.push_back({dataset.View().FieldAt(field), value});
   }
   std::uint32_t row = dataset.open->row;
   if (row == KIV_NO_ROW) {
-    row = static_cast<std::uint32_t>(dataset.dataset.Insert(values));
+    row = static_cast<std::uint32_t>(dataset.Own().Insert(values));
   } else {
-    dataset.dataset.Update(kiv::RowId{row}, values);
+    dataset.Own().Update(kiv::RowId{row}, values);
   }
   dataset.open.reset();
   return row;
@@ -84,8 +77,38 @@ bool Store(const Value& value, Out& out) {
   return true;
 }
 
+/// Runs an operation that gives a value, which is to be of one kind.
+template <class Kind, class Out, class Operation>
+KivAnswer GiveValue(Out* value, Operation&& operation, const char* name = __builtin_FUNCTION()) noexcept {
+  return GiveAnswer(
+      [&] {
+        Out& result = KIV_REQUIRED(value);
+        return Store<Kind>(operation(), result);
+      },
+      name);
+}
+
+/// What a delta holds of a text or of bytes, empty for null.
+template <class Kind>
+Kind BytesOf(Value value) {
+  if (std::holds_alternative<kiv::Null>(value)) {
+    return {};
+  }
+  Kind* const held = std::get_if<Kind>(&value);
+  if (held == nullptr) {
+    throw kiv::InvalidCast("field: valoarea este de alt fel");
+  }
+  return std::move(*held);
+}
+
+/// Copies bytes, of which there may be more than fit; returns how many there are.
+std::size_t CopyBytes(kiv::BytesView bytes, std::uint8_t* buffer, std::size_t capacity) noexcept {
+  std::copy_n(bytes.begin(), std::min(bytes.size(), capacity), buffer);
+  return bytes.size();
+}
+
 Value ValueOf(const KivDataset& dataset, std::uint32_t row, std::size_t field) {
-  return dataset.dataset.Get(kiv::RowId{row}, dataset.dataset.FieldAt(field));
+  return dataset.View().Get(kiv::RowId{row}, dataset.View().FieldAt(field));
 }
 
 Value ValueOf(const KivDelta& delta, std::uint32_t ticket, std::size_t field, std::int32_t original) {
@@ -115,6 +138,9 @@ KivStatus KivSchemaAddField(KivSchema* schema, const char* name, size_t length, 
                             int32_t flags) {
   return Run([=] {
     auto& fields = KIV_REQUIRED(schema).fields;
+    if (fields.size() >= kiv::store::kMostFields) {
+      throw ArgumentError("schema: mai multe campuri nu incap");
+    }
     if (!IsOneOf(type, KIV_FIELD_AUTO_INC)) {
       throw ArgumentError("type: valoare necunoscuta");
     }
@@ -131,7 +157,7 @@ KivStatus KivDatasetNew(const char* name, size_t length, const KivSchema* schema
     const kiv::TextView given = KIV_TEXT(name, length);
     const auto& fields = KIV_REQUIRED(schema).fields;
     KivDataset*& result = KIV_REQUIRED(dataset);
-    result = new KivDataset{kiv::Dataset(given, kiv::Schema(fields))};
+    result = new KivDataset(kiv::Dataset(given, kiv::Schema(fields)));
   });
 }
 
@@ -139,17 +165,24 @@ void KivDatasetFree(KivDataset* dataset) {
   delete dataset;
 }
 
+KivStatus KivDatasetTakeSnapshot(KivDataset* dataset, KivDataset** snapshot) {
+  return Run([=] {
+    KivDataset*& result = KIV_REQUIRED(snapshot);
+    result = new KivDataset(KIV_REQUIRED(dataset).Own().TakeSnapshot());
+  });
+}
+
 KivLength KivDatasetField(const KivDataset* dataset, const char* name, size_t length) {
-  return GiveLength([=] { return KIV_REQUIRED(dataset).dataset.Field(KIV_TEXT(name, length)).Index(); });
+  return GiveLength([=] { return KIV_REQUIRED(dataset).View().Field(KIV_TEXT(name, length)).Index(); });
 }
 
 KivLength KivDatasetRowCount(const KivDataset* dataset) {
-  return GiveLength([=] { return KIV_REQUIRED(dataset).dataset.RowCount(); });
+  return GiveLength([=] { return KIV_REQUIRED(dataset).View().RowCount(); });
 }
 
 KivAnswer KivDatasetNextRow(const KivDataset* dataset, uint32_t row, uint32_t* next) {
   return GiveAnswer([=] {
-    const kiv::Dataset& rows = KIV_REQUIRED(dataset).dataset;
+    const kiv::DatasetView& rows = KIV_REQUIRED(dataset).View();
     std::uint32_t& result = KIV_REQUIRED(next);
     return GiveRow(rows.NextRow(row == KIV_NO_ROW ? std::nullopt : std::optional(kiv::RowId{row})), result) != 0;
   });
@@ -158,27 +191,28 @@ KivAnswer KivDatasetNextRow(const KivDataset* dataset, uint32_t row, uint32_t* n
 KivStatus KivDatasetState(const KivDataset* dataset, uint32_t row, int32_t* state) {
   return Run([=] {
     std::int32_t& result = KIV_REQUIRED(state);
-    result = static_cast<std::int32_t>(KIV_REQUIRED(dataset).dataset.State(kiv::RowId{row}));
+    result = static_cast<std::int32_t>(KIV_REQUIRED(dataset).View().State(kiv::RowId{row}));
   });
 }
 
 KivAnswer KivDatasetFindInt64(const KivDataset* dataset, int64_t key, uint32_t* row) {
   return GiveAnswer([=] {
     std::uint32_t& result = KIV_REQUIRED(row);
-    return GiveRow(KIV_REQUIRED(dataset).dataset.Find(key), result) != 0;
+    return GiveRow(KIV_REQUIRED(dataset).Own().Find(key), result) != 0;
   });
 }
 
 KivAnswer KivDatasetFindText(const KivDataset* dataset, const char* key, size_t length, uint32_t* row) {
   return GiveAnswer([=] {
     std::uint32_t& result = KIV_REQUIRED(row);
-    return GiveRow(KIV_REQUIRED(dataset).dataset.Find({KIV_TEXT(key, length)}), result) != 0;
+    return GiveRow(KIV_REQUIRED(dataset).Own().Find({KIV_TEXT(key, length)}), result) != 0;
   });
 }
 
 KivStatus KivDatasetInsert(KivDataset* dataset) {
   return Run([=] {
     KivDataset& opened = KIV_REQUIRED(dataset);
+    static_cast<void>(opened.Own());
     if (opened.open) {
       throw ArgumentError("dataset: alt rand este deschis");
     }
@@ -224,10 +258,8 @@ KivStatus KivDatasetSetGuid(KivDataset* dataset, uint32_t row, size_t field, con
 
 KivStatus KivDatasetSetBytes(KivDataset* dataset, uint32_t row, size_t field, const uint8_t* bytes, size_t size) {
   return Run([=] {
-    if (size > 0) {
-      KIV_REQUIRED(bytes);
-    }
-    Set(KIV_REQUIRED(dataset), row, field, kiv::Bytes(bytes, bytes + size));
+    const kiv::BytesView given = BytesArgument(bytes, size, "bytes");
+    Set(KIV_REQUIRED(dataset), row, field, kiv::Bytes(given.begin(), given.end()));
   });
 }
 
@@ -245,61 +277,43 @@ KivStatus KivDatasetCancel(KivDataset* dataset) {
 }
 
 KivStatus KivDatasetDelete(KivDataset* dataset, uint32_t row) {
-  return Run([=] { KIV_REQUIRED(dataset).dataset.Delete(kiv::RowId{row}); });
+  return Run([=] { KIV_REQUIRED(dataset).Own().Delete(kiv::RowId{row}); });
 }
 
 KivAnswer KivDatasetIsNull(const KivDataset* dataset, uint32_t row, size_t field) {
   return GiveAnswer([=] {
-    const kiv::Dataset& rows = KIV_REQUIRED(dataset).dataset;
+    const kiv::DatasetView& rows = KIV_REQUIRED(dataset).View();
     return rows.IsNull(kiv::RowId{row}, rows.FieldAt(field));
   });
 }
 
 KivAnswer KivDatasetGetBoolean(const KivDataset* dataset, uint32_t row, size_t field, int32_t* value) {
-  return GiveAnswer([=] {
-    int32_t& result = KIV_REQUIRED(value);
-    return Store<bool>(ValueOf(KIV_REQUIRED(dataset), row, field), result);
-  });
+  return GiveValue<bool>(value, [=] { return ValueOf(KIV_REQUIRED(dataset), row, field); });
 }
 
 KivAnswer KivDatasetGetInt64(const KivDataset* dataset, uint32_t row, size_t field, int64_t* value) {
-  return GiveAnswer([=] {
-    int64_t& result = KIV_REQUIRED(value);
-    return Store<std::int64_t>(ValueOf(KIV_REQUIRED(dataset), row, field), result);
-  });
+  return GiveValue<std::int64_t>(value, [=] { return ValueOf(KIV_REQUIRED(dataset), row, field); });
 }
 
 KivAnswer KivDatasetGetDouble(const KivDataset* dataset, uint32_t row, size_t field, double* value) {
-  return GiveAnswer([=] {
-    double& result = KIV_REQUIRED(value);
-    return Store<double>(ValueOf(KIV_REQUIRED(dataset), row, field), result);
-  });
+  return GiveValue<double>(value, [=] { return ValueOf(KIV_REQUIRED(dataset), row, field); });
 }
 
 KivAnswer KivDatasetGetCurrency(const KivDataset* dataset, uint32_t row, size_t field, int64_t* value) {
-  return GiveAnswer([=] {
-    int64_t& result = KIV_REQUIRED(value);
-    return Store<kiv::Currency>(ValueOf(KIV_REQUIRED(dataset), row, field), result);
-  });
+  return GiveValue<kiv::Currency>(value, [=] { return ValueOf(KIV_REQUIRED(dataset), row, field); });
 }
 
 KivAnswer KivDatasetGetDateTime(const KivDataset* dataset, uint32_t row, size_t field, double* value) {
-  return GiveAnswer([=] {
-    double& result = KIV_REQUIRED(value);
-    return Store<kiv::DateTime>(ValueOf(KIV_REQUIRED(dataset), row, field), result);
-  });
+  return GiveValue<kiv::DateTime>(value, [=] { return ValueOf(KIV_REQUIRED(dataset), row, field); });
 }
 
 KivAnswer KivDatasetGetGuid(const KivDataset* dataset, uint32_t row, size_t field, KivGuid* value) {
-  return GiveAnswer([=] {
-    KivGuid& result = KIV_REQUIRED(value);
-    return Store<kiv::Guid>(ValueOf(KIV_REQUIRED(dataset), row, field), result);
-  });
+  return GiveValue<kiv::Guid>(value, [=] { return ValueOf(KIV_REQUIRED(dataset), row, field); });
 }
 
 KivLength KivDatasetGetText(const KivDataset* dataset, uint32_t row, size_t field, char* buffer, size_t capacity) {
   return GiveText(buffer, capacity, [=] {
-    const kiv::Dataset& rows = KIV_REQUIRED(dataset).dataset;
+    const kiv::DatasetView& rows = KIV_REQUIRED(dataset).View();
     return rows.GetText(kiv::RowId{row}, rows.FieldAt(field));
   });
 }
@@ -307,7 +321,7 @@ KivLength KivDatasetGetText(const KivDataset* dataset, uint32_t row, size_t fiel
 KivLength KivDatasetGetWideText(const KivDataset* dataset, uint32_t row, size_t field, uint16_t* buffer,
                                 size_t capacity) {
   return GiveText(buffer, capacity, [=] {
-    const kiv::Dataset& rows = KIV_REQUIRED(dataset).dataset;
+    const kiv::DatasetView& rows = KIV_REQUIRED(dataset).View();
     return rows.GetWideText(kiv::RowId{row}, rows.FieldAt(field));
   });
 }
@@ -315,22 +329,20 @@ KivLength KivDatasetGetWideText(const KivDataset* dataset, uint32_t row, size_t 
 KivLength KivDatasetGetBytes(const KivDataset* dataset, uint32_t row, size_t field, uint8_t* buffer, size_t capacity) {
   return GiveLength([=] {
     KIV_BUFFER(buffer, capacity);
-    const kiv::Dataset& rows = KIV_REQUIRED(dataset).dataset;
-    const kiv::BytesView bytes = rows.GetBytes(kiv::RowId{row}, rows.FieldAt(field));
-    std::copy_n(bytes.begin(), std::min(bytes.size(), capacity), buffer);
-    return bytes.size();
+    const kiv::DatasetView& rows = KIV_REQUIRED(dataset).View();
+    return CopyBytes(rows.GetBytes(kiv::RowId{row}, rows.FieldAt(field)), buffer, capacity);
   });
 }
 
 KivLength KivDatasetChangeCount(const KivDataset* dataset) {
-  return GiveLength([=] { return KIV_REQUIRED(dataset).dataset.ChangeCount(); });
+  return GiveLength([=] { return KIV_REQUIRED(dataset).View().ChangeCount(); });
 }
 
 KivStatus KivDatasetSetMark(KivDataset* dataset, size_t* mark) {
   return Run([=] {
     std::size_t& result = KIV_REQUIRED(mark);
     KivDataset& marked = KIV_REQUIRED(dataset);
-    marked.marks.push_back(marked.dataset.Changes().SetMark());
+    marked.marks.push_back(marked.Own().Changes().SetMark());
     result = marked.marks.size() - 1;
   });
 }
@@ -341,34 +353,40 @@ KivStatus KivDatasetRollbackTo(KivDataset* dataset, size_t mark) {
     if (mark >= marked.marks.size()) {
       throw ArgumentError("mark: valoare necunoscuta");
     }
-    marked.dataset.Changes().RollbackTo(marked.marks[mark]);
+    marked.Own().Changes().RollbackTo(marked.marks[mark]);
   });
 }
 
 KivAnswer KivDatasetUndoLast(KivDataset* dataset) {
-  return GiveAnswer([=] { return KIV_REQUIRED(dataset).dataset.Changes().UndoLast(); });
+  return GiveAnswer([=] { return KIV_REQUIRED(dataset).Own().Changes().UndoLast(); });
 }
 
 KivStatus KivDatasetRevertRow(KivDataset* dataset, uint32_t row) {
-  return Run([=] { KIV_REQUIRED(dataset).dataset.Changes().RevertRow(kiv::RowId{row}); });
+  return Run([=] { KIV_REQUIRED(dataset).Own().Changes().RevertRow(kiv::RowId{row}); });
 }
 
 KivStatus KivDatasetCancelChanges(KivDataset* dataset) {
-  return Run([=] { KIV_REQUIRED(dataset).dataset.Changes().CancelChanges(); });
+  return Run([=] { KIV_REQUIRED(dataset).Own().Changes().CancelChanges(); });
 }
 
 KivStatus KivDatasetAcceptChanges(KivDataset* dataset) {
-  return Run([=] { KIV_REQUIRED(dataset).dataset.Changes().AcceptChanges(); });
+  return Run([=] { KIV_REQUIRED(dataset).Own().Changes().AcceptChanges(); });
 }
 
 KivStatus KivDatasetCompact(KivDataset* dataset) {
-  return Run([=] { KIV_REQUIRED(dataset).dataset.Compact(); });
+  return Run([=] {
+    KivDataset& compacted = KIV_REQUIRED(dataset);
+    if (compacted.open) {
+      throw ArgumentError("dataset: un rand este deschis");  // whose number would be another's
+    }
+    compacted.Own().Compact();
+  });
 }
 
 KivStatus KivDatasetMakeDelta(KivDataset* dataset, KivDelta** delta) {
   return Run([=] {
     KivDelta*& result = KIV_REQUIRED(delta);
-    result = new KivDelta{KIV_REQUIRED(dataset).dataset.Changes().MakeDelta()};
+    result = new KivDelta{KIV_REQUIRED(dataset).Own().Changes().MakeDelta()};
   });
 }
 
@@ -409,60 +427,46 @@ KivAnswer KivDeltaHasOriginal(const KivDelta* delta, uint32_t ticket, size_t fie
 }
 
 KivAnswer KivDeltaGetBoolean(const KivDelta* delta, uint32_t ticket, size_t field, int32_t original, int32_t* value) {
-  return GiveAnswer([=] {
-    int32_t& result = KIV_REQUIRED(value);
-    return Store<bool>(ValueOf(KIV_REQUIRED(delta), ticket, field, original), result);
-  });
+  return GiveValue<bool>(value, [=] { return ValueOf(KIV_REQUIRED(delta), ticket, field, original); });
 }
 
 KivAnswer KivDeltaGetInt64(const KivDelta* delta, uint32_t ticket, size_t field, int32_t original, int64_t* value) {
-  return GiveAnswer([=] {
-    int64_t& result = KIV_REQUIRED(value);
-    return Store<std::int64_t>(ValueOf(KIV_REQUIRED(delta), ticket, field, original), result);
-  });
+  return GiveValue<std::int64_t>(value, [=] { return ValueOf(KIV_REQUIRED(delta), ticket, field, original); });
 }
 
 KivAnswer KivDeltaGetDouble(const KivDelta* delta, uint32_t ticket, size_t field, int32_t original, double* value) {
-  return GiveAnswer([=] {
-    double& result = KIV_REQUIRED(value);
-    return Store<double>(ValueOf(KIV_REQUIRED(delta), ticket, field, original), result);
-  });
+  return GiveValue<double>(value, [=] { return ValueOf(KIV_REQUIRED(delta), ticket, field, original); });
 }
 
 KivAnswer KivDeltaGetCurrency(const KivDelta* delta, uint32_t ticket, size_t field, int32_t original, int64_t* value) {
-  return GiveAnswer([=] {
-    int64_t& result = KIV_REQUIRED(value);
-    return Store<kiv::Currency>(ValueOf(KIV_REQUIRED(delta), ticket, field, original), result);
-  });
+  return GiveValue<kiv::Currency>(value, [=] { return ValueOf(KIV_REQUIRED(delta), ticket, field, original); });
 }
 
 KivAnswer KivDeltaGetDateTime(const KivDelta* delta, uint32_t ticket, size_t field, int32_t original, double* value) {
-  return GiveAnswer([=] {
-    double& result = KIV_REQUIRED(value);
-    return Store<kiv::DateTime>(ValueOf(KIV_REQUIRED(delta), ticket, field, original), result);
-  });
+  return GiveValue<kiv::DateTime>(value, [=] { return ValueOf(KIV_REQUIRED(delta), ticket, field, original); });
 }
 
 KivAnswer KivDeltaGetGuid(const KivDelta* delta, uint32_t ticket, size_t field, int32_t original, KivGuid* value) {
-  return GiveAnswer([=] {
-    KivGuid& result = KIV_REQUIRED(value);
-    return Store<kiv::Guid>(ValueOf(KIV_REQUIRED(delta), ticket, field, original), result);
-  });
+  return GiveValue<kiv::Guid>(value, [=] { return ValueOf(KIV_REQUIRED(delta), ticket, field, original); });
 }
 
 KivLength KivDeltaGetText(const KivDelta* delta, uint32_t ticket, size_t field, int32_t original, char* buffer,
                           size_t capacity) {
-  return GiveText(buffer, capacity, [=] {
-    kiv::Text text;
-    const Value value = ValueOf(KIV_REQUIRED(delta), ticket, field, original);
-    if (!std::holds_alternative<kiv::Null>(value)) {
-      const kiv::Text* const held = std::get_if<kiv::Text>(&value);
-      if (held == nullptr) {
-        throw kiv::InvalidCast("field: valoarea este de alt fel");
-      }
-      text = *held;
-    }
-    return text;
+  return GiveText(buffer, capacity,
+                  [=] { return BytesOf<kiv::Text>(ValueOf(KIV_REQUIRED(delta), ticket, field, original)); });
+}
+
+KivLength KivDeltaGetWideText(const KivDelta* delta, uint32_t ticket, size_t field, int32_t original, uint16_t* buffer,
+                              size_t capacity) {
+  return GiveText(buffer, capacity,
+                  [=] { return BytesOf<kiv::WideText>(ValueOf(KIV_REQUIRED(delta), ticket, field, original)); });
+}
+
+KivLength KivDeltaGetBytes(const KivDelta* delta, uint32_t ticket, size_t field, int32_t original, uint8_t* buffer,
+                           size_t capacity) {
+  return GiveLength([=] {
+    KIV_BUFFER(buffer, capacity);
+    return CopyBytes(BytesOf<kiv::Bytes>(ValueOf(KIV_REQUIRED(delta), ticket, field, original)), buffer, capacity);
   });
 }
 

@@ -1,25 +1,99 @@
 #pragma once
 
+#include <list>
+#include <memory>
 #include <optional>
 #include <utility>
+#include <variant>
 #include <vector>
 
 #include "kivtools/c/Dataset.h"
 #include "kivtools/dataset/Dataset.h"
+#include "kivtools/dataset/Loader.h"
+#include "package/c/Abi.h"
 
-// What the handles of datasets lead to.
+/// What the handles of the dataset functions are.
+struct KivSchema {
+  std::vector<kiv::FieldDef> fields;
+};
+
+struct KivDelta {
+  kiv::Delta delta;
+};
+
+namespace kiv::c {
+
+/// Tells a host's functions of changes.
+class DatasetCallbacks final : public DatasetListener {
+ public:
+  DatasetCallbacks(const DatasetView& dataset, KivDatasetBeforePost before, KivDatasetChanged changed,
+                   void* context) noexcept
+      : dataset_(dataset), before_(before), changed_(changed), context_(context) {}
+  void BeforePost(const Proposal& proposal) override;
+  void Changed(const ChangeNotice& notice) noexcept override;
+
+ private:
+  const DatasetView& dataset_;
+  KivDatasetBeforePost before_;
+  KivDatasetChanged changed_;
+  void* context_;
+};
+
+/// The bytes argument `name`. Throws ArgumentError for a null pointer with a size, and for KIV_ZERO_ENDED.
+inline BytesView BytesArgument(const std::uint8_t* bytes, std::size_t size, const char* name) {
+  BufferArgument(bytes, size, name);
+  if (size == KIV_ZERO_ENDED) {
+    throw ArgumentError(Text(name) + ": dimensiunea lipseste");
+  }
+  return {bytes, size};
+}
+
+/// Values that a host has handed over, borrowed from it but for those in UTF-16.
+class GivenValues {
+ public:
+  /// `name` is the argument's.
+  GivenValues(const KivFieldValue* values, std::size_t count, const char* name);
+  [[nodiscard]] std::span<const ValueView> All() const noexcept { return views_; }
+
+ private:
+  ValueView ViewOf(const KivFieldValue& value, const char* name);
+  std::list<WideText> wides_;
+  std::vector<ValueView> views_;
+};
+
+}  // namespace kiv::c
 
 struct KivDataset {
-  kiv::Dataset dataset;
-  std::vector<kiv::Mark> marks{};
+  explicit KivDataset(kiv::Dataset dataset) noexcept : rows(std::move(dataset)) {}
+  explicit KivDataset(kiv::Snapshot snapshot) noexcept : rows(std::move(snapshot)) {}
+
+  std::variant<kiv::Dataset, kiv::Snapshot> rows;
+  std::vector<kiv::Mark> marks;
   /// The open row and what was set in it.
   struct Open {
     std::uint32_t row;
     std::vector<std::pair<std::size_t, kiv::Value>> values;
   };
-  std::optional<Open> open{};
-};
+  std::optional<Open> open;
+  std::optional<kiv::Loader> loader;
+  /// Those that have been taken off stay, for they may be running; `isOn` says which.
+  struct Listener {
+    std::unique_ptr<kiv::c::DatasetCallbacks> callbacks;
+    bool isOn;
+  };
+  std::vector<Listener> listeners;
 
-struct KivDelta {
-  kiv::Delta delta;
+  [[nodiscard]] const kiv::DatasetView& View() const noexcept {
+    const auto* const own = std::get_if<kiv::Dataset>(&rows);
+    return own != nullptr ? static_cast<const kiv::DatasetView&>(*own) : *std::get_if<kiv::Snapshot>(&rows);
+  }
+  /// Throws ArgumentError for a snapshot.
+  [[nodiscard]] const kiv::Dataset& Own() const {
+    const auto* const own = std::get_if<kiv::Dataset>(&rows);
+    if (own == nullptr) {
+      throw kiv::c::ArgumentError("dataset: o imagine se poate numai citi");
+    }
+    return *own;
+  }
+  [[nodiscard]] kiv::Dataset& Own() { return const_cast<kiv::Dataset&>(std::as_const(*this).Own()); }
 };

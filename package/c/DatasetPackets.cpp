@@ -82,7 +82,7 @@ KivStatus KivPacketContent(const char* path, size_t length, int32_t* content) {
 
 KivStatus KivDatasetSave(const KivDataset* dataset, const char* path, size_t length, int32_t options) {
   return Run([=] {
-    kiv::SaveBinary(KIV_REQUIRED(dataset).dataset, kiv::platform::PathFromText(KIV_TEXT(path, length)),
+    kiv::SaveBinary(KIV_REQUIRED(dataset).View(), kiv::platform::PathFromText(KIV_TEXT(path, length)),
                     OptionsOf(options));
   });
 }
@@ -92,7 +92,7 @@ KivStatus KivDatasetLoad(const char* path, size_t length, KivDataset** dataset, 
   return Run([=] {
     KivDataset*& result = KIV_REQUIRED(dataset);
     kiv::LoadReport report;
-    result = new KivDataset{kiv::LoadBinary(kiv::platform::PathFromText(KIV_TEXT(path, length)), {}, &report)};
+    result = new KivDataset(kiv::LoadBinary(kiv::platform::PathFromText(KIV_TEXT(path, length)), {}, &report));
     if (replayed != nullptr) {
       *replayed = report.replayed;
     }
@@ -103,13 +103,13 @@ KivStatus KivDatasetLoad(const char* path, size_t length, KivDataset** dataset, 
 }
 
 KivStatus KivDatasetWrite(const KivDataset* dataset, KivPacketSink sink, void* context) {
-  return Run([=] { kiv::WriteBinary(KIV_REQUIRED(dataset).dataset, SinkOf(sink, context)); });
+  return Run([=] { kiv::WriteBinary(KIV_REQUIRED(dataset).View(), SinkOf(sink, context)); });
 }
 
 KivStatus KivDatasetRead(KivPacketSource source, void* context, KivDataset** dataset) {
   return Run([=] {
     KivDataset*& result = KIV_REQUIRED(dataset);
-    result = new KivDataset{kiv::ReadBinary(SourceOf(source, context))};
+    result = new KivDataset(kiv::ReadBinary(SourceOf(source, context)));
   });
 }
 
@@ -145,7 +145,7 @@ KivStatus KivJournalNew(KivDataset* dataset, const char* path, size_t length, in
       throw ArgumentError("flush: valoare necunoscuta");
     }
     result =
-        new KivJournal{kiv::Journal(KIV_REQUIRED(dataset).dataset, kiv::platform::PathFromText(KIV_TEXT(path, length)),
+        new KivJournal{kiv::Journal(KIV_REQUIRED(dataset).Own(), kiv::platform::PathFromText(KIV_TEXT(path, length)),
                                     {.flush = static_cast<kiv::JournalFlush>(flush), .save = OptionsOf(options)})};
   });
 }
@@ -170,20 +170,20 @@ KivStatus KivJournalSize(const KivJournal* journal, uint64_t* size) {
 }
 
 KivLength KivDatasetName(const KivDataset* dataset, char* buffer, size_t capacity) {
-  return GiveText(buffer, capacity, [=] { return KIV_REQUIRED(dataset).dataset.Name(); });
+  return GiveText(buffer, capacity, [=] { return KIV_REQUIRED(dataset).View().Name(); });
 }
 
 KivLength KivDatasetFieldCount(const KivDataset* dataset) {
-  return GiveLength([=] { return KIV_REQUIRED(dataset).dataset.GetSchema().Fields().size(); });
+  return GiveLength([=] { return KIV_REQUIRED(dataset).View().GetSchema().Fields().size(); });
 }
 
 KivLength KivDatasetFieldName(const KivDataset* dataset, size_t field, char* buffer, size_t capacity) {
   return GiveText(buffer, capacity,
-                  [=] { return kiv::TextView(FieldOf(KIV_REQUIRED(dataset).dataset.GetSchema(), field).name); });
+                  [=] { return kiv::TextView(FieldOf(KIV_REQUIRED(dataset).View().GetSchema(), field).name); });
 }
 
 KivStatus KivDatasetFieldInfo(const KivDataset* dataset, size_t field, int32_t* type, int32_t* size, int32_t* flags) {
-  return Run([=] { GiveField(KIV_REQUIRED(dataset).dataset.GetSchema(), field, type, size, flags); });
+  return Run([=] { GiveField(KIV_REQUIRED(dataset).View().GetSchema(), field, type, size, flags); });
 }
 
 KivLength KivDatasetCountOf(const KivDataset* dataset, int32_t state) {
@@ -191,13 +191,13 @@ KivLength KivDatasetCountOf(const KivDataset* dataset, int32_t state) {
     if (state < KIV_ROW_UNMODIFIED || state > KIV_ROW_DELETED) {
       throw ArgumentError("state: valoare necunoscuta");
     }
-    return KIV_REQUIRED(dataset).dataset.CountOf(static_cast<kiv::RowState>(state));
+    return KIV_REQUIRED(dataset).View().CountOf(static_cast<kiv::RowState>(state));
   });
 }
 
 KivLength KivDatasetValueText(const KivDataset* dataset, uint32_t row, size_t field, char* buffer, size_t capacity) {
   return GiveText(buffer, capacity, [=] {
-    const kiv::Dataset& rows = KIV_REQUIRED(dataset).dataset;
+    const kiv::DatasetView& rows = KIV_REQUIRED(dataset).View();
     return kiv::ShownValue(FieldOf(rows.GetSchema(), field).type, rows.View(kiv::RowId{row}, rows.FieldAt(field)));
   });
 }

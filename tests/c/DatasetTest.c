@@ -98,6 +98,9 @@ void DatasetTest(void) {
   EXPECT(KivDeltaGetBoolean(delta, 0, 6, 0, &number) == 1 && number == 1);
   EXPECT(KivDeltaGetGuid(delta, 0, 7, 1, &id) == 1 && KivGuidEgal(&id, &guid) == 1);
   GIVES("Alfa", KivDeltaGetText, delta, 0, 1, 1);
+  EXPECT(KivDeltaGetWideText(delta, 0, 5, 0, units, 8) == 2 && units[0] == 0x219);
+  EXPECT(KivDeltaGetBytes(delta, 0, 8, 0, got, 1) == 3 && got[0] == 1);
+  EXPECT(KivDeltaGetBytes(delta, 0, 1, 0, got, 1) == -KIV_ERROR_CAST);
   EXPECT(KivDeltaGetText(delta, 0, 0, 1, buffer, sizeof buffer) == -KIV_ERROR_CAST);
   EXPECT(LastMessageIs("field: valoarea este de alt fel"));
   KivDeltaFree(delta);

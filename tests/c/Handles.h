@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
 
 #include "kivtools/kiv.h"
@@ -35,4 +36,62 @@ inline KivAVLNode* RealObject() {
     return root;
   }();
   return &node;
+}
+
+template <>
+inline KivSchema* RealObject() {
+  static const std::unique_ptr<KivSchema, decltype(KivSchemaFree)*> schema(KivSchemaNew(), KivSchemaFree);
+  return schema.get();
+}
+
+/// A dataset with a field of each type, the last of them the key, and the net of its two insertions.
+struct RealRows {
+  std::unique_ptr<KivDataset, decltype(KivDatasetFree)*> dataset{nullptr, KivDatasetFree};
+  std::unique_ptr<KivDelta, decltype(KivDeltaFree)*> delta{nullptr, KivDeltaFree};
+
+  RealRows() {
+    const std::unique_ptr<KivSchema, decltype(KivSchemaFree)*> schema(KivSchemaNew(), KivSchemaFree);
+    for (std::int32_t type = KIV_FIELD_INT16; type <= KIV_FIELD_AUTO_INC; ++type) {
+      const char name[] = {'f', static_cast<char>('a' + type)};
+      KivSchemaAddField(schema.get(), name, sizeof name, type, 0, type == KIV_FIELD_AUTO_INC ? KIV_FLAG_KEY : 0);
+    }
+    KivDataset* made = nullptr;
+    KivDatasetNew("rows", KIV_ZERO_ENDED, schema.get(), &made);
+    dataset.reset(made);
+    for (int row = 0; row < 5; ++row) {
+      KivDatasetInsert(made);
+      KivDatasetPost(made, nullptr);
+      if (row == 2) {
+        KivDatasetAcceptChanges(made);
+      }
+    }
+    KivDelta* net = nullptr;
+    KivDatasetMakeDelta(made, &net);
+    delta.reset(net);
+  }
+  static const RealRows& Get() {
+    static const RealRows rows;
+    return rows;
+  }
+};
+
+template <>
+inline KivDataset* RealObject() {
+  return RealRows::Get().dataset.get();
+}
+
+template <>
+inline KivDelta* RealObject() {
+  return RealRows::Get().delta.get();
+}
+
+/// Frees what a function has made.
+inline void FreeObject(KivAVLIndex* index) {
+  KivAVLIndexDestroy(index);
+}
+inline void FreeObject(KivDataset* dataset) {
+  KivDatasetFree(dataset);
+}
+inline void FreeObject(KivDelta* delta) {
+  KivDeltaFree(delta);
 }

@@ -15,6 +15,11 @@ namespace {
 /// Where null is an answer of its own, as the header says.
 const std::set<Text> kOptional = {"KivCalcDurataTotalaText: remainingLength",
                                   "KivCalcDurataTotalaText: totalLength",
+                                  "KivDatasetAddListener: before",
+                                  "KivDatasetAddListener: changed",
+                                  "KivDatasetPost: posted",
+                                  "KivDeltaTicket: kind",
+                                  "KivDeltaTicket: row",
                                   "KivLastErrorMessage: buffer",
                                   "KivMaskReplace: lengths",
                                   "KivStringListFree: list",
@@ -36,6 +41,11 @@ Type Good() {
     return 1;
   } else if constexpr (std::is_same_v<Type, KivAvlForEach>) {
     return [](void*, std::int32_t, void*) -> std::int32_t { return 0; };
+  } else if constexpr (std::is_function_v<std::remove_pointer_t<Type>>) {
+    return nullptr;
+  } else if constexpr (std::is_same_v<Type, KivDataset*>) {
+    KivDatasetInsert(RealObject<KivDataset>());  // a row is open, or one has been
+    return RealObject<KivDataset>();
   } else if constexpr (std::is_same_v<Type, const char* const*>) {
     static constexpr const char* kText = "1";
     return &kText;

@@ -16,6 +16,9 @@ namespace {
 
 using namespace kiv::literals;
 
+/// Before the edits of the dataset made last.
+std::optional<Mark> marked;
+
 /// Rows on both sides of the edge of a block, some of them changed, the log nearly at the end of a piece.
 Dataset Edited() {
   Dataset dataset("randuri", {{"id", FieldType::AutoInc, kKey},
@@ -30,6 +33,7 @@ Dataset Edited() {
     loader.Add({i, "t" + std::to_string(i), null, Guid{1}, null, 1_lei});
   }
   loader.Finish();
+  marked = dataset.Changes().SetMark();
   dataset.Set(RowId{1}, "suma", 2_lei);
   dataset.Delete(RowId{2});
   dataset.Update(RowId{3}, {{"id", 1003}, {"memo", "m"}});
@@ -66,6 +70,7 @@ const Operation kOperations[] = {
     {"undo", [](Dataset& d) { d.Changes().UndoLast(); }},
     {"cancel", [](Dataset& d) { d.Changes().CancelChanges(); }},
     {"accept", [](Dataset& d) { d.Changes().AcceptChanges(); }},
+    {"rollback", [](Dataset& d) { d.Changes().RollbackTo(*marked); }},
     {"mark", [](Dataset& d) { d.Changes().SetMark(); }},
     {"snapshot", [](Dataset& d) { static_cast<void>(d.TakeSnapshot()); }},
     {"delta", [](Dataset& d) { static_cast<void>(d.Changes().MakeDelta()); }},
@@ -195,6 +200,12 @@ TEST(Allocations, NoneIsAbove64KiBButThoseOfLongValues) {
                               {"text", FieldType::Text},
                               {"guid", FieldType::Guid},
                               {"suma", FieldType::Currency}});
+  std::vector<FieldDef> many;
+  for (int i = 0; i < 60; ++i) {
+    many.emplace_back("text" + std::to_string(i), FieldType::Text, 20);
+  }
+  Dataset wide("lata", Schema(many));
+  wide.Insert({{"text59", "t"}});
   {
     Loader loader(dataset);
     for (int i = 0; i < 100'000; ++i) {
@@ -208,6 +219,8 @@ TEST(Allocations, NoneIsAbove64KiBButThoseOfLongValues) {
   }
   const Snapshot snapshot = dataset.TakeSnapshot();
   dataset.Set(RowId{50'000}, "text", "nou");
+  EXPECT_EQ(dataset.Changes().MakeDelta().Count(), 160'000U);
+  dataset.Compact();
   dataset.Changes().CancelChanges();
   EXPECT_LE(Allocations::Largest(), 64U * 1024);
   EXPECT_GE(Allocations::Largest(), 32U * 1024) << "nothing was watched";

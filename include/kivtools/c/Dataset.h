@@ -6,6 +6,8 @@
  * A field is named by its place in the schema, which KivDatasetField finds. A row is open for editing from its first
  * KivDatasetSet... or from KivDatasetInsert until KivDatasetPost or KivDatasetCancel; one row of a dataset at a time.
  * Values of an open row are seen by nobody before it is posted. A handle is used from one thread at a time.
+ *
+ * Where several values are handed over at once, in keys, bulk loads and to listeners, each is a KivFieldValue.
  */
 #ifndef KIVTOOLS_C_DATASET_H
 #define KIVTOOLS_C_DATASET_H
@@ -56,10 +58,54 @@ enum {
 enum { KIV_ROW_UNMODIFIED = 0, KIV_ROW_INSERTED = 1, KIV_ROW_MODIFIED = 2, KIV_ROW_DELETED = 3 };
 
 /** What a change did to its row. */
-enum { KIV_CHANGE_INSERT = 0, KIV_CHANGE_UPDATE = 1, KIV_CHANGE_DELETE = 2 };
+enum { KIV_CHANGE_INSERT = 0, KIV_CHANGE_UPDATE = 1, KIV_CHANGE_DELETE = 2, KIV_CHANGE_RESTORE = 3 };
+
+/** In place of these: more than one row may have changed. */
+#define KIV_CHANGE_ALL (-1)
 
 /** Stands for the row that KivDatasetInsert has opened, and for the place before the first row. */
 #define KIV_NO_ROW 0xFFFFFFFFu
+
+/** The kinds of a KivFieldValue. */
+enum {
+  KIV_VALUE_NULL = 0,
+  KIV_VALUE_BOOLEAN = 1,   /**< `integer`, 0 or not */
+  KIV_VALUE_INTEGER = 2,   /**< `integer` */
+  KIV_VALUE_DOUBLE = 3,    /**< `number` */
+  KIV_VALUE_CURRENCY = 4,  /**< `integer`, in ten-thousandths */
+  KIV_VALUE_DATE_TIME = 5, /**< `number`, in days since 30 December 1899 */
+  KIV_VALUE_TEXT = 6,      /**< `units`, `size` bytes in Windows-1250 */
+  KIV_VALUE_WIDE_TEXT = 7, /**< `units`, `size` units in UTF-16 */
+  KIV_VALUE_GUID = 8,      /**< `guid` */
+  KIV_VALUE_BYTES = 9      /**< `units`, `size` bytes */
+};
+
+/** A value of any kind, borrowed from who hands it over. A size of texts may be KIV_ZERO_ENDED. */
+typedef struct KivFieldValue {
+  int32_t kind;
+  int64_t integer;
+  double number;
+  const void* units;
+  size_t size;
+  KivGuid guid;
+} KivFieldValue;
+
+/** A change that is about to be posted: what it does, the row (of an insertion the one that it will be), and for each
+ * field the value that it will have and whether that is another than now. */
+typedef struct KivProposal {
+  int32_t kind;
+  uint32_t row;
+  const KivFieldValue* values;
+  const uint8_t* changed;
+  size_t count;
+} KivProposal;
+
+/** Asked before a post by KivDatasetPost or KivDatasetDelete; anything but KIV_OK refuses it. May read the dataset, not
+ * edit it. */
+typedef KivStatus (*KivDatasetBeforePost)(void* context, const KivProposal* proposal);
+/** Told after a change: what it did, or KIV_CHANGE_ALL and KIV_NO_ROW, and the fields that an update changed. May read
+ * the dataset, not edit it. */
+typedef void (*KivDatasetChanged)(void* context, int32_t kind, uint32_t row, const uint16_t* fields, size_t count);
 
 /** Makes an empty list of fields. Free it with KivSchemaFree. Null where there is no memory. */
 KIV_API KivSchema* KivSchemaNew(void);
@@ -73,6 +119,9 @@ KIV_API KivStatus KivSchemaAddField(KivSchema* schema, const char* name, size_t 
 KIV_API KivStatus KivDatasetNew(const char* name, size_t length, const KivSchema* schema, KivDataset** dataset);
 /** Frees a dataset; null is ignored. Example: KivDatasetFree(dataset); */
 KIV_API void KivDatasetFree(KivDataset* dataset);
+/** Makes a dataset that stays as this one is now and can only be read, and stores its address; another thread may do
+ * that. Editing it and looking up its keys fail. Free it with KivDatasetFree. Example: 0. */
+KIV_API KivStatus KivDatasetTakeSnapshot(KivDataset* dataset, KivDataset** snapshot);
 /** The place of the field of that name, case apart. Example: 1 for "SUMA". */
 KIV_API KivLength KivDatasetField(const KivDataset* dataset, const char* name, size_t length);
 /** How many rows there are, deleted ones not counted. Example: 2. */
@@ -87,6 +136,32 @@ KIV_API KivStatus KivDatasetState(const KivDataset* dataset, uint32_t row, int32
 KIV_API KivAnswer KivDatasetFindInt64(const KivDataset* dataset, int64_t key, uint32_t* row);
 /** The same for a key of one Text field. Example: 0 for a key that is not there. */
 KIV_API KivAnswer KivDatasetFindText(const KivDataset* dataset, const char* key, size_t length, uint32_t* row);
+/** The same for a key of any fields, their values in the order of the schema. Example: 1 for the year and the number of
+ * an invoice that is there. */
+KIV_API KivAnswer KivDatasetFind(const KivDataset* dataset, const KivFieldValue* key, size_t count, uint32_t* row);
+
+/** Begins a load of many rows that are not changes: no log knows them, and the dataset shows none of them before
+ * KivDatasetEndLoad; until then it cannot be edited. Example: 0. */
+KIV_API KivStatus KivDatasetBeginLoad(KivDataset* dataset);
+/** Loads a row: a value for each field of the schema. A row that is refused is left out, and the load goes on.
+ * Example: 0. */
+KIV_API KivStatus KivDatasetLoadRow(KivDataset* dataset, const KivFieldValue* values, size_t count);
+/** Makes the loaded rows part of the dataset. Where two rows have the same key it fails, naming it, and the load can
+ * only be given up. Example: 0. */
+KIV_API KivStatus KivDatasetEndLoad(KivDataset* dataset);
+/** Gives up the load, if there is one, and its rows. Example: 0. */
+KIV_API KivStatus KivDatasetCancelLoad(KivDataset* dataset);
+
+/** Tells the functions, of which either may be null, of every change from now on, and stores a number for
+ * KivDatasetRemoveListener. Example: 0. */
+KIV_API KivStatus KivDatasetAddListener(KivDataset* dataset, KivDatasetBeforePost before, KivDatasetChanged changed,
+                                        void* context, size_t* listener);
+/** Tells them no more. Fails for a number that is not in use. Example: 0. */
+KIV_API KivStatus KivDatasetRemoveListener(KivDataset* dataset, size_t listener);
+/** From now on listeners are told of no single change; calls nest. Example: 0. */
+KIV_API KivStatus KivDatasetBeginUpdate(KivDataset* dataset);
+/** Ends what the matching KivDatasetBeginUpdate began; after the last one listeners are told once. Example: 0. */
+KIV_API KivStatus KivDatasetEndUpdate(KivDataset* dataset);
 
 /** Opens a new row, which is called KIV_NO_ROW until it is posted. Example: 0. */
 KIV_API KivStatus KivDatasetInsert(KivDataset* dataset);
@@ -210,6 +285,12 @@ KIV_API KivAnswer KivDeltaGetGuid(const KivDelta* delta, uint32_t ticket, size_t
 /** The value of a Text or Memo, empty for null. Example: "Alfa". */
 KIV_API KivLength KivDeltaGetText(const KivDelta* delta, uint32_t ticket, size_t field, int32_t original, char* buffer,
                                   size_t capacity);
+/** The value of a WideText in UTF-16 units, empty for null. Example: 4 units. */
+KIV_API KivLength KivDeltaGetWideText(const KivDelta* delta, uint32_t ticket, size_t field, int32_t original,
+                                      uint16_t* buffer, size_t capacity);
+/** The value of a Blob, cut to `capacity` bytes and not terminated; its size, 0 for null. Example: 3 bytes. */
+KIV_API KivLength KivDeltaGetBytes(const KivDelta* delta, uint32_t ticket, size_t field, int32_t original,
+                                   uint8_t* buffer, size_t capacity);
 
 #ifdef __cplusplus
 }

@@ -15,6 +15,7 @@
 #include "kivtools/dataset/Row.h"
 #include "kivtools/dataset/Schema.h"
 #include "kivtools/dataset/Value.h"
+#include "kivtools/dataset/store/Plane.h"
 
 namespace kiv {
 
@@ -89,7 +90,8 @@ class Delta {
  private:
   [[nodiscard]] std::uint32_t Check(std::uint32_t ticket, std::size_t field) const;
   std::shared_ptr<const store::Contents> contents_;
-  std::vector<std::uint32_t> rows_;
+  store::Plane rows_{store::Plane::Width::Four};  // by ticket
+  std::uint32_t count_ = 0;
   Guid id_;
 };
 

@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 
+#include <csignal>
 #include <filesystem>
 #include <map>
 
@@ -225,9 +226,16 @@ TEST_F(FileTrees, AskOfSingleFiles) {
 }
 
 TEST_F(FileTrees, LargeFilesHaveTheLargestSize) {
+#ifdef SIGXFSZ
+  std::signal(SIGXFSZ, SIG_IGN);  // whoever runs the tests may have set a limit for files
+#endif
   Make("a", "");
   for (const auto& [size, expected] : {std::pair{0x7FFFFFFFULL, 0x7FFFFFFF}, std::pair{0x180000000ULL, 0x7FFFFFFF}}) {
-    std::filesystem::resize_file(folder_ / "a", size);
+    std::error_code refused;
+    std::filesystem::resize_file(folder_ / "a", size, refused);
+    if (refused) {
+      GTEST_SKIP() << "no file of that size can be made: " << refused.message();
+    }
     EXPECT_EQ(DimensiuneFisier(At("a")), expected);
   }
 }

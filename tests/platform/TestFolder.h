@@ -6,26 +6,28 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <random>
 #include <string>
 
 namespace kiv {
 
 /// An empty folder of the running test and of nobody else, be it the same test in another build; removed with this
-/// object.
+/// object. A test that is run again in a process of its own, to see it end, has the same folder there.
 class TestFolder {
  public:
   TestFolder() {
     const auto* const test = testing::UnitTest::GetInstance()->current_test_info();
     std::string name = "kivtools-" + std::string(test->test_suite_name()) + "-" + test->name() + "-" +
-                       std::to_string(std::random_device{}());
+                       std::to_string(std::filesystem::hash_value(std::filesystem::current_path())) + "-" +
+                       std::to_string(alive_++);
     std::ranges::replace(name, '/', '-');
     path_ = std::filesystem::temp_directory_path() / name;
+    std::filesystem::remove_all(path_);
     std::filesystem::create_directories(path_);
   }
   ~TestFolder() {
     std::error_code ignored;
     std::filesystem::remove_all(path_, ignored);
+    --alive_;
   }
   TestFolder(const TestFolder&) = delete;
   TestFolder& operator=(const TestFolder&) = delete;
@@ -34,6 +36,7 @@ class TestFolder {
   std::filesystem::path operator/(const std::filesystem::path& name) const { return path_ / name; }
 
  private:
+  static inline int alive_ = 0;
   std::filesystem::path path_;
 };
 

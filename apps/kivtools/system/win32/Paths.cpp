@@ -56,6 +56,9 @@ std::string Utf8FromPath(const std::filesystem::path& path) {
 }
 
 std::string LibraryPath(const std::filesystem::path& path) {
+  if (path.empty()) {
+    return {};
+  }
   std::string text = InWindows1250(path.native());
   if (text.empty()) {
     text = InWindows1250(ShortName(path));

@@ -38,12 +38,28 @@ class FormatCall : public platform::Diskettes {
   Replacement<const platform::Diskettes> inUse_{platform::diskettes_service, *this};
 };
 
+/// Whether this thread was started while a format call ran; threads of earlier tests may still be about.
+thread_local bool is_helper = false;
+
+class MarkedThreads : public platform::HelperThreads {
+ public:
+  void Start(TextView context, std::function<void()> work) const override {
+    platform::SystemHelperThreads().Start(context, [work = std::move(work)] {
+      is_helper = true;
+      work();
+    });
+  }
+
+ private:
+  Replacement<const platform::HelperThreads> inUse_{platform::helper_threads, *this};
+};
+
 /// Notes how long the helper's thread was to sleep, and lets all sleep a millisecond.
 class NotedTimer : public platform::Timer {
  public:
   [[nodiscard]] milliseconds Now() const override { return platform::SystemTimer().Now(); }
   void Sleep(milliseconds duration) const override {
-    if (std::this_thread::get_id() != thread_) {
+    if (is_helper) {
       const std::scoped_lock lock(mutex_);
       sleeps_.push_back(duration);
     }
@@ -55,7 +71,6 @@ class NotedTimer : public platform::Timer {
   }
 
  private:
-  const std::thread::id thread_ = std::this_thread::get_id();
   mutable std::mutex mutex_;
   mutable std::vector<milliseconds> sleeps_;
   Replacement<const platform::Timer> inUse_{platform::timer_service, *this};
@@ -145,6 +160,7 @@ class FloppyFormat : public testing::Test {
   }
 
   TestWindows windows_;
+  MarkedThreads threads_;
   NotedTimer timer_;
   Handle main_ = 0;
   std::map<Text, Handle> controls_;

@@ -306,6 +306,9 @@ TEST_F(HostileTrees, ThatCannotBeOpenedForWantOfHandlesAreToldOf) {
     const FewHandles few(left);
     Copy();
   };
+  // The address sanitizer looks at a class with handles of its own, once: before there are none.
+  EXPECT_THAT(InitFileList(At("lipsa"), {"*"}), IsEmpty());
+  failures.told.clear();
   for (const std::size_t left : {0U, 1U}) {
     const FewHandles few(left);
     EXPECT_THAT(InitFileList(At("sursa"), {"*"}), IsEmpty());

@@ -39,6 +39,7 @@ inline double AwaitedSeconds(pid_t child) {
 /// Starts a program by the system's own call, with nothing to do for it.
 inline pid_t Spawned(std::vector<std::string> command) {
   std::vector<char*> arguments;
+  arguments.reserve(command.size() + 1);
   for (std::string& argument : command) {
     arguments.push_back(argument.data());
   }

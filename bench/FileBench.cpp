@@ -271,8 +271,8 @@ void Measure(benchmark::State& state, const std::function<Work()>& make) {
   }
 }
 
-void Register(const char* name, std::function<Work()> make) {
-  benchmark::RegisterBenchmark(name, Measure, std::move(make))->UseManualTime();
+void Register(const char* name, const std::function<Work()>& make) {
+  benchmark::RegisterBenchmark(name, Measure, make)->UseManualTime();
 }
 
 const bool kRegistered = [] {

@@ -236,7 +236,7 @@ class Meddling : public platform::SystemCallGate {
       done_ = true;
       work_();
     }
-    return SystemStatus();
+    return {};
   }
   [[nodiscard]] bool Done() const { return done_; }
 

@@ -201,6 +201,7 @@ TEST(Allocations, NoneIsAbove64KiBButThoseOfLongValues) {
                               {"guid", FieldType::Guid},
                               {"suma", FieldType::Currency}});
   std::vector<FieldDef> many;
+  many.reserve(60);
   for (int i = 0; i < 60; ++i) {
     many.emplace_back("text" + std::to_string(i), FieldType::Text, 20);
   }

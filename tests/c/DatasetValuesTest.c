@@ -2,9 +2,9 @@
 
 /* What the listeners are told. */
 static int refuses;
-static uint32_t toldRow;
-static int32_t toldKind;
-static size_t toldFields;
+static uint32_t told_row;
+static int32_t told_kind;
+static size_t told_fields;
 static int asked;
 
 static KivStatus Ask(void* context, const KivProposal* proposal) {
@@ -15,9 +15,9 @@ static KivStatus Ask(void* context, const KivProposal* proposal) {
 
 static void Told(void* context, int32_t kind, uint32_t row, const uint16_t* fields, size_t count) {
   EXPECT(context == &asked && (count == 0 || fields[0] == 2));
-  toldKind = kind;
-  toldRow = row;
-  toldFields = count;
+  told_kind = kind;
+  told_row = row;
+  told_fields = count;
 }
 
 static KivFieldValue Integer(int64_t value) {
@@ -76,10 +76,10 @@ static void TellsListeners(KivDataset* invoices) {
   refuses = 0;
   EXPECT(KivDatasetCompact(invoices) == -KIV_ERROR_ARGUMENT); /* a row is open */
   EXPECT(KivDatasetPost(invoices, NULL) == KIV_OK && asked == 2);
-  EXPECT(toldKind == KIV_CHANGE_UPDATE && toldRow == 0 && toldFields == 1);
+  EXPECT(told_kind == KIV_CHANGE_UPDATE && told_row == 0 && told_fields == 1);
   EXPECT(KivDatasetBeginUpdate(invoices) == KIV_OK && KivDatasetUndoLast(invoices) == 1);
-  EXPECT(toldKind == KIV_CHANGE_UPDATE && KivDatasetEndUpdate(invoices) == KIV_OK);
-  EXPECT(toldKind == KIV_CHANGE_ALL && toldRow == KIV_NO_ROW && toldFields == 0);
+  EXPECT(told_kind == KIV_CHANGE_UPDATE && KivDatasetEndUpdate(invoices) == KIV_OK);
+  EXPECT(told_kind == KIV_CHANGE_ALL && told_row == KIV_NO_ROW && told_fields == 0);
   EXPECT(KivDatasetRemoveListener(invoices, 0) == KIV_OK);
   EXPECT(KivDatasetRemoveListener(invoices, 0) == -KIV_ERROR_ARGUMENT);
 }

@@ -48,7 +48,7 @@ DWORD MakeJunction(const path& at, const path& target) {
                                     FILE_FLAG_BACKUP_SEMANTICS | FILE_FLAG_OPEN_REPARSE_POINT, nullptr);
   DWORD given = 0;
   const bool made = DeviceIoControl(folder, FSCTL_SET_REPARSE_POINT, record.data(),
-                                    static_cast<DWORD>(record.size() * 2), nullptr, 0, &given, nullptr) != 0;
+                                    static_cast<DWORD>(record.size()) * 2, nullptr, 0, &given, nullptr) != 0;
   const DWORD code = made ? 0 : GetLastError();
   CloseHandle(folder);
   if (!made) {

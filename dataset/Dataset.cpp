@@ -4,7 +4,7 @@
 
 namespace kiv {
 
-Dataset::Dataset(TextView name, Schema schema) : Dataset(std::make_unique<store::Store>(name, schema)) {}
+Dataset::Dataset(TextView name, const Schema& schema) : Dataset(std::make_unique<store::Store>(name, schema)) {}
 
 Dataset::Dataset(std::unique_ptr<store::Store> built) noexcept
     : DatasetView(&built->GetContents()), store_(std::move(built)) {}

@@ -53,7 +53,7 @@ class Arguments {
       return NextBuffer<std::remove_pointer_t<Type>>();
     } else if constexpr (std::is_same_v<Type, std::size_t>) {
       // A size that belongs to no pointer is the number of a field or of a mark.
-      return std::exchange(hasSize_, false) ? size_ : data_.ConsumeIntegralInRange<std::size_t>(0, 16);
+      return std::exchange(hasSize_, false) ? size_ : data_.ConsumeIntegralInRange<std::size_t>(0, kMostNumbers);
     } else if constexpr (std::is_same_v<Type, std::uint32_t>) {
       return data_.ConsumeBool() ? data_.ConsumeIntegralInRange<Type>(0, 9) : data_.ConsumeIntegral<Type>();
     } else if constexpr (std::is_same_v<Type, const KivFieldValue*>) {
@@ -199,7 +199,9 @@ class Arguments {
     if (data_.ConsumeIntegralInRange(0, 9) == 0) {
       return nullptr;
     }
-    std::vector<char>& bytes = outputs_.emplace_back(sizeof(Object), static_cast<char>(kUntouched));
+    // A colour may be the first of as many as the number behind it says.
+    constexpr std::size_t kCount = std::is_same_v<Object, std::uint32_t> ? kMostNumbers : 1;
+    std::vector<char>& bytes = outputs_.emplace_back(kCount * sizeof(Object), static_cast<char>(kUntouched));
     if constexpr (requires(Object made) { FreeObject(made); }) {
       made_.emplace_back([&bytes] {
         Object made = nullptr;
@@ -209,6 +211,8 @@ class Arguments {
     }
     return reinterpret_cast<Object*>(bytes.data());
   }
+
+  static constexpr std::size_t kMostNumbers = 16;
 
   FuzzedDataProvider& data_;
   std::size_t size_ = 0;

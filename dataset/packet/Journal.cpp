@@ -1,6 +1,7 @@
 #include "kivtools/dataset/Journal.h"
 
 #include <cstring>
+#include <utility>
 #include <vector>
 
 #include "core/Crc32c.h"
@@ -95,11 +96,11 @@ class EntryWriter {
 
 class Journal::Log final : public store::EditRecorder {
  public:
-  Log(Dataset& dataset, const std::filesystem::path& path, const JournalOptions& options)
+  Log(Dataset& dataset, std::filesystem::path path, const JournalOptions& options)
       : dataset_(dataset),
         store_(dataset.GetStore()),
-        path_(path),
-        logPath_(packet::JournalPath(path)),
+        path_(std::move(path)),
+        logPath_(packet::JournalPath(path_)),
         options_(options) {
     packet::SaveLock::LockJournal(lock_, logPath_, kOperation);
     store_.SetRecorder(this);

@@ -41,15 +41,13 @@ Type Good() {
     return 1;
   } else if constexpr (std::is_same_v<Type, KivAvlForEach>) {
     return [](void*, std::int32_t, void*) -> std::int32_t { return 0; };
-  } else if constexpr (std::is_function_v<std::remove_pointer_t<Type>>) {
-    return nullptr;
   } else if constexpr (std::is_same_v<Type, KivDataset*>) {
     KivDatasetInsert(RealObject<KivDataset>());  // a row is open, or one has been
     return RealObject<KivDataset>();
   } else if constexpr (std::is_same_v<Type, const char* const*>) {
     static constexpr const char* kText = "1";
     return &kText;
-  } else if constexpr (kIsPlain<Type>) {
+  } else if constexpr (kIsPlain<Type> || std::is_function_v<std::remove_pointer_t<Type>>) {
     return nullptr;
   } else {
     using Object = std::remove_const_t<std::remove_pointer_t<Type>>;

@@ -282,7 +282,7 @@ class Snapshot : public DatasetView {
 class Dataset : public DatasetView {
  public:
   /// An empty dataset. The name is an identifier as a field's name is.
-  KIV_API Dataset(TextView name, Schema schema);
+  KIV_API Dataset(TextView name, const Schema& schema);
   KIV_API ~Dataset();
   KIV_API Dataset(Dataset&& other) noexcept;
   KIV_API Dataset& operator=(Dataset&& other) noexcept;

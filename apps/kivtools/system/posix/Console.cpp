@@ -61,7 +61,9 @@ PreparedConsole::PreparedConsole() {
   }
 }
 
-PreparedConsole::~PreparedConsole() = default;
+PreparedConsole::~PreparedConsole() {
+  WipeWhenInterrupted(0);
+}
 
 void WipeWhenInterrupted(std::size_t columns) noexcept {
   columns_to_wipe = columns;

@@ -96,12 +96,12 @@ class EntryWriter {
 
 class Journal::Log final : public store::EditRecorder {
  public:
-  Log(Dataset& dataset, std::filesystem::path path, const JournalOptions& options)
+  Log(Dataset& dataset, std::filesystem::path path, JournalOptions options)
       : dataset_(dataset),
         store_(dataset.GetStore()),
         path_(std::move(path)),
         logPath_(packet::JournalPath(path_)),
-        options_(options) {
+        options_(std::move(options)) {
     packet::SaveLock::LockJournal(lock_, logPath_, kOperation);
     store_.SetRecorder(this);
     try {

@@ -81,7 +81,7 @@ void ConvertUtf8(TextView text) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
   FuzzedDataProvider data(bytes, size);
   WideText wide;
-  for (std::size_t left = data.ConsumeIntegralInRange<std::size_t>(0, 300); left > 0; --left) {
+  for (auto left = data.ConsumeIntegralInRange<std::size_t>(0, 300); left > 0; --left) {
     wide.push_back(data.ConsumeBool() ? data.ConsumeIntegral<char16_t>() : data.ConsumeIntegral<std::uint8_t>());
   }
   // An allocation without a byte to spare.

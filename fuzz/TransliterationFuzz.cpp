@@ -72,7 +72,7 @@ std::optional<Text> MaskReplace(TextView mask, const kiv::StringList& pairs) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
   FuzzedDataProvider data(bytes, size);
   kiv::StringList pairs;
-  for (std::size_t left = data.ConsumeIntegralInRange<std::size_t>(0, 7); left > 0; --left) {
+  for (auto left = data.ConsumeIntegralInRange<std::size_t>(0, 7); left > 0; --left) {
     pairs.push_back(data.ConsumeRandomLengthString(4));
   }
   const Text text = data.ConsumeRemainingBytesAsString();

@@ -24,7 +24,7 @@ class Calling {
 void Store::AskListeners(ChangeKind kind, std::uint32_t row) {
   const Calling calling(isAsking_);
   const Proposal proposal(*this, kind, static_cast<RowId>(row));
-  // By place: a listener may add or remove listeners.
+  // By place: a listener may add or remove listeners. NOLINTNEXTLINE(modernize-loop-convert)
   for (std::size_t i = 0; i < listeners_.size(); ++i) {
     if (listeners_[i] != nullptr) {
       listeners_[i]->BeforePost(proposal);
@@ -39,6 +39,7 @@ void Store::Tell(const ChangeNotice& notice) noexcept {
   }
   {
     const Calling calling(isAsking_);
+    // NOLINTNEXTLINE(modernize-loop-convert)
     for (std::size_t i = 0; i < listeners_.size(); ++i) {
       if (listeners_[i] != nullptr) {
         listeners_[i]->Changed(notice);

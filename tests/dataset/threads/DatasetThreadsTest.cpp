@@ -54,6 +54,7 @@ TEST(DatasetThreads, DifferentDatasetsAreIndependent) {
   std::vector<std::int64_t> totals(kThreads);
   {
     std::vector<std::jthread> threads;
+    threads.reserve(kThreads);
     for (int i = 0; i < kThreads; ++i) {
       threads.emplace_back([i, &totals] { totals[static_cast<std::size_t>(i)] = Work(i); });
     }
@@ -69,6 +70,7 @@ TEST(DatasetThreads, SnapshotsAreReadWhileTheirDatasetIsEdited) {
   const FieldRef text = dataset.Field("text");
   for (int round = 0; round < 5; ++round) {
     std::vector<std::jthread> readers;
+    readers.reserve(2);
     std::int64_t expected = 0;
     for (const RowId row : dataset.Rows()) {
       expected += dataset.GetCurrency(row, sum).Raw() + static_cast<std::int64_t>(dataset.GetText(row, text).size());

@@ -30,7 +30,7 @@ Text ShownPath(NativeView path) {
 }
 
 TextView FolderWithSeparator(TextView path) noexcept {
-  return path.substr(0, path.find_last_of("/") + 1);
+  return path.substr(0, path.find_last_of('/') + 1);
 }
 
 Text TemporaryFolder() {

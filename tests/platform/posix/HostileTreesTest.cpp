@@ -16,10 +16,10 @@
 #include <thread>
 
 #include "Expect.h"
+#include "WinUtil/ToldFailures.h"
 #include "kivtools/Host/HeadlessControls.h"
 #include "kivtools/WinUtil/FileLists.h"
 #include "kivtools/WinUtil/FileTrees.h"
-#include "kivtools/WinUtil/TreeWatcher.h"
 #include "platform/FolderWalk.h"
 #include "platform/SystemCalls.h"
 #include "platform/TestFolder.h"
@@ -294,13 +294,7 @@ TEST_F(HostileTrees, AreWholeAlsoWhereFewFilesMayBeOpen) {
 }
 
 TEST_F(HostileTrees, ThatCannotBeOpenedForWantOfHandlesAreToldOf) {
-  class Failures : public TreeWatcher {
-   public:
-    void OnFailure(TextView path, const OsError& error) override {
-      told.push_back(Text(path) + " " + std::to_string(error.Code()));
-    }
-    StringList told;
-  } failures;
+  ToldFailures failures;
   std::filesystem::create_directory(folder_ / "sursa" / "s");
   const auto copies = [&](std::size_t left) {
     const FewHandles few(left);

@@ -7,10 +7,10 @@
 #include <iostream>
 
 #include "Expect.h"
+#include "WinUtil/ToldFailures.h"
 #include "kivtools/Host/HeadlessControls.h"
 #include "kivtools/WinUtil/FileLists.h"
 #include "kivtools/WinUtil/FileTrees.h"
-#include "kivtools/WinUtil/TreeWatcher.h"
 #include "platform/Paths.h"
 #include "platform/TestFolder.h"
 
@@ -122,13 +122,7 @@ TEST_F(WindowsTrees, WithNamesOutsideTheCodePageAreCopiedAndDeleted) {
 }
 
 TEST_F(WindowsTrees, WithAFileThatSomebodyHasForHimselfAreToldOf) {
-  class Failures : public TreeWatcher {
-   public:
-    void OnFailure(TextView path, const OsError& error) override {
-      told.push_back(Text(path) + " " + std::to_string(error.Code()));
-    }
-    StringList told;
-  } failures;
+  ToldFailures failures;
   WriteWhole(folder_ / "sursa" / "a", "liber");
   WriteWhole(folder_ / "sursa" / "b", "tinut");
   const HANDLE held = CreateFileW((folder_ / "sursa" / "b").c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr,

@@ -5,6 +5,7 @@
 #include "apps/kivtools/Command.h"
 #include "apps/kivtools/InputError.h"
 #include "apps/kivtools/Shown.h"
+#include "apps/kivtools/Suggestion.h"
 
 namespace kivtools {
 
@@ -35,7 +36,9 @@ void Arguments::TakeOption(const Command& command, std::string_view argument, st
   const auto known = std::find_if(command.options.begin(), command.options.end(),
                                   [name](const Option& option) { return option.name == name; });
   if (known == command.options.end()) {
-    throw InputError(Shown(argument) + " is not an option of this command");
+    std::vector<std::string_view> names(command.options.size());
+    std::ranges::transform(command.options, names.begin(), &Option::name);
+    throw InputError(Shown(argument) + " is not an option of this command" + DidYouMean(name, names, "--"));
   }
   if (Has(name)) {
     throw InputError(Shown(argument) + " is given a second time");

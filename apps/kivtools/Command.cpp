@@ -1,10 +1,13 @@
 #include "apps/kivtools/Command.h"
 
 #include <algorithm>
+#include <array>
 #include <exception>
+#include <iterator>
 
 #include "apps/kivtools/Layout.h"
 #include "apps/kivtools/Shown.h"
+#include "apps/kivtools/Suggestion.h"
 #include "apps/kivtools/input/BlockReader.h"
 #include "kivtools/Errors.h"
 #include "kivtools/Text.h"
@@ -23,9 +26,9 @@ std::string ProgramHelp() {
     help += "  " + PadEnd(command->name, 18) + std::string(command->summary) + "\n";
   }
   return help +
-         "\n  --help     this text; after a command, that command's\n"
-         "  --version  the version of the library\n\n"
-         "Exit code: 0 done, 1 a check said no, 2 bad usage or input.\n\n"
+         "\n  -h, --help      this text; after a command, that command's, as help COMMAND shows it\n"
+         "  -V, --version   the version of the library\n\n"
+         "Exit code: 0 done, 1 a check said no, 2 bad usage or input, or output that nobody takes.\n\n"
          "The environment variable KIVTOOLS_LIBRARY names the library to load; without it, it is the one that the\n"
          "program was installed with.\n\n"
          "Example:\n  kivtools words 1234.56\n";
@@ -59,6 +62,8 @@ int RunCommand(const Command& command, std::span<const std::string> given) {
     }
     session.out.Flush();
     return result;
+  } catch (const ReaderEnded&) {
+    return kBadInput;
   } catch (const LineError& error) {
     session.Report("line " + std::to_string(error.Line()) + ": " + error.what());
   } catch (const kiv::Error& error) {
@@ -69,12 +74,29 @@ int RunCommand(const Command& command, std::span<const std::string> given) {
   return kBadInput;
 }
 
+/// Null, and told, where there is none of that name.
+const Command* FindCommand(const std::string& name) {
+  const std::vector<const Command*> commands = Commands();
+  const auto found = std::ranges::find(commands, name, &Command::name);
+  if (found != commands.end()) {
+    return *found;
+  }
+  std::vector<std::string_view> names = {"help"};
+  std::ranges::transform(commands, std::back_inserter(names), &Command::name);
+  const std::string meant = DidYouMean(name, names);
+  WriteError("kivtools: " + Shown(name) + " is not a command" + (meant.empty() ? ";" : meant) +
+             " kivtools --help lists them");
+  return nullptr;
+}
+
 int RunProgramOption(const std::string& option) {
   Session session(option);
   try {
     session.out.Write(option == "--version" ? "kivtools " + session.Lib().Version() + "\n" : ProgramHelp());
     session.out.Flush();
     return kDone;
+  } catch (const ReaderEnded&) {
+    return kBadInput;
   } catch (const std::exception& error) {
     session.Report(error.what());
     return kBadInput;
@@ -97,21 +119,23 @@ std::vector<const Command*> Commands() {
 }
 
 int RunProgram(std::span<const std::string> arguments) {
-  if (arguments.empty()) {
-    WriteError("kivtools: no command is given; kivtools --help lists them");
-    return kBadInput;
+  const std::string name = arguments.empty() ? "--help" : arguments.front();
+  if (name == "--help" || name == "-h" || (name == "help" && arguments.size() == 1)) {
+    return RunProgramOption("--help");
   }
-  const std::string& name = arguments.front();
-  if (name == "--help" || name == "-h" || name == "--version") {
-    return RunProgramOption(name);
+  if (name == "--version" || name == "-V") {
+    return RunProgramOption("--version");
   }
-  const std::vector<const Command*> commands = Commands();
-  const auto found = std::ranges::find(commands, name, &Command::name);
-  if (found == commands.end()) {
-    WriteError("kivtools: " + Shown(name) + " is not a command; kivtools --help lists them");
-    return kBadInput;
+  if (name == "help") {
+    const std::array<std::string, 1> help = {"--help"};
+    const Command* const command = arguments.size() == 2 ? FindCommand(arguments[1]) : nullptr;
+    if (arguments.size() > 2) {
+      WriteError("kivtools: help: " + Shown(arguments[2]) + " is one argument too many");
+    }
+    return command == nullptr ? kBadInput : RunCommand(*command, help);
   }
-  return RunCommand(**found, arguments.subspan(1));
+  const Command* const command = FindCommand(name);
+  return command == nullptr ? kBadInput : RunCommand(*command, arguments.subspan(1));
 }
 
 }  // namespace kivtools

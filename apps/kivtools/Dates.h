@@ -14,10 +14,12 @@ struct Moment {
   int second = 0;
 };
 
-/// Reads a date written 2024-03-05 or 05.03.2024. Throws InputError that says what is wrong, without the text.
+/// Reads a date as people write it: 2024-03-05, 05.03.2024 or 5.3.2024, "5 martie 2024" with the month's Romanian name
+/// in any case or its beginning ("5 mart. 2024"). Blanks around it are passed over. The one rule for all commands and
+/// the invoice file. Throws InputError that says what is wrong, without the text.
 Moment ReadDate(std::string_view text);
 
-/// Reads a date that a time of day may come after: 2024-03-05T14:07:09.
+/// Reads a date that a time of day may come after, a T or a blank between them: 2024-03-05T14:07:09.
 Moment ReadMoment(std::string_view text);
 
 }  // namespace kivtools

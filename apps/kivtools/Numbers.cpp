@@ -1,11 +1,13 @@
 #include "apps/kivtools/Numbers.h"
 
 #include <algorithm>
+#include <array>
 #include <limits>
 #include <optional>
 
 #include "apps/kivtools/InputError.h"
 #include "apps/kivtools/Shown.h"
+#include "apps/kivtools/input/Blanks.h"
 #include "kivtools/Ascii.h"
 #include "kivtools/Currency.h"
 
@@ -65,57 +67,56 @@ bool IsGrouped(std::string_view whole) noexcept {
   return true;
 }
 
-struct SplitAmount {
+struct SplitNumber {
   std::string_view whole;
   std::string_view decimals;
 };
 
 /// Applies the rule of the two notations to the unsigned text.
-SplitAmount SplitFileAmount(std::string_view text) {
+SplitNumber Split(std::string_view text) {
   const std::size_t comma = text.find(',');
   const std::size_t dot = text.find('.');
   const bool manyDots = dot != std::string_view::npos && text.find('.', dot + 1) != std::string_view::npos;
-  SplitAmount split{text, {}};
+  SplitNumber split{text, {}};
   bool hasDecimals = true;
   if (comma != std::string_view::npos) {
     split = {text.substr(0, comma), text.substr(comma + 1)};
   } else if (dot != std::string_view::npos && !manyDots) {
     split = {text.substr(0, dot), text.substr(dot + 1)};
     if (split.decimals.size() == 3 && IsGrouped(text)) {
-      throw InputError("is either a thousand or decimals: write " + std::string(split.whole) +
-                       std::string(split.decimals) + " or " + std::string(split.whole) + "," +
-                       std::string(split.decimals));
+      throw InputError("can be read in two ways: write " + std::string(split.whole) + std::string(split.decimals) +
+                       " for the whole number or " + std::string(split.whole) + "," + std::string(split.decimals) +
+                       " for decimals");
     }
   } else {
     hasDecimals = false;
   }
   const bool wholeRight = AllDigits(split.whole) || IsGrouped(split.whole);
   if (!wholeRight || (hasDecimals && !AllDigits(split.decimals))) {
-    throw InputError("is not an amount such as 1.234,50 or 1234.50");
+    throw InputError("is not an amount such as 1.234,56 or 1234.56");
   }
   return split;
 }
 
-}  // namespace
+struct Unit {
+  std::string_view written;  ///< in small letters
+  std::string_view currency;
+};
+constexpr std::array<Unit, 4> kUnits = {{{"lei", "RON"}, {"leu", "RON"}, {"ron", "RON"}, {"eur", "EUR"}}};
 
-std::int64_t ReadPlainAmount(std::string_view text) {
-  std::string_view rest = text;
-  const bool negative = TakeMinus(rest);
-  const std::size_t point = rest.find('.');
-  const std::string_view whole = rest.substr(0, point);
-  const std::string_view decimals = point == std::string_view::npos ? std::string_view() : rest.substr(point + 1);
-  if (!AllDigits(whole) || (point != std::string_view::npos && !AllDigits(decimals))) {
-    throw InputError(Shown(text) + " is not an amount such as 1234.56");
+/// Takes the currency off the text's end.
+std::string_view TakeCurrency(std::string_view& text) noexcept {
+  for (const auto& [written, currency] : kUnits) {
+    if (text.size() > written.size() &&
+        std::ranges::equal(text.substr(text.size() - written.size()), written, {}, kiv::ascii::ToLower<char>)) {
+      text.remove_suffix(written.size());
+      return currency;
+    }
   }
-  if (decimals.size() > 4) {
-    throw InputError(Shown(text) + " has more than four decimals");
-  }
-  const auto amount = Assemble(negative, whole, decimals, 4);
-  if (!amount) {
-    throw InputError(Shown(text) + " is outside -922337203685477.5808 to 922337203685477.5807");
-  }
-  return *amount;
+  return {};
 }
+
+}  // namespace
 
 std::int32_t ReadWholeNumber(std::string_view text, std::int32_t least, std::int32_t most, std::string_view what) {
   std::string_view rest = text;
@@ -128,17 +129,33 @@ std::int32_t ReadWholeNumber(std::string_view text, std::int32_t least, std::int
   return static_cast<std::int32_t>(*number);
 }
 
-std::int64_t ReadFileAmount(std::string_view text, int decimals) {
+std::int64_t ReadNumber(std::string_view text, int decimals) {
+  text = Trimmed(text);
   const bool negative = TakeMinus(text);
-  const SplitAmount split = SplitFileAmount(text);
+  const SplitNumber split = Split(text);
   if (split.decimals.size() > static_cast<std::size_t>(decimals)) {
-    throw InputError("has more than " + std::to_string(decimals) + " decimals");
+    throw InputError(decimals == 0 ? "is not a whole number"
+                                   : "has more than " + std::to_string(decimals) + " decimals");
   }
-  const auto amount = Assemble(negative, split.whole, split.decimals, 4);
-  if (!amount) {
-    throw InputError("is too large for an amount");
+  const auto number = Assemble(negative, split.whole, split.decimals, 4);
+  if (!number) {
+    throw InputError("is outside -922337203685477.5808 to 922337203685477.5807");
   }
-  return *amount;
+  return *number;
+}
+
+Amount ReadAmount(std::string_view text) {
+  text = Trimmed(text);
+  const std::string_view currency = TakeCurrency(text);
+  return {ReadNumber(text), currency};
+}
+
+std::int64_t ReadLei(std::string_view text) {
+  const Amount amount = ReadAmount(text);
+  if (!amount.currency.empty() && amount.currency != "RON") {
+    throw InputError("is in " + std::string(amount.currency) + ", not in lei");
+  }
+  return amount.value;
 }
 
 std::string WritePlainAmount(std::int64_t amount) {

@@ -45,6 +45,8 @@ void PassResults(std::string_view bytes) {
   try {
     EraseProgress();
     WriteAll(StandardStream::Output, bytes);
+  } catch (const ReaderGone& error) {
+    throw ReaderEnded(error.what());
   } catch (const SystemError& error) {
     throw OutputError(error.what());
   }

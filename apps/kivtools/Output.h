@@ -17,6 +17,12 @@ class OutputError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
+/// The reader of the output has closed the pipe: it has what it wanted, so the program ends without a word.
+class ReaderEnded : public OutputError {
+ public:
+  using OutputError::OutputError;
+};
+
 /// Standard output in large writes. A write that fails throws OutputError.
 class Output {
  public:

@@ -6,10 +6,11 @@
 #include <span>
 #include <vector>
 
+#include "apps/kivtools/Codes.h"
 #include "apps/kivtools/Command.h"
-#include "apps/kivtools/FiscalCode.h"
 #include "apps/kivtools/Numbers.h"
 #include "apps/kivtools/Shown.h"
+#include "apps/kivtools/Suggestion.h"
 #include "apps/kivtools/input/Csv.h"
 #include "apps/kivtools/input/ForEachBlock.h"
 #include "apps/kivtools/input/Input.h"
@@ -26,14 +27,13 @@ constexpr std::array<Option, 3> kOptions = {{
 }};
 
 constexpr std::string_view kDetails =
-    "KIND is iban, cnp, cui or siruta. Every code is printed after \"valid\" or \"invalid\" and a tab, control "
-    "characters "
-    "in\n"
-    "it as blanks. Without a CODE, or with - alone, the lines of standard input are checked and counted; blank lines "
-    "are\n"
-    "only counted. With --csv they are records of fields separated by , or ; or tabs; a column given by its number "
-    "has\n"
-    "no heading. A record that lacks the column is invalid, and its line is told.\n\n"
+    "KIND is iban, cnp, cui or siruta. Blanks in a code are passed over, and single dashes. Every code is printed "
+    "after\n"
+    "\"valid\" or \"invalid\" and a tab, control characters in it as blanks. Without a CODE, or with - alone, the "
+    "lines\n"
+    "of standard input are checked and counted; blank lines are only counted. With --csv they are records of fields\n"
+    "separated by , or ; or tabs; a column given by its number has no heading. A record that lacks the column is\n"
+    "invalid, and its line is told.\n\n"
     "Exit code: 0 all are valid, 1 one is not, 2 bad usage or input.\n\n"
     "Examples:\n"
     "  kivtools check iban \"RO49 AAAA 1B31 0075 9384 0000\"\n"
@@ -54,6 +54,7 @@ class Verdicts {
     std::uint64_t invalid = 0;
     std::uint64_t blank = 0;
     std::uint64_t tooShort = 0;
+    std::uint64_t withRo = 0;  ///< not valid, and would be read without their RO
   };
   /// A record without the column: its note goes into the text at this place.
   struct TooShort {
@@ -79,6 +80,7 @@ class Verdicts {
     ++counts_.tooShort;
     tooShort_.push_back({size_ - 1, line});
   }
+  void AddWithRo() noexcept { ++counts_.withRo; }
   void AddBlank() noexcept { ++counts_.blank; }
 
   [[nodiscard]] std::string_view Text() const noexcept { return {text_.get(), size_}; }
@@ -119,18 +121,24 @@ class Question {
       : library_(library),
         predicate_(library.FindPredicate(std::string(kind.operation))),
         invalidOnly_(arguments.Has("invalid-only")),
+        fiscal_(kind.name == "cui"),
         dropRo_(arguments.Has("ro")) {}
 
   /// From any thread.
   void Ask(std::string_view code, Verdicts& verdicts) const {
-    const bool valid = library_.Ask(predicate_, dropRo_ ? WithoutRo(code) : code);
+    const bool valid =
+        SaysYes([this](std::string_view asked) { return library_.Ask(predicate_, asked); }, code, dropRo_);
     verdicts.Add(code, valid, !valid || !invalidOnly_);
+    if (!valid && fiscal_ && !dropRo_ && BeginsWithRo(code)) {
+      verdicts.AddWithRo();
+    }
   }
 
  private:
   const Library& library_;
   Library::Predicate* predicate_;
   bool invalidOnly_;
+  bool fiscal_;
   bool dropRo_;
 };
 
@@ -153,6 +161,7 @@ class Report {
     counts_.invalid += verdicts.Count().invalid;
     counts_.blank += verdicts.Count().blank;
     counts_.tooShort += verdicts.Count().tooShort;
+    counts_.withRo += verdicts.Count().withRo;
     out_.Flush();  // a person who types waits for it
   }
   void Summarise() const {
@@ -163,6 +172,7 @@ class Report {
     WriteError(std::to_string(counts_.checked) + " checked, " + std::to_string(counts_.invalid) + " invalid" +
                part(counts_.blank, " blank") + part(counts_.tooShort, " too short"));
   }
+  [[nodiscard]] bool HasRo() const noexcept { return counts_.withRo > 0; }
   [[nodiscard]] bool HasAny() const noexcept { return counts_.checked + counts_.blank > 0; }
   [[nodiscard]] int Result() const noexcept {
     return counts_.tooShort > 0 ? kBadInput : counts_.invalid > 0 ? kCheckSaidNo : kDone;
@@ -274,7 +284,9 @@ void CheckValues(const Question& question, std::span<const std::string> codes, R
 const Kind& FindKind(const std::string& name) {
   const auto* const kind = std::ranges::find(kKinds, name, &Kind::name);
   if (kind == kKinds.end()) {
-    throw InputError(Shown(name) + " is not a kind of code: iban, cnp, cui or siruta");
+    std::array<std::string_view, kKinds.size()> names;
+    std::ranges::transform(kKinds, names.begin(), &Kind::name);
+    throw InputError(Shown(name) + " is not a kind of code: iban, cnp, cui or siruta" + DidYouMean(name, names));
   }
   return *kind;
 }
@@ -298,6 +310,9 @@ int RunCheck(Session& session, const Arguments& arguments) {
     CheckInput(question, arguments.ValueOf("csv"), report);
   } else {
     CheckValues(question, codes, report);
+  }
+  if (report.HasRo()) {
+    session.Report("codes with RO in front are not valid as they are; --ro takes it off");
   }
   return report.Result();
 }

@@ -1,15 +1,17 @@
+#include "apps/kivtools/Codes.h"
 #include "apps/kivtools/Command.h"
 
 namespace kivtools {
 namespace {
 
 constexpr std::string_view kDetails =
-    "The age counts calendar years. A code that is not valid gives \"CNP incorect\" and the exit code 1.\n\n"
+    "Blanks in the code are passed over, and single dashes. The age counts calendar years. A code that is not valid\n"
+    "gives \"CNP incorect\" and the exit code 1.\n\n"
     "Example:\n"
     "  kivtools cnp 1800101221144\n";
 
 int RunCnp(Session& session, const Arguments& arguments) {
-  const std::string& code = arguments.Values().front();
+  const std::string code = WithoutGaps(arguments.Values().front());
   const Library& library = session.Lib();
   if (!library.Ask(library.FindPredicate("TestCNP"), code)) {
     session.out.Write(library.BirthDate(code) + "\n");

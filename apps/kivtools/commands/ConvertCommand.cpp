@@ -6,8 +6,8 @@
 #include <span>
 #include <vector>
 
+#include "apps/kivtools/CodePages.h"
 #include "apps/kivtools/Command.h"
-#include "apps/kivtools/Numbers.h"
 #include "apps/kivtools/Shown.h"
 #include "apps/kivtools/Utf16.h"
 #include "apps/kivtools/input/ForEachBlock.h"
@@ -25,23 +25,25 @@ constexpr std::array<Option, 4> kOptions = {{
 }};
 
 constexpr std::string_view kDetails =
-    "Converts standard input to standard output. Code pages have the numbers of Windows: 1250, 852, 65001 for UTF-8.\n"
-    "The comma and the cedilla letters stand for one another where the code page has only one of them; any other "
-    "letter\n"
-    "that it lacks is refused, and so are bytes that mean nothing where they come from, unless --lossy is given.\n"
+    "Converts standard input to standard output. Code pages have their names, such as utf-8, windows-1250, ibm852 or\n"
+    "iso-8859-2, or the numbers of Windows. The comma and the cedilla letters stand for one another where the code "
+    "page\n"
+    "has only one of them; any other letter that it lacks is refused, and so are bytes that mean nothing where they "
+    "come\n"
+    "from, unless --lossy is given.\n"
     "In UTF-8 the letters keep their form unless --letters comma or --letters cedilla chooses one.\n\n"
     "Example:\n"
-    "  kivtools convert --from 1250 --to 65001 --letters comma < vechi.txt > nou.txt\n";
+    "  kivtools convert --from windows-1250 --to utf-8 --letters comma < vechi.txt > nou.txt\n";
 
 constexpr std::int32_t kUtf7 = 65000;
 constexpr std::int32_t kUtf8 = 65001;
 
-std::int32_t ReadCodePage(const Library& library, const Arguments& arguments, const char* option) {
+std::int32_t CodePageOf(const Library& library, const Arguments& arguments, const char* option) {
   const auto text = arguments.ValueOf(option);
   if (!text) {
     throw InputError(std::string("--") + option + " CP is missing");
   }
-  const std::int32_t number = ReadWholeNumber(*text, 0, 65535, "the number of a code page");
+  const std::int32_t number = ReadCodePage(*text);
   if (library.ToWide("A", number).empty()) {
     throw InputError(Shown(*text) + " is not a code page that this system knows");
   }
@@ -57,7 +59,7 @@ LetterForm ReadLetters(const Arguments& arguments, std::int32_t to) {
     return nullptr;
   }
   if (to != kUtf8) {
-    throw InputError("\"--letters\" goes with --to 65001 only");
+    throw InputError("\"--letters\" goes with --to utf-8 only");
   }
   if (*form != "comma" && *form != "cedilla") {
     throw InputError(Shown(*form) + " is not a form of letters: comma or cedilla");
@@ -222,8 +224,8 @@ std::uint64_t ConvertLines(const Decoder& decoder, const Encoder& encoder, std::
 
 int RunConvert(Session& session, const Arguments& arguments) {
   const Library& library = session.Lib();
-  const std::int32_t from = ReadCodePage(library, arguments, "from");
-  const std::int32_t to = ReadCodePage(library, arguments, "to");
+  const std::int32_t from = CodePageOf(library, arguments, "from");
+  const std::int32_t to = CodePageOf(library, arguments, "to");
   const bool lossy = arguments.Has("lossy");
   const Decoder decoder(library, from, lossy);
   const Encoder encoder(library, to, lossy, ReadLetters(arguments, to));

@@ -12,8 +12,9 @@ namespace {
 constexpr std::array<Option, 1> kOptions = {{{"form", "NAME", "only this form; without it all of them"}}};
 
 constexpr std::string_view kDetails =
-    "DATE is written 2024-03-05 or 05.03.2024; T14:07:09 after it is the time of day. The forms bear the names of the\n"
-    "library's operations.\n\n"
+    "DATE is written 2024-03-05, 05.03.2024 or \"5 martie 2024\"; T14:07:09 after it is the time of day. The forms "
+    "bear\n"
+    "the names of the library's operations.\n\n"
     "Examples:\n"
     "  kivtools date 2024-03-05\n"
     "  kivtools date 2024-03-05T14:07:09 --form TimeToStrRo2    Ora 14 07 minute 09 sec\n";
@@ -38,12 +39,8 @@ constexpr std::array<std::string_view, 16> kForms = {
 };
 
 double DaysOf(const Library& library, const std::string& text) {
-  try {
-    const Moment moment = ReadMoment(text);
-    return library.EncodeDate(moment.year, moment.month, moment.day, moment.hour, moment.minute, moment.second);
-  } catch (const InputError& error) {
-    throw InputError(Shown(text) + " " + error.what());
-  }
+  const Moment moment = ReadValue(text, ReadMoment);
+  return library.EncodeDate(moment.year, moment.month, moment.day, moment.hour, moment.minute, moment.second);
 }
 
 int RunDate(Session& session, const Arguments& arguments) {

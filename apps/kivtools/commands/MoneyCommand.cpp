@@ -3,6 +3,7 @@
 
 #include "apps/kivtools/Command.h"
 #include "apps/kivtools/Numbers.h"
+#include "apps/kivtools/Shown.h"
 
 namespace kivtools {
 namespace {
@@ -14,15 +15,17 @@ constexpr std::array<Option, 3> kOptions = {{
 }};
 
 constexpr std::string_view kDetails =
-    "AMOUNT is written as 1234.56, with at most four decimals. TEXT is a Romanian amount: a comma before the\n"
-    "decimals; dots and blanks are passed over, decimals after the fourth are cut.\n\n"
+    "AMOUNT is written 1.234,56, 1234,56 or 1234.56, with at most four decimals and with lei, RON or EUR behind it or\n"
+    "not; 1.234 alone could be either number and is refused. TEXT is read as the library reads amounts: a comma "
+    "before\n"
+    "the decimals; dots and blanks are passed over, decimals after the fourth are cut.\n\n"
     "Examples:\n"
     "  kivtools money 1234567.89                  1.234.567, 89\n"
     "  kivtools money --no-space -1234.5          -1.234,50\n"
     "  kivtools money --parse \"1.234,5\"           1234.5\n";
 
 std::string Format(const Library& library, const Arguments& arguments) {
-  const std::int64_t amount = ReadPlainAmount(arguments.Values().front());
+  const std::int64_t amount = ReadValue(arguments.Values().front(), ReadAmount).value;
   const std::int32_t decimals =
       ReadWholeNumber(arguments.ValueOf("decimals").value_or("2"), 0, 4, "a number of decimals");
   return arguments.Has("no-space") ? library.MoneyNoSpace(amount, decimals) : library.Money(amount, decimals);

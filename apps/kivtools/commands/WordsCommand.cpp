@@ -5,6 +5,7 @@
 #include "apps/kivtools/Command.h"
 #include "apps/kivtools/Numbers.h"
 #include "apps/kivtools/Shown.h"
+#include "kivtools/Currency.h"
 
 namespace kivtools {
 namespace {
@@ -15,7 +16,8 @@ constexpr std::array<Option, 2> kOptions = {{
 }};
 
 constexpr std::string_view kDetails =
-    "AMOUNT is written as 1234.56, with at most four decimals; what is below a ban is cut.\n"
+    "AMOUNT is written 1.234,56, 1234,56 or 1234.56, with at most four decimals and with lei or RON behind it or not;\n"
+    "1.234 alone could be either number and is refused. What is below a ban is cut.\n"
     "Amounts of a billion or more and negative ones have no words.\n\n"
     "Examples:\n"
     "  kivtools words 1234.56           UNAMIEDOUASUTETREIZECISIPATRU LEI SI CINCIZECISISASE BANI\n"
@@ -28,12 +30,18 @@ std::string Words(const Library& library, const Arguments& arguments) {
     if (arguments.Has("number")) {
       // The library would drop the upper bits of a larger one and give the words of another number.
       using Limits = std::numeric_limits<std::int32_t>;
-      return library.NumberInWords(ReadWholeNumber(text, Limits::min(), Limits::max(), "a whole number"));
+      const std::int64_t number = ReadNumber(text, 0) / kiv::Currency::kPerUnit;
+      if (number < Limits::min() || number > Limits::max()) {
+        throw InputError("is not a whole number from -2147483648 to 2147483647");
+      }
+      return library.NumberInWords(static_cast<std::int32_t>(number));
     }
-    const std::int64_t amount = ReadPlainAmount(text);
+    const std::int64_t amount = ReadLei(text);
     return arguments.Has("compact") ? library.SumInWordsCompact(amount) : library.SumInWords(amount);
   } catch (const LibraryError& error) {
     throw InputError(Shown(text) + ": " + error.what());  // the library names only the group of digits it refused
+  } catch (const InputError& error) {
+    throw InputError(Shown(text) + " " + error.what());
   }
 }
 

@@ -4,7 +4,7 @@
 #include <array>
 #include <numeric>
 
-#include "apps/kivtools/FiscalCode.h"
+#include "apps/kivtools/Codes.h"
 #include "apps/kivtools/Layout.h"
 #include "apps/kivtools/Numbers.h"
 
@@ -223,11 +223,13 @@ class Printer {
 }  // namespace
 
 InvoiceFaults FindFaults(const Invoice& invoice, const Library& library) {
-  const auto find = [&library](const Party& party) {
-    const bool foreign = IsForeign(party.code);
-    return PartyFaults{
-        !party.code.empty() && !foreign && !library.Ask(library.FindPredicate("TestCodFiscal"), WithoutRo(party.code)),
-        !party.account.empty() && !library.Ask(library.FindPredicate("EsteIBAN"), party.account)};
+  const auto isWrong = [&library](const char* operation, const std::string& code, bool dropRo) {
+    const auto ask = [&](std::string_view asked) { return library.Ask(library.FindPredicate(operation), asked); };
+    return !code.empty() && !SaysYes(ask, code, dropRo);
+  };
+  const auto find = [&isWrong](const Party& party) {
+    return PartyFaults{!IsForeign(party.code) && isWrong("TestCodFiscal", party.code, true),
+                       isWrong("EsteIBAN", party.account, false)};
   };
   return {find(invoice.seller), find(invoice.buyer)};
 }

@@ -7,6 +7,7 @@
 #include "apps/kivtools/Dates.h"
 #include "apps/kivtools/Numbers.h"
 #include "apps/kivtools/Shown.h"
+#include "apps/kivtools/input/Blanks.h"
 #include "apps/kivtools/input/Csv.h"
 #include "kivtools/Currency.h"
 
@@ -32,11 +33,6 @@ constexpr std::array<HeaderField, 8> kHeaderFields = {{
     {"date", true, nullptr},
 }};
 
-std::string_view Trimmed(std::string_view text) noexcept {
-  const std::size_t first = std::min(text.find_first_not_of(' '), text.size());
-  return text.substr(first, text.find_last_not_of(' ') + 1 - first);
-}
-
 /// A field's text for the invoice: blanks around it dropped, line ends (where allowed) as line feeds.
 std::string CleanText(std::string_view field, bool lines) {
   std::string text(Trimmed(field));
@@ -59,7 +55,7 @@ std::chrono::year_month_day ReadInvoiceDate(std::string_view text) {
 
 std::int32_t ReadVatRate(std::string_view text) {
   const bool signedPercent = text.ends_with('%');
-  const std::int64_t rate = ReadFileAmount(signedPercent ? Trimmed(text.substr(0, text.size() - 1)) : text, 2);
+  const std::int64_t rate = ReadNumber(signedPercent ? text.substr(0, text.size() - 1) : text, 2);
   if (rate < 0 || rate > 100 * kiv::Currency::kPerUnit) {
     throw InputError("is not a rate from 0 to 100 percent");
   }
@@ -180,8 +176,8 @@ class Reader {
     InvoiceItem item;
     item.description = TakeText(kItemFields[0], Field(0), true, true);
     item.unit = TakeText(kItemFields[1], Field(1), false);
-    item.quantity = Take(kItemFields[2], Field(2), [](auto text) { return ReadFileAmount(text); });
-    item.unitPrice = Take(kItemFields[3], Field(3), [](auto text) { return ReadFileAmount(text); });
+    item.quantity = Take(kItemFields[2], Field(2), [](auto text) { return ReadNumber(text); });
+    item.unitPrice = Take(kItemFields[3], Field(3), ReadLei);
     item.vatRate = Take(kItemFields[4], Field(4), ReadVatRate);
     item.value = Take(kItemFields[3], Field(3), [&item](auto) { return LineValue(item.quantity, item.unitPrice); });
     invoice_.items.push_back(std::move(item));

@@ -8,6 +8,8 @@
 #include <string_view>
 #include <vector>
 
+#include "apps/kivtools/system/SystemError.h"
+
 /// What a command-line program asks of the system. Names and arguments are UTF-8 here, bytes are passed on as they are.
 namespace kivtools {
 
@@ -38,7 +40,13 @@ std::optional<std::size_t> TerminalWidth(StandardStream stream) noexcept;
 /// The path in an environment variable, nothing where it is not set or empty.
 std::optional<std::filesystem::path> PathFromEnvironment(const char* name);
 
-/// Writes all bytes to a standard stream. Throws SystemError for a full disk, a reader that is gone, a closed stream.
+/// Nobody reads the other end of the pipe any more.
+class ReaderGone : public SystemError {
+ public:
+  using SystemError::SystemError;
+};
+
+/// Writes all bytes to a standard stream. Throws ReaderGone, and SystemError for a full disk or a closed stream.
 void WriteAll(StandardStream stream, std::string_view bytes);
 
 }  // namespace kivtools

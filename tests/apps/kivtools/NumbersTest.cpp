@@ -1,7 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <limits>
 #include <random>
+#include <string>
 
 #include "apps/kivtools/InputError.h"
 #include "apps/kivtools/Numbers.h"
@@ -12,31 +14,38 @@ namespace {
 constexpr std::int64_t kMost = std::numeric_limits<std::int64_t>::max();
 constexpr std::int64_t kLeast = std::numeric_limits<std::int64_t>::min();
 
-TEST(PlainAmount, IsExactOrRefused) {
-  const struct {
-    const char* text;
-    std::int64_t amount;
-  } kCases[] = {{"0", 0},       {"-0.0", 0},   {"1234.56", 12345600},           {"0001.5", 15000},
-                {"-5", -50000}, {"0.0001", 1}, {"922337203685477.5807", kMost}, {"-922337203685477.5808", kLeast}};
-  for (const auto& [text, amount] : kCases) {
-    EXPECT_EQ(ReadPlainAmount(text), amount) << text;
-  }
-  for (const char* const bad : {"", "-", "+1", "1.", ".5", "1,5", "1.23456", "1e3", " 1", "1 ", "12a", "--1", "1.2.3",
-                                "922337203685477.5808", "-922337203685477.5809", "99999999999999999999999"}) {
-    try {
-      ReadPlainAmount(bad);
-      ADD_FAILURE() << bad;
-    } catch (const InputError& error) {
-      EXPECT_EQ(std::string(error.what()).find("\"" + std::string(bad) + "\" "), 0U) << error.what();
-    }
+/// Why the text is refused, or what it is read as.
+template <class Read>
+std::string Answer(const Read& read, std::string_view text) {
+  try {
+    return "read: " + WritePlainAmount(read(text));
+  } catch (const InputError& error) {
+    return error.what();
   }
 }
 
-TEST(PlainAmount, ReadsBackWhatIsWritten) {
+TEST(PlainAmount, ReadsBackInBothNotations) {
   std::mt19937_64 random(11);
   for (int i = 0; i < 10000; ++i) {
     const auto amount = static_cast<std::int64_t>(random()) >> (random() % 64);
-    EXPECT_EQ(ReadPlainAmount(WritePlainAmount(amount)), amount);
+    const std::string plain = WritePlainAmount(amount);
+    const std::size_t point = std::min(plain.find('.'), plain.size());
+    std::string romanian = plain;
+    std::ranges::replace(romanian, '.', ',');
+    EXPECT_EQ(ReadNumber(romanian), amount) << romanian;
+    for (std::size_t at = point; at > 3 && plain[at - 4] != '-'; at -= 3) {
+      romanian.insert(at - 3, ".");
+    }
+    if (point < plain.size()) {
+      EXPECT_EQ(ReadNumber(romanian), amount) << romanian;
+      // Three decimals behind what could be a group have a second reading.
+      const std::size_t digits = point - (amount < 0 ? 1 : 0);
+      const bool twofold = plain.size() - point == 4 && digits <= 3 && plain[point - digits] != '0';
+      EXPECT_EQ(Answer([](auto text) { return ReadNumber(text); }, plain).starts_with("can be read in two ways"),
+                twofold)
+          << plain;
+    }
+    EXPECT_EQ(ReadAmount(" " + romanian + (point < plain.size() ? "\u00A0Eur " : ",0eur")), (Amount{amount, "EUR"}));
   }
   EXPECT_EQ(WritePlainAmount(kLeast), "-922337203685477.5808");
   EXPECT_EQ(WritePlainAmount(-500), "-0.05");
@@ -56,47 +65,58 @@ TEST(WholeNumber, TakesItsRangeAndNamesIt) {
   }
 }
 
-TEST(FileAmount, TakesBothNotationsAndRefusesWhatCouldBeEither) {
+TEST(Number, TakesBothNotationsAndRefusesWhatCouldBeEither) {
   const struct {
     const char* text;
     std::int64_t amount;
   } kCases[] = {
       {"12", 120000},
+      {"-0.0", 0},
+      {"0001.5", 15000},
       {"1234,5", 12345000},
       {"1.234,50", 12345000},
       {"-1.234.567,89", -12345678900},
       {"1234.50", 12345000},
-      {"1.5", 15000},
       {"1.2345", 12345},
       {"1.234.567", 12345670000},
       {"1,234", 12340},
       {"0.125", 1250},
       {"1234.567", 12345670},
-      {"0,0001", 1},
+      {" 0,0001\u202F", 1},
       {"922.337.203.685.477,5807", kMost},
+      {"-922337203685477.5808", kLeast},
   };
   for (const auto& [text, amount] : kCases) {
-    EXPECT_EQ(ReadFileAmount(text), amount) << text;
+    EXPECT_EQ(ReadNumber(text), amount) << text;
   }
-  for (const char* const ambiguous : {"1.234", "-12.345", "999.000"}) {
-    EXPECT_THROW(ReadFileAmount(ambiguous), InputError) << ambiguous;
-  }
+  const auto number = [](std::string_view text) { return ReadNumber(text); };
   for (const char* const bad :
-       {"",         "-",       "1,",       ",5",      "1.",        ".5",       "1,2,3",
-        "1,234.50", "12.34,5", "1.2345,6", "0.123,4", "0.123.456", "1.23.456", "1..2",
-        "1.234.56", "1 234",   "1,23456",  "12a",     "--1",       "1.,5",     "922.337.203.685.477,5808"}) {
-    EXPECT_THROW(ReadFileAmount(bad), InputError) << bad;
+       {"",        "-",         "1,",       ".5",   "1,2,3",    "1,234.50", "12.34,5", "1.2345,6",
+        "0.123,4", "0.123.456", "1.23.456", "1..2", "1.234.56", "1 234",    "12a",     "--1",
+        "1.,5",    "+1",        "1e3",      "lei",  "12 lei",   "\t12",     "- 1"}) {
+    EXPECT_EQ(Answer(number, bad), "is not an amount such as 1.234,56 or 1234.56") << bad;
   }
-  EXPECT_EQ(ReadFileAmount("5,25", 2), 52500);
-  const auto complaint = [](const char* text) -> std::string {
-    try {
-      return std::to_string(ReadFileAmount(text, 2));
-    } catch (const InputError& error) {
-      return error.what();
-    }
-  };
-  EXPECT_EQ(complaint("5,250"), "has more than 2 decimals");
-  EXPECT_EQ(complaint("922.337.203.685.477,59"), "is too large for an amount");
+  EXPECT_EQ(Answer(number, "-12.345"),
+            "can be read in two ways: write 12345 for the whole number or 12,345 for decimals");
+  EXPECT_EQ(Answer(number, "1,23456"), "has more than 4 decimals");
+  for (const char* const outside : {"922337203685477.5808", "-922.337.203.685.477,5809", "99999999999999999999999"}) {
+    EXPECT_EQ(Answer(number, outside), "is outside -922337203685477.5808 to 922337203685477.5807") << outside;
+  }
+  EXPECT_EQ(ReadNumber("5,25", 2), 52500);
+  EXPECT_EQ(Answer([](auto text) { return ReadNumber(text, 2); }, "5,250"), "has more than 2 decimals");
+  EXPECT_EQ(Answer([](auto text) { return ReadNumber(text, 0); }, "5,0"), "is not a whole number");
+}
+
+TEST(Amount, KnowsItsCurrency) {
+  for (const char* const lei : {"12,5", "12,5 lei", "12.5LEU", "12,5 \u00A0 Ron"}) {
+    EXPECT_EQ(ReadLei(lei), 125000) << lei;
+  }
+  EXPECT_EQ(ReadAmount("1 eur"), (Amount{10000, "EUR"}));
+  EXPECT_EQ(ReadAmount("1"), (Amount{10000, ""}));
+  EXPECT_EQ(Answer(ReadLei, "12,5 EUR"), "is in EUR, not in lei");
+  for (const char* const bad : {"lei", "12 lei lei", "12 usd", "lei 12", "12 le"}) {
+    EXPECT_THROW(ReadAmount(bad), InputError) << bad;
+  }
 }
 
 }  // namespace

@@ -45,7 +45,7 @@ def missing_streams(folder):
         (f"exec kivtools check cui <{lines} >&-", (2, "check: standard output: Bad file descriptor (error 9)\n")),
         (f"exec kivtools check cui --csv 1 <{lines} >/dev/full", (2, "check: standard output: No space left on device (error 28)\n")),
         (f"exec kivtools convert --from 1250 --to 852 <{lines} >/dev/full", (2, "convert: standard output: No space left on device (error 28)\n")),
-        (f"{{ kivtools check cui <{lines}; echo $? >&2; }} | head -n 1", (0, "check: standard output: Broken pipe (error 32)\n2\n")),
+        (f"{{ kivtools check cui <{lines}; echo $? >&2; }} | head -n 1", (0, "2\n")),
     ]
     for _ in range(10):
         for command, wanted in cases:
@@ -248,7 +248,7 @@ def lists(folder):
         expect(f"list {form}", shell(f"exec kivtools list {tree} {form} >/dev/full"),
                (2, "list: standard output: No space left on device (error 28)\n"))
         expect(f"list {form}", shell(f"{{ kivtools list {tree} {form}; echo $? >&2; }} | head -c 9"),
-               (0, "list: standard output: Broken pipe (error 32)\n2\n"))
+               (0, "2\n"))
     expect("list", shell(f"exec kivtools list {tree} >&-"), (2, "list: standard output: Bad file descriptor (error 9)\n"))
 
     strange = os.path.join(folder, "strange")

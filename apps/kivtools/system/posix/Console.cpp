@@ -94,7 +94,11 @@ void WriteAll(StandardStream stream, std::string_view bytes) {
     if (count >= 0) {
       bytes.remove_prefix(static_cast<std::size_t>(count));
     } else if (const int code = errno; code != EINTR) {
-      throw SystemError(stream == StandardStream::Output ? "standard output" : "standard error", code);
+      const char* const name = stream == StandardStream::Output ? "standard output" : "standard error";
+      if (code == EPIPE) {
+        throw ReaderGone(name, code);
+      }
+      throw SystemError(name, code);
     }
   }
 }

@@ -107,8 +107,11 @@ void WriteAll(StandardStream stream, std::string_view bytes) {
     const bool done = WriteFile(StreamHandle(stream), bytes.data(), wanted, &written, nullptr) != 0;
     const DWORD code = done ? DWORD{ERROR_DISK_FULL} : GetLastError();
     if (!done || written == 0) {
-      throw SystemError(stream == StandardStream::Output ? "standard output" : "standard error",
-                        static_cast<std::int32_t>(code));
+      const char* const name = stream == StandardStream::Output ? "standard output" : "standard error";
+      if (code == ERROR_BROKEN_PIPE || code == ERROR_NO_DATA) {
+        throw ReaderGone(name, static_cast<std::int32_t>(code));
+      }
+      throw SystemError(name, static_cast<std::int32_t>(code));
     }
     bytes.remove_prefix(written);
   }

@@ -1,6 +1,6 @@
 // Every identifier check gives the plain rule's verdict on any bytes. None throws, but for the one that is documented
-// to (the others are noexcept, so that an exception would end the fuzzer). The helpers around them never throw on bad
-// input.
+// to (the others are noexcept, so that an exception would end the fuzzer). The explanations agree with them, and a
+// check digit that they want is right. The helpers around them never throw on bad input.
 #include <algorithm>
 #include <optional>
 
@@ -8,6 +8,7 @@
 #include "kivtools/WinUtil/BankAndLocalityCodes.h"
 #include "kivtools/WinUtil/FiscalCode.h"
 #include "kivtools/WinUtil/PersonalNumericCode.h"
+#include "tests/WinUtil/CodeFaultRules.h"
 #include "tests/WinUtil/IdentifierRules.h"
 
 namespace {
@@ -62,6 +63,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
   CheckPersonalCode(text);
   CheckAccount(text);
   REQUIRE(kiv::TestCodFiscal(text) == kiv::plain::TestCodFiscal(text));
+  REQUIRE(kiv::plain::FirstDisagreement(text).empty());
   REQUIRE(LocalityVerdict(text) == kiv::plain::ValideazaSIRUTA(text));
   return 0;
 }

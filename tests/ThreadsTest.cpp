@@ -73,6 +73,9 @@ Text OfDate(std::uint32_t number) {
 Text Shown(const Text& text) {
   return text + '|';
 }
+Text Shown(const CodeFault& fault) {
+  return CodeFaultText(fault) + '|';
+}
 Text Shown(double number) {
   return std::to_string(number) + '|';
 }
@@ -118,7 +121,9 @@ Text OfIdentifier(std::uint32_t number) {
   return Outcomes<TextView>(code, TestCNP, AnulNasteriiDinCnp, DataNasteriiDinCNP, DataNasteriiDinCNP_scurt,
                             VarstaDinCNP, TestCodFiscal, ValideazaSIRUTA) +
          Outcomes<TextView>("RO49 AAAA " + code, ValideazaIBAN, EsteIBAN) +
-         Shown(TestCodFiscal(std::to_string(number)));
+         Shown(TestCodFiscal(std::to_string(number))) +
+         Outcomes<TextView>(code, ExplainTestCNP, ExplainTestCodFiscal, ExplainValideazaIBAN, ExplainEsteIBAN,
+                            ExplainValideazaSIRUTA);
 }
 
 Text OfShaping(std::uint32_t number) {

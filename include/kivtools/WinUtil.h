@@ -3,6 +3,7 @@
 #pragma once
 
 #include "kivtools/WinUtil/BankAndLocalityCodes.h"
+#include "kivtools/WinUtil/CodeFaults.h"
 #include "kivtools/WinUtil/Colours.h"
 #include "kivtools/WinUtil/DateArithmetic.h"
 #include "kivtools/WinUtil/DateText.h"

@@ -10,6 +10,7 @@
 #include "kivtools/c/BankAndLocalityCodes.h"
 #include "kivtools/c/Base.h"
 #include "kivtools/c/Bitmaps.h"
+#include "kivtools/c/CodeFaults.h"
 #include "kivtools/c/CodePages.h"
 #include "kivtools/c/Colours.h"
 #include "kivtools/c/Dataset.h"

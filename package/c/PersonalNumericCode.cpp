@@ -1,7 +1,7 @@
 #include "kivtools/c/PersonalNumericCode.h"
 
 #include "kivtools/WinUtil/PersonalNumericCode.h"
-#include "package/c/Abi.h"
+#include "package/c/Explained.h"
 
 using namespace kiv::c;
 
@@ -9,6 +9,10 @@ extern "C" {
 
 KivAnswer KivTestCNP(const char* code, size_t length) {
   return GiveAnswer([=] { return kiv::TestCNP(KIV_TEXT(code, length)); });
+}
+
+KivAnswer KivExplainTestCNP(const char* code, size_t length, KivCodeFault* fault) {
+  return Explain(kiv::ExplainTestCNP, code, length, "code", fault);
 }
 
 KivStatus KivAnulNasteriiDinCnp(const char* code, size_t length, int32_t* year) {

@@ -1,5 +1,6 @@
 #include "kivtools/WinUtil/BankAndLocalityCodes.h"
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -89,7 +90,10 @@ class Remainder {
   }
 
   /// Whether only digits, letters and blanks came and the remainder is 1.
-  [[nodiscard]] bool IsOne() const noexcept { return (marks_ & kForeign) == 0 && number_ % kModulus == 1; }
+  [[nodiscard]] bool IsOne() const noexcept { return (marks_ & kForeign) == 0 && Modulo97() == 1; }
+
+  /// The remainder, where only digits, letters and blanks came.
+  [[nodiscard]] std::uint32_t Modulo97() const noexcept { return static_cast<std::uint32_t>(number_ % kModulus); }
 
   /// Whether each letter of "IBAN" came at least once, so that the word may have been among the characters.
   [[nodiscard]] bool MayHoldIban() const noexcept { return (marks_ & kLettersOfIban) == kLettersOfIban; }
@@ -182,6 +186,66 @@ Pieces WithoutIban(TextView text) noexcept {
   return RemainderOf(WithoutIban(account)).IsOne();
 }
 
+/// The lengths of account numbers: of all countries, and of this one, which is known for certain.
+constexpr std::size_t kShortestAccount = 15;
+constexpr std::size_t kLongestAccount = 34;
+constexpr std::size_t kRomanianAccount = 24;
+
+/// An account number's characters that count, in what an explanation needs.
+struct Parts {
+  std::array<const char*, kHead> head{};
+  std::size_t length = 0;
+  Remainder body;
+};
+
+Parts PartsOf(Pieces account) noexcept {
+  Parts parts;
+  for (const TextView piece : {account.before, account.after}) {
+    std::size_t bodyAt = piece.size();
+    for (std::size_t at = 0; at < piece.size(); ++at) {
+      if (piece[at] == ' ') {
+        continue;
+      }
+      if (parts.length < kHead) {
+        parts.head.at(parts.length) = &piece[at];
+      } else {
+        bodyAt = std::min(bodyAt, at);
+      }
+      ++parts.length;
+    }
+    parts.body = parts.body.With(piece.substr(bodyAt));
+  }
+  return parts;
+}
+
+/// The length that an account number of that many characters should have; 0 where it may have its own.
+std::size_t RightLength(const Parts& parts) noexcept {
+  const bool known = parts.length >= 2;
+  if (known && ascii::ToUpper(*parts.head[0]) == 'R' && ascii::ToUpper(*parts.head[1]) == 'O') {
+    return parts.length == kRomanianAccount ? 0 : kRomanianAccount;
+  }
+  const std::size_t nearest = std::clamp(parts.length, kShortestAccount, kLongestAccount);
+  return parts.length == nearest ? 0 : nearest;
+}
+
+/// The fault of an account number that has one.
+[[gnu::noinline]] CodeFault ExplainInvalid(TextView account) noexcept {
+  const auto isForeign = [](char character) {
+    return kCharacters.marks[static_cast<unsigned char>(character)] == kForeign;
+  };
+  if (const auto foreign = std::ranges::find_if(account, isForeign); foreign != account.end()) {
+    return {CodeKind::Account, CodeRule::Character, static_cast<std::size_t>(foreign - account.begin())};
+  }
+  const Parts parts = PartsOf(WithoutIban(account));
+  if (const std::size_t right = RightLength(parts); right != 0) {
+    return {CodeKind::Account, CodeRule::Length, parts.length, static_cast<std::int32_t>(right)};
+  }
+  const std::array<char, kHead> head = {*parts.head[0], *parts.head[1], '0', '0'};
+  const std::uint32_t right = kModulus + 1 - parts.body.WithFour(head.data()).Modulo97();
+  return {CodeKind::Account, CodeRule::CheckDigit, static_cast<std::size_t>(parts.head[2] - account.data()),
+          static_cast<std::int32_t>(right)};
+}
+
 /// The value of one digit. Throws ConversionError for any other character.
 std::int32_t DigitValue(char character) {
   if (!ascii::IsDigit(character)) {
@@ -198,6 +262,30 @@ std::int32_t SumaCifrelor(std::int32_t number) noexcept {
   return sum;
 }
 
+constexpr std::array<std::int32_t, 5> kLocalityWeights = {7, 5, 3, 2, 1};
+constexpr std::size_t kLocalityLength = kLocalityWeights.size() + 1;
+using LocalityDigits = std::array<std::int32_t, kLocalityLength>;
+
+/// The first six digits of a locality code; what is missing in front counts as 0. Throws ConversionError.
+LocalityDigits DigitsOf(TextView code) {
+  LocalityDigits digits{};
+  const std::size_t present = code.size() < kLocalityLength ? code.size() : kLocalityLength;
+  for (std::size_t i = 0; i < present; ++i) {
+    digits[kLocalityLength - present + i] = DigitValue(code[i]);
+  }
+  return digits;
+}
+
+/// What the last digit has to be, 2 to 11. No further "mod 10": a check digit of 0 or 1 never passes, and hosts rely on
+/// exactly these codes being refused.
+std::int32_t CheckDigitOf(const LocalityDigits& digits) noexcept {
+  std::int32_t sum = 0;
+  for (std::size_t i = 0; i < kLocalityWeights.size(); ++i) {
+    sum += SumaCifrelor(kLocalityWeights[i] * digits[i]);
+  }
+  return 11 - sum % 10;
+}
+
 }  // namespace
 
 bool ValideazaIBAN(TextView account) noexcept {
@@ -212,9 +300,29 @@ bool ValideazaIBAN(TextView account) noexcept {
   return IsValidByAllRules(account);
 }
 
+CodeFault ExplainValideazaIBAN(TextView account) noexcept {
+  return ValideazaIBAN(account) ? CodeFault{CodeKind::Account} : ExplainInvalid(account);
+}
+
 bool EsteIBAN(TextView text) noexcept {
   const TextView account = Trim(text);
   return !account.empty() && ascii::IsUpper(ascii::ToUpper(account.front())) && ValideazaIBAN(account);
+}
+
+CodeFault ExplainEsteIBAN(TextView text) noexcept {
+  const TextView account = Trim(text);
+  if (account.empty()) {
+    return {CodeKind::Account, CodeRule::Length, 0, static_cast<std::int32_t>(kShortestAccount)};
+  }
+  const auto start = static_cast<std::size_t>(account.data() - text.data());
+  if (!ascii::IsUpper(ascii::ToUpper(account.front()))) {
+    return {CodeKind::Account, CodeRule::FirstCharacter, start};
+  }
+  CodeFault fault = ExplainValideazaIBAN(account);
+  if (fault.rule == CodeRule::Character || fault.rule == CodeRule::CheckDigit) {
+    fault.position += start;
+  }
+  return fault;
 }
 
 Text ExtrageIBANdinIBANCuAnalitic(TextView text) {
@@ -227,19 +335,24 @@ Text EliminaCoduriDinIBAN(TextView text) {
 }
 
 bool ValideazaSIRUTA(TextView code) {
-  constexpr std::array<std::int32_t, 5> kWeights = {7, 5, 3, 2, 1};
-  constexpr std::size_t kLength = kWeights.size() + 1;
-  std::array<std::int32_t, kLength> digits{};  // what is missing in front counts as 0
-  const std::size_t present = code.size() < kLength ? code.size() : kLength;
-  for (std::size_t i = 0; i < present; ++i) {
-    digits[kLength - present + i] = DigitValue(code[i]);
+  const LocalityDigits digits = DigitsOf(code);
+  return CheckDigitOf(digits) == digits.back();
+}
+
+CodeFault ExplainValideazaSIRUTA(TextView code) noexcept {
+  const TextView read = code.substr(0, kLocalityLength);
+  if (read.empty()) {
+    return {CodeKind::Locality, CodeRule::Length, 0, 1};
   }
-  std::int32_t sum = 0;
-  for (std::size_t i = 0; i < kWeights.size(); ++i) {
-    sum += SumaCifrelor(kWeights[i] * digits[i]);
+  if (const auto other = std::ranges::find_if_not(read, ascii::IsDigit<char>); other != read.end()) {
+    return {CodeKind::Locality, CodeRule::Character, static_cast<std::size_t>(other - read.begin())};
   }
-  // No further "mod 10": a check digit of 0 or 1 never passes, and hosts rely on exactly these codes being refused.
-  return 11 - sum % 10 == digits.back();
+  const LocalityDigits digits = DigitsOf(read);
+  const std::int32_t right = CheckDigitOf(digits);
+  if (right == digits.back()) {
+    return {CodeKind::Locality};
+  }
+  return {CodeKind::Locality, CodeRule::CheckDigit, read.size() - 1, right <= 9 ? right : -1};
 }
 
 }  // namespace kiv

@@ -1,8 +1,10 @@
 #include "kivtools/WinUtil/FiscalCode.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 
+#include "kivtools/Ascii.h"
 #include "kivtools/WinUtil/PersonalNumericCode.h"
 
 namespace kiv {
@@ -26,14 +28,16 @@ bool OnlyDigits(TextView text) noexcept {
   return onlyDigits;
 }
 
-}  // namespace
+/// Whether a code that is not as long as a personal one breaks a rule, and the control digit that would be right. The
+/// check and its explanation share it, so that they cannot disagree.
+struct Verdict {
+  CodeRule rule;
+  std::uint32_t control = 0;
+};
 
-bool TestCodFiscal(TextView code) noexcept {
-  if (code.size() == kPersonalCodeLength) {
-    return OnlyDigits(code) && TestCNP(code);
-  }
+inline Verdict Judge(TextView code) noexcept {
   if (code.size() < kShortest || code.size() > kLongest) {
-    return false;
+    return {CodeRule::Length};
   }
   const TextView body = code.substr(0, code.size() - 1);
   std::uint32_t sum = 0;
@@ -43,8 +47,49 @@ bool TestCodFiscal(TextView code) noexcept {
     onlyDigits &= digit <= 9;
     sum += digit * Digit(kWeights[i]);
   }
-  // 10 becomes 0. A control character that is not a digit differs from both.
-  return onlyDigits && sum * 10 % 11 % 10 == Digit(code.back());
+  const std::uint32_t right = sum * 10 % 11 % 10;  // 10 becomes 0
+  const std::uint32_t control = Digit(code.back());
+  if (onlyDigits && control == right) {
+    return {CodeRule::None};
+  }
+  return {onlyDigits && control <= 9 ? CodeRule::CheckDigit : CodeRule::Character, right};
+}
+
+/// The first character that is not a digit.
+CodeFault FaultOfCharacter(TextView code) noexcept {
+  const auto found = std::ranges::find_if_not(code, ascii::IsDigit<char>);
+  return {CodeKind::Fiscal, CodeRule::Character, static_cast<std::size_t>(found - code.begin())};
+}
+
+/// The length that comes nearest to that of the code.
+std::size_t NearestLength(std::size_t length) noexcept {
+  return length < kShortest ? kShortest : length == kLongest + 1 ? kLongest : kPersonalCodeLength;
+}
+
+}  // namespace
+
+bool TestCodFiscal(TextView code) noexcept {
+  if (code.size() == kPersonalCodeLength) {
+    return OnlyDigits(code) && TestCNP(code);
+  }
+  return Judge(code).rule == CodeRule::None;
+}
+
+CodeFault ExplainTestCodFiscal(TextView code) noexcept {
+  if (code.size() == kPersonalCodeLength) {
+    return OnlyDigits(code) ? ExplainTestCNP(code) : FaultOfCharacter(code);
+  }
+  const Verdict verdict = Judge(code);
+  switch (verdict.rule) {
+    case CodeRule::None:
+      return {CodeKind::Fiscal};
+    case CodeRule::Length:
+      return {CodeKind::Fiscal, CodeRule::Length, code.size(), static_cast<std::int32_t>(NearestLength(code.size()))};
+    case CodeRule::CheckDigit:
+      return {CodeKind::Fiscal, CodeRule::CheckDigit, code.size() - 1, static_cast<std::int32_t>(verdict.control)};
+    default:
+      return FaultOfCharacter(code);
+  }
 }
 
 }  // namespace kiv

@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "kivtools/Types.h"
+#include "kivtools/WinUtil/CodeFaults.h"
 
 namespace kiv {
 
@@ -16,6 +17,14 @@ namespace kiv {
 ///     TestCNP("1800101221145")   // false: wrong control digit
 ///     TestCNP("3800101221143")   // false: 3, 4, 7, 8, 9 and 0 are not accepted in front
 [[nodiscard]] KIV_API bool TestCNP(TextView code) noexcept;
+
+/// The first rule that the code breaks, in the order: length, digits, first digit, birth date, control digit. Its rule
+/// is CodeRule::None exactly where TestCNP() says yes. Never throws, allocates nothing, counts nothing; any thread may
+/// call it. The county is looked at by neither.
+///
+///     ExplainTestCNP("1800101221145")   // {CodeKind::Personal, CodeRule::CheckDigit, 12, 4}
+///     ExplainTestCNP("18001o1221144")   // {CodeKind::Personal, CodeRule::Character, 5, -1}
+[[nodiscard]] KIV_API CodeFault ExplainTestCNP(TextView code) noexcept;
 
 /// The birth year that the first three characters say: 19YY after 1 or 2, 20YY after 5 or 6, YY - 1 after anything
 /// else. Nothing else is looked at; ask TestCNP() first. Throws Error for fewer than three characters and

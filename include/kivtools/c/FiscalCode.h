@@ -6,6 +6,7 @@
 #define KIVTOOLS_C_FISCAL_CODE_H
 
 #include "kivtools/c/Base.h"
+#include "kivtools/c/CodeFaults.h"
 
 #ifdef __cplusplus
 extern "C" {
@@ -16,6 +17,12 @@ extern "C" {
  * Example: "12345674" gives 1, "RO12345674" gives 0.
  */
 KIV_API KivAnswer KivTestCodFiscal(const char* code, size_t length);
+
+/**
+ * The same answer, with the first fault of a code that is not valid. Example: "12345670" gives 0 and
+ * KIV_CODE_CHECK_DIGIT at 7 with 4 expected.
+ */
+KIV_API KivAnswer KivExplainTestCodFiscal(const char* code, size_t length, KivCodeFault* fault);
 
 #ifdef __cplusplus
 }

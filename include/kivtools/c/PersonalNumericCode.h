@@ -6,6 +6,7 @@
 #define KIVTOOLS_C_PERSONAL_NUMERIC_CODE_H
 
 #include "kivtools/c/Base.h"
+#include "kivtools/c/CodeFaults.h"
 
 #ifdef __cplusplus
 extern "C" {
@@ -13,6 +14,12 @@ extern "C" {
 
 /** Whether the personal numeric code is valid. Example: "1800101221144" gives 1, "1800101221145" gives 0. */
 KIV_API KivAnswer KivTestCNP(const char* code, size_t length);
+
+/**
+ * The same answer, with the first fault of a code that is not valid in `fault` (see kivtools/c/CodeFaults.h). Example:
+ * "1800101221145" gives 0 and KIV_CODE_CHECK_DIGIT at 12 with 4 expected.
+ */
+KIV_API KivAnswer KivExplainTestCNP(const char* code, size_t length, KivCodeFault* fault);
 
 /**
  * Stores the birth year that the first three characters say, without any further check. Fails with KIV_ERROR_GENERAL

@@ -1,10 +1,12 @@
 include(CMakePackageConfigHelpers)
 
 set(KIV_CMAKE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/KivToolsRePack)
-set(KIV_INSTALLED KivToolsRePack KivToolsRePackStatic kiv_loader kivtools)
-if(TARGET KivToolsRePackQtHost)
-  list(APPEND KIV_INSTALLED KivToolsRePackQtHost)
-endif()
+set(KIV_INSTALLED)
+foreach(target KivToolsRePack KivToolsRePackStatic kiv_loader kivtools KivToolsRePackQtHost)
+  if(TARGET ${target})
+    list(APPEND KIV_INSTALLED ${target})
+  endif()
+endforeach()
 # ./run builds this, so that what it leaves can be installed.
 add_custom_target(kiv_installed DEPENDS ${KIV_INSTALLED})
 
@@ -24,12 +26,15 @@ install(CODE "if(CMAKE_INSTALL_CONFIG_NAME STREQUAL \"Release\")
 endif()" ALL_COMPONENTS)
 
 # Runtime is what a host's user needs, Development what its author needs beside that.
-install(TARGETS KivToolsRePack EXPORT KivToolsRePackTargets
+set(libraries ${KIV_INSTALLED})
+list(REMOVE_ITEM libraries kivtools KivToolsRePackQtHost)
+install(TARGETS ${libraries} EXPORT KivToolsRePackTargets
   RUNTIME COMPONENT Runtime
   LIBRARY COMPONENT Runtime NAMELINK_COMPONENT Development
   ARCHIVE COMPONENT Development)
-install(TARGETS KivToolsRePackStatic kiv_loader EXPORT KivToolsRePackTargets ARCHIVE COMPONENT Development)
-install(TARGETS kivtools RUNTIME COMPONENT Runtime)
+if(TARGET kivtools)
+  install(TARGETS kivtools RUNTIME COMPONENT Runtime)
+endif()
 install(DIRECTORY include/kivtools DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT Development)
 install(EXPORT KivToolsRePackTargets NAMESPACE KivToolsRePack:: DESTINATION ${KIV_CMAKE_DIR} COMPONENT Development)
 configure_package_config_file(cmake/KivToolsRePackConfig.cmake.in KivToolsRePackConfig.cmake
@@ -39,9 +44,11 @@ install(FILES ${CMAKE_CURRENT_BINARY_DIR}/KivToolsRePackConfig.cmake
   ${CMAKE_CURRENT_BINARY_DIR}/KivToolsRePackConfigVersion.cmake DESTINATION ${KIV_CMAKE_DIR} COMPONENT Development)
 # The way from the file's own folder to the prefix, so that an installed tree may be moved.
 file(RELATIVE_PATH KIV_PREFIX_FROM_PC ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
-configure_file(cmake/kivtoolsrepack.pc.in kivtoolsrepack.pc @ONLY)
-install(FILES ${CMAKE_CURRENT_BINARY_DIR}/kivtoolsrepack.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig
-  COMPONENT Development)
+if(KIV_SHARED)
+  configure_file(cmake/kivtoolsrepack.pc.in kivtoolsrepack.pc @ONLY)
+  install(FILES ${CMAKE_CURRENT_BINARY_DIR}/kivtoolsrepack.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig
+    COMPONENT Development)
+endif()
 
 # The host for Qt applications, for who writes one.
 if(TARGET KivToolsRePackQtHost)

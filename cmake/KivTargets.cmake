@@ -44,6 +44,10 @@ function(kiv_setup_library target)
   target_compile_features(${target} PUBLIC cxx_std_20)
   target_compile_definitions(${target} PRIVATE KIV_VERSION="${PROJECT_VERSION}")
   target_link_libraries(${target} PRIVATE ${KIV_SYSTEM_LIBRARIES})
+  if(NOT PROJECT_IS_TOP_LEVEL AND NOT KIV_INSTALL)
+    # Of another project's build this is made where something links it.
+    set_target_properties(${target} PROPERTIES EXCLUDE_FROM_ALL ON)
+  endif()
 endfunction()
 
 # What both forms of the library share beside that. On Linux they are made from one compilation: what is published is

@@ -20,8 +20,8 @@ install(CODE "foreach(file ${files})
     message(FATAL_ERROR \"nothing is installed: \${file} is not built; build first: cmake --build ${CMAKE_BINARY_DIR}\")
   endif()
 endforeach()" ALL_COMPONENTS)
-# Symbol tables are for whoever has the build tree.
-install(CODE "if(CMAKE_INSTALL_CONFIG_NAME STREQUAL \"Release\")
+# Symbol tables are for whoever has the build tree, unless the build is for debugging.
+install(CODE "if(NOT CMAKE_INSTALL_CONFIG_NAME MATCHES \"Deb\")
   set(CMAKE_INSTALL_DO_STRIP TRUE)
 endif()" ALL_COMPONENTS)
 

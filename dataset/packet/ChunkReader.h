@@ -35,6 +35,10 @@ class ChunkReader {
     at_ += size;
     return taken;
   }
+  /// What has not been taken of the chunk.
+  [[nodiscard]] std::span<const std::byte> Rest() const noexcept {
+    return std::span<const std::byte>(payload_).subspan(at_);
+  }
   std::string_view TakeText(std::size_t size) {
     const auto bytes = Take(size);
     return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};

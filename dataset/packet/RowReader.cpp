@@ -233,18 +233,31 @@ void RowReader::ReadTexts(std::uint16_t field) {
   if (first != textsRead_ || count == 0 || count > blockRows_ - textsRead_) {
     in_.Refuse("textele unei coloane nu urmeaza unul din altul");
   }
-  for (std::uint32_t place = first; place < std::uint32_t{first} + count; ++place) {
-    if (!IsNull(place)) {
+  const std::uint32_t end = std::uint32_t{first} + count;
+  for (std::uint32_t place = first; place < end;) {
+    place = ReadStoredTexts(field, place, end);
+    if (place < end && !IsNull(place)) {
       const std::string_view text = texts_.Take(fields_[field].type);
       budget_.Spend(in_, text.size());
       loader_.PutText(field, place, text);
     }
+    ++place;
   }
   textsRead_ += count;
   if (textsRead_ == blockRows_) {
     textsRead_ = 0;
     ++nextField_;
   }
+}
+
+std::uint32_t RowReader::ReadStoredTexts(std::uint16_t field, std::uint32_t first, std::uint32_t end) {
+  if (!budget_.Covers(in_.Rest().size())) {
+    return first;
+  }
+  const store::BlockLoader::Put put = loader_.PutStoredTexts(field, first, end, in_.Rest());
+  in_.Take(put.taken.bytes);
+  budget_.Spend(in_, put.taken.bytes - put.taken.texts * sizeof(std::uint16_t));
+  return put.end;
 }
 
 void RowReader::EndBlock() {

@@ -15,6 +15,7 @@ class Budget {
   explicit Budget(const ReadLimits& limits) noexcept : limits_(limits), left_(limits.maxBytes) {}
 
   [[nodiscard]] const ReadLimits& Limits() const noexcept { return limits_; }
+  [[nodiscard]] bool Covers(std::uint64_t bytes) const noexcept { return bytes <= left_; }
   void Spend(const ChunkReader& in, std::uint64_t bytes) {
     if (bytes > left_) {
       in.Refuse("pachetul ar ocupa mai multa memorie decat este permis");
@@ -64,6 +65,8 @@ class RowReader {
   template <class Element>
   void ReadNumbers(std::uint16_t field, Encoding encoding);
   void ReadTexts(std::uint16_t field);
+  /// Takes as many texts at once as it can; returns the place after them.
+  std::uint32_t ReadStoredTexts(std::uint16_t field, std::uint32_t first, std::uint32_t end);
   void EndBlock();
   [[nodiscard]] bool IsNull(std::uint32_t place) const noexcept {
     return (std::to_integer<unsigned>(nulls_[place / 8]) >> (place % 8) & 1U) != 0;

@@ -12,6 +12,7 @@ using store::kBlockRows;
 using store::Plane;
 using store::Storage;
 using store::StoredState;
+using store::Texts;
 using store::TraitsOf;
 
 namespace {
@@ -280,12 +281,12 @@ void RowWriter::PutNumbers(std::uint16_t field) {
 }
 
 void RowWriter::WriteTexts(std::uint16_t field) {
+  if (!cells_.IsDelta()) {
+    Gather(contents_.columns[field].values);
+  }
   for (std::uint32_t place = 0; place < Count();) {
     // A text that does not fit a chunk is written before the one that begins with it.
-    const auto textAt = [&](std::uint32_t at) {
-      return IsNull(at) ? std::string_view() : cells_.At(rows_[at], field).bytes;
-    };
-    if (const std::string_view text = textAt(place); text.size() > kMostInRows) {
+    if (const std::string_view text = TextAt(field, place); text.size() > kMostInRows) {
       if (out_.IsOpen()) {
         out_.End();
       }
@@ -296,14 +297,51 @@ void RowWriter::WriteTexts(std::uint16_t field) {
     const std::size_t counted = out_.Place();
     out_.Put(std::uint16_t{0});
     const std::uint32_t first = place;
-    do {
-      if (!IsNull(place)) {
-        PutText(out_, textAt(place), kMostInRows);
-      }
-      ++place;
-    } while (place < Count() && !out_.IsFull() && textAt(place).size() <= kMostInRows);
+    place = cells_.IsDelta() ? PutTexts(field, first) : CopyTexts(field, first);
     out_.PutAt(counted, static_cast<std::uint16_t>(place - first));
   }
+}
+
+std::string_view RowWriter::TextAt(std::uint16_t field, std::uint32_t place) const noexcept {
+  return IsNull(place) ? std::string_view() : cells_.At(rows_[place], field).bytes;
+}
+
+std::uint32_t RowWriter::PutTexts(std::uint16_t field, std::uint32_t place) {
+  do {
+    if (!IsNull(place)) {
+      PutText(out_, TextAt(field, place), kMostInRows);
+    }
+    ++place;
+  } while (place < Count() && !out_.IsFull() && TextAt(field, place).size() <= kMostInRows);
+  return place;
+}
+
+std::uint32_t RowWriter::CopyTexts(std::uint16_t field, std::uint32_t place) {
+  static_assert(kMostInRows == Texts::kLongest && kIsLong == Texts::kIsLarge);
+  const Texts& texts = contents_.columns[field].texts;
+  const auto codeAt = [&](std::uint32_t at) { return ElementAt<std::uint32_t>(elements_, at); };
+  const auto isLong = [&](std::uint32_t at) { return !IsNull(at) && texts.IsLargeAt(codeAt(at)); };
+  std::uint32_t first = 0;  // the place in the heap of what is not copied yet
+  std::size_t size = 0;
+  const auto copy = [&] {
+    if (size > 0) {
+      out_.PutBytes(texts.StoredAt(first).data(), size);
+    }
+  };
+  do {
+    if (!IsNull(place)) {
+      const std::uint32_t code = codeAt(place);
+      if (code != first + size || !Texts::AreInOneBlock(code, first)) {
+        copy();
+        first = code;
+        size = 0;
+      }
+      size += texts.StoredAt(code).size();
+    }
+    ++place;
+  } while (place < Count() && out_.Place() + size < kFullChunk && !isLong(place));
+  copy();
+  return place;
 }
 
 }  // namespace kiv::packet

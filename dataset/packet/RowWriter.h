@@ -23,6 +23,12 @@ class RowWriter {
   void WriteStates();
   void WriteColumn(std::uint16_t field);
   void WriteTexts(std::uint16_t field);
+  /// Writes texts from `place` on, as many as the chunk takes, up to the next long one; returns the place behind them.
+  std::uint32_t PutTexts(std::uint16_t field, std::uint32_t place);
+  /// The same where the rows' codes are gathered. A heap holds texts as a packet does, each behind its length, so that
+  /// those that were added one after another are copied at once.
+  std::uint32_t CopyTexts(std::uint16_t field, std::uint32_t place);
+  [[nodiscard]] std::string_view TextAt(std::uint16_t field, std::uint32_t place) const noexcept;
   /// The elements of the block's rows, copied only where they do not lie together.
   void Gather(const store::Plane& plane);
   void GatherNumbers(std::uint16_t field);

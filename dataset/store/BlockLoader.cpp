@@ -128,6 +128,35 @@ void BlockLoader::PutText(std::size_t field, std::uint32_t rowInBlock, std::stri
   column.values.Put(contents_.rowCount + rowInBlock, code);
 }
 
+BlockLoader::Put BlockLoader::PutStoredTexts(std::size_t field, std::uint32_t first, std::uint32_t end,
+                                             std::span<const std::byte> stored) {
+  Column& column = contents_.columns[field];
+  const FieldDef& definition = contents_.schemaData->fields[field];
+  if (column.texts.HasDictionary() || definition.type != FieldType::Text) {
+    return {first, {}};
+  }
+  const std::uint32_t before = contents_.rowCount;
+  std::size_t wanted = 0;
+  for (std::uint32_t row = first; row < end; ++row) {
+    wanted += column.IsNull(before + row) ? 0 : 1;
+  }
+  const auto size = static_cast<std::size_t>(definition.size);
+  places_.resize(wanted);
+  const Texts::Taken taken =
+      column.texts.AppendStored(stored, size == 0 ? Texts::kLongest : std::min(size, Texts::kLongest), places_);
+  isPut_[field] = isPut_[field] || taken.texts > 0;
+  std::uint32_t row = first;
+  for (std::size_t next = 0; row < end; ++row) {
+    if (!column.IsNull(before + row)) {
+      if (next == taken.texts) {
+        break;
+      }
+      column.values.Put(before + row, places_[next++]);
+    }
+  }
+  return {row, taken};
+}
+
 void BlockLoader::CheckNumber(std::size_t field, const Cell& cell, std::uint32_t row) const {
   const Column& column = contents_.columns[field];
   const Storage storage = TraitsOf(column.type).storage;

@@ -50,6 +50,14 @@ class BlockLoader {
   std::span<std::byte> States();
   /// Sets a text, for which nothing may have been put into Values().
   void PutText(std::size_t field, std::uint32_t rowInBlock, std::string_view bytes);
+  /// Sets the texts of the rows from `first` to before `end` that are not null, from bytes that hold them one after
+  /// another, each behind its length in 16 bits. It stops before a text that cannot be taken so: PutText says why or
+  /// takes it. Returns the row after the last one that was set, and how many texts and bytes that were.
+  struct Put {
+    std::uint32_t end;
+    Texts::Taken taken;
+  };
+  Put PutStoredTexts(std::size_t field, std::uint32_t first, std::uint32_t end, std::span<const std::byte> stored);
   /// Checks the block; its rows are part of the dataset now.
   void EndBlock();
 
@@ -91,6 +99,7 @@ class BlockLoader {
   std::vector<bool> isPut_;                               // by field: texts were put one by one
   Plane isNew_{Plane::Width::Bit, Plane::Filled::Zeros};  // the row's first record is its insertion
   std::vector<OldValue> checked_;
+  std::vector<std::uint32_t> places_;
 };
 
 }  // namespace kiv::store

@@ -1,11 +1,17 @@
 #include "dataset/store/KeyIndex.h"
 
 #include <algorithm>
+#include <array>
+#include <numeric>
+#include <utility>
 
 #include "dataset/store/Hash.h"
 
 namespace kiv::store {
 namespace {
+
+/// How many entries ahead a place is fetched.
+constexpr std::size_t kAhead = 16;
 
 bool FitsTag(const Cell& cell) noexcept {
   return static_cast<std::int64_t>(cell.bits) == static_cast<std::int32_t>(cell.bits);
@@ -25,9 +31,13 @@ KeyIndex::KeyIndex(const Contents& contents) noexcept
   isExact_ = isNumber_;
 }
 
+std::uint32_t KeyIndex::TagOfNumber(const Cell& cell) const noexcept {
+  return FitsTag(cell) ? Mix32(static_cast<std::uint32_t>(cell.bits) ^ seed_) : Mix64(cell.bits ^ seed_);
+}
+
 std::uint32_t KeyIndex::TagOf(std::span<const Cell> key) const noexcept {
   if (isNumber_) {
-    return FitsTag(key[0]) ? Mix32(static_cast<std::uint32_t>(key[0].bits) ^ seed_) : Mix64(key[0].bits ^ seed_);
+    return TagOfNumber(key[0]);
   }
   std::uint64_t hash = seed_;
   for (std::size_t i = 0; i < key.size(); ++i) {
@@ -90,33 +100,85 @@ void KeyIndex::Build(std::uint32_t rows) {
   for (std::uint32_t segment = 0; segment < HashIndex::kSegments && rows >= kBlockRows; ++segment) {
     built.index_.ReserveSegment(segment, rows / HashIndex::kSegments);
   }
-  // Places are fetched a few rows ahead: waiting for memory row by row would take most of the time.
-  constexpr std::uint32_t kAhead = 32;
-  std::array<std::uint32_t, kAhead> tags{};
-  std::vector<Cell> cells(fields_.size());
-  for (std::uint32_t first = 0; first < rows; first += kAhead) {
-    const std::uint32_t end = std::min(rows, first + kAhead);
-    for (std::uint32_t row = first; row < end; ++row) {
-      tags[row - first] = TagOf(ReadKey(row, cells));
-      built.index_.Prefetch(tags[row - first]);
-    }
-    for (std::uint32_t row = first; row < end; ++row) {
-      if (contents_.StateOf(row) < StoredState::Deleted) {
-        built.Add(tags[row - first], ReadKey(row, cells), row);
-      }
-    }
+  std::vector<Cell> key(fields_.size());
+  if (!built.AddBySegment(rows, key)) {
+    built.RefuseFirstTwice(rows, key);
   }
   index_ = std::move(built.index_);
   isExact_ = built.isExact_;
   isBroken_ = false;
 }
 
-void KeyIndex::Add(std::uint32_t tag, std::span<const Cell> key, std::uint32_t row) {
-  index_.Reserve(tag);
-  isExact_ = isExact_ && FitsTag(key[0]);
-  if (index_.InsertUnless(tag, row, [&](std::uint32_t other) { return HasKey(other, key); }) != HashIndex::kNone) {
-    RefuseTwice(key);
+bool KeyIndex::AddBySegment(std::uint32_t rows, std::vector<Cell>& key) {
+  // Waiting for memory row by row would take most of the time: the entries of many rows are sorted by segment first,
+  // and a segment is filled while it is near.
+  constexpr std::uint32_t kStretch = kBlockRows;
+  std::vector<Entry> entries;
+  std::vector<Entry> sorted(std::min(rows, kStretch));
+  entries.reserve(sorted.size());
+  for (std::uint32_t first = 0; first < rows; first += kStretch) {
+    ReadEntries(first, std::min(rows, first + kStretch), entries, key);
+    SortBySegment(entries, sorted);
+    for (std::size_t i = 0; i < entries.size(); ++i) {
+      if (i + kAhead < entries.size()) {
+        index_.Prefetch(sorted[i + kAhead].tag);
+      }
+      if (!TryAdd(sorted[i], key)) {
+        return false;
+      }
+    }
   }
+  return true;
+}
+
+void KeyIndex::RefuseFirstTwice(std::uint32_t rows, std::vector<Cell>& key) {
+  index_.Clear();
+  for (std::uint32_t row = 0; row < rows; ++row) {
+    if (contents_.StateOf(row) < StoredState::Deleted && !TryAdd({TagOf(ReadKey(row, key)), row}, key)) {
+      RefuseTwice(key);
+    }
+  }
+}
+
+void KeyIndex::ReadEntries(std::uint32_t first, std::uint32_t end, std::vector<Entry>& entries,
+                           std::vector<Cell>& key) {
+  entries.clear();
+  const Column& column = contents_.columns[fields_[0]];
+  for (std::uint32_t row = first; row < end; ++row) {
+    if (contents_.StateOf(row) >= StoredState::Deleted) {
+      continue;
+    }
+    if (isNumber_) {
+      const Cell cell = column.Load(row);
+      isExact_ = isExact_ && FitsTag(cell);
+      entries.push_back({TagOfNumber(cell), row});
+    } else {
+      ReadKey(row, key);
+      entries.push_back({TagOf(key), row});
+    }
+  }
+}
+
+void KeyIndex::SortBySegment(std::span<const Entry> entries, std::span<Entry> sorted) noexcept {
+  std::array<std::uint32_t, HashIndex::kSegments + 1> starts{};
+  for (const Entry& entry : entries) {
+    ++starts[HashIndex::SegmentOf(entry.tag) + 1];
+  }
+  std::partial_sum(starts.begin(), starts.end(), starts.begin());
+  for (const Entry& entry : entries) {
+    sorted[starts[HashIndex::SegmentOf(entry.tag)]++] = entry;
+  }
+}
+
+bool KeyIndex::TryAdd(const Entry& entry, std::vector<Cell>& key) {
+  index_.Reserve(entry.tag);
+  bool isRead = false;
+  return index_.InsertUnless(entry.tag, entry.row, [&](std::uint32_t other) {
+    if (!isExact_ && !std::exchange(isRead, true)) {
+      ReadKey(entry.row, key);
+    }
+    return HasKey(other, key);
+  }) == HashIndex::kNone;
 }
 
 }  // namespace kiv::store

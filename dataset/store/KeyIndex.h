@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <span>
+#include <vector>
 
 #include "dataset/store/Contents.h"
 #include "dataset/store/Hash.h"
@@ -71,7 +72,18 @@ class KeyIndex {
  private:
   [[nodiscard]] bool HasKey(std::uint32_t row, std::span<const Cell> key) const noexcept;
   std::span<const Cell> ReadKey(std::uint32_t row, std::vector<Cell>& key) const;
-  void Add(std::uint32_t tag, std::span<const Cell> key, std::uint32_t row);
+  [[nodiscard]] std::uint32_t TagOfNumber(const Cell& cell) const noexcept;
+  struct Entry {
+    std::uint32_t tag;
+    std::uint32_t row;
+  };
+  /// Adds the first `rows` rows; false where two have the same key. `key` is for the keys that are read.
+  bool AddBySegment(std::uint32_t rows, std::vector<Cell>& key);
+  /// Names the first key that is there twice, in the order of the rows.
+  void RefuseFirstTwice(std::uint32_t rows, std::vector<Cell>& key);
+  void ReadEntries(std::uint32_t first, std::uint32_t end, std::vector<Entry>& entries, std::vector<Cell>& key);
+  static void SortBySegment(std::span<const Entry> entries, std::span<Entry> sorted) noexcept;
+  bool TryAdd(const Entry& entry, std::vector<Cell>& key);
 
   const Contents& contents_;
   std::span<const std::uint16_t> fields_;

@@ -21,9 +21,7 @@ std::uint32_t LargeValues::Add(std::string_view bytes) {
   return count_++;
 }
 
-std::uint32_t Texts::Append(std::string_view bytes, LargeValues& large) {
-  const bool isLarge = bytes.size() > kLongest;
-  const std::size_t wanted = sizeof(std::uint16_t) + (isLarge ? sizeof(std::uint32_t) : bytes.size());
+void Texts::MakeRoom(std::size_t wanted) {
   if (heap_.empty() || used_ + wanted > heap_.back().Size()) {
     if (heap_.size() == 0x10000) {
       throw Error("Dataset: textele unui camp depasesc 4 GiB");
@@ -33,6 +31,12 @@ std::uint32_t Texts::Append(std::string_view bytes, LargeValues& large) {
     heap_.emplace_back(std::max(size, std::min(kLargestBlock, wanted)));
     used_ = 0;
   }
+}
+
+std::uint32_t Texts::Append(std::string_view bytes, LargeValues& large) {
+  const bool isLarge = bytes.size() > kLongest;
+  const std::size_t wanted = sizeof(std::uint16_t) + (isLarge ? sizeof(std::uint32_t) : bytes.size());
+  MakeRoom(wanted);
   std::uint32_t number = 0;
   if (isLarge) {
     number = large.Add(bytes);
@@ -44,9 +48,36 @@ std::uint32_t Texts::Append(std::string_view bytes, LargeValues& large) {
   if (!bytes.empty()) {
     std::memcpy(at + sizeof size, bytes.data(), bytes.size());
   }
-  const std::uint32_t place = static_cast<std::uint32_t>(heap_.size() - 1) << 16U | used_;
+  const std::uint32_t place = End();
   used_ += static_cast<std::uint32_t>(wanted);
   return place;
+}
+
+Texts::Taken Texts::AppendStored(std::span<const std::byte> stored, std::size_t most, std::span<std::uint32_t> places) {
+  Taken taken;
+  // Of the text there with its length, 0 where it cannot be taken.
+  const auto sizeAt = [&](std::size_t at) {
+    std::uint16_t size = kIsLarge;
+    if (stored.size() - at >= sizeof size) {
+      std::memcpy(&size, stored.data() + at, sizeof size);
+    }
+    return size <= most && stored.size() - at >= sizeof size + size ? sizeof size + size : 0;
+  };
+  std::size_t size = 0;
+  while (taken.texts < places.size() && (size = sizeAt(taken.bytes)) != 0) {
+    MakeRoom(size);
+    // As many as the block has room for are copied at once.
+    const std::size_t room = heap_.back().Size() - used_;
+    std::size_t run = 0;
+    do {
+      places[taken.texts++] = End() + static_cast<std::uint32_t>(run);
+      run += size;
+    } while (taken.texts < places.size() && (size = sizeAt(taken.bytes + run)) != 0 && run + size <= room);
+    std::memcpy(heap_.back().Data() + used_, stored.data() + taken.bytes, run);
+    used_ += static_cast<std::uint32_t>(run);
+    taken.bytes += run;
+  }
+  return taken;
 }
 
 std::uint32_t Texts::AddEntry(std::string_view bytes, LargeValues& large) {

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <string_view>
 #include <vector>
 
@@ -46,6 +47,8 @@ class Texts {
  public:
   /// Longer texts lie among the large values.
   static constexpr std::size_t kLongest = 32'000;
+  /// In place of a length: the four bytes behind it are the number of a large value.
+  static constexpr std::uint16_t kIsLarge = 0xFFFF;
 
   [[nodiscard]] bool HasDictionary() const noexcept { return hasDictionary_; }
   /// How many entries the dictionary has, 0 without one.
@@ -56,6 +59,14 @@ class Texts {
   }
   /// Appends a text to the heap; returns its place. Throws std::bad_alloc, and Error when 4 GiB are full.
   std::uint32_t Append(std::string_view bytes, LargeValues& large);
+  struct Taken {
+    std::size_t texts = 0;
+    std::size_t bytes = 0;
+  };
+  /// Appends texts that stand one after another as the heap holds them, each behind its length, until all `places` are
+  /// filled with their places or one comes that is cut off or has more than `most` bytes, which are at most kLongest.
+  /// Throws as Append does.
+  Taken AppendStored(std::span<const std::byte> stored, std::size_t most, std::span<std::uint32_t> places);
   /// Adds an entry to the dictionary; returns its code. Throws as Append does.
   std::uint32_t AddEntry(std::string_view bytes, LargeValues& large);
   /// The place in the heap that takes the code's stead when the dictionary goes.
@@ -71,19 +82,44 @@ class Texts {
   /// The bytes of heap and entries.
   [[nodiscard]] std::size_t MemoryUsed() const noexcept;
 
+  // Without a dictionary, where codes are places in the heap.
+
+  /// Whether the text lies among the large values.
+  [[nodiscard]] bool IsLargeAt(std::uint32_t place) const noexcept { return SizeAt(place) == kIsLarge; }
+  /// The text behind its length, both as the heap holds them; of a large one kIsLarge alone.
+  [[nodiscard]] std::span<const std::byte> StoredAt(std::uint32_t place) const noexcept {
+    const std::uint16_t size = SizeAt(place);
+    return {HeapAt(place), sizeof size + (size == kIsLarge ? 0 : size)};
+  }
+  /// Whether what lies behind the one place may be reached from the other.
+  [[nodiscard]] static constexpr bool AreInOneBlock(std::uint32_t place, std::uint32_t other) noexcept {
+    return place >> 16U == other >> 16U;
+  }
+
  private:
-  /// In place of a length: the four bytes behind it are the number of a large value.
-  static constexpr std::uint16_t kIsLarge = 0xFFFF;
-  [[nodiscard]] std::string_view AtPlace(std::uint32_t place, const LargeValues& large) const noexcept {
-    const std::byte* const at = heap_[place >> 16U].Data() + (place & 0xFFFFU);
+  [[nodiscard]] const std::byte* HeapAt(std::uint32_t place) const noexcept {
+    return heap_[place >> 16U].Data() + (place & 0xFFFFU);
+  }
+  /// Sees to it that the last block has room for that many bytes.
+  void MakeRoom(std::size_t wanted);
+  /// The place of what is appended next, for which there is room.
+  [[nodiscard]] std::uint32_t End() const noexcept {
+    return static_cast<std::uint32_t>(heap_.size() - 1) << 16U | used_;
+  }
+  [[nodiscard]] std::uint16_t SizeAt(std::uint32_t place) const noexcept {
     std::uint16_t size = 0;
-    std::memcpy(&size, at, sizeof size);
+    std::memcpy(&size, HeapAt(place), sizeof size);
+    return size;
+  }
+  [[nodiscard]] std::string_view AtPlace(std::uint32_t place, const LargeValues& large) const noexcept {
+    const std::byte* const bytes = HeapAt(place) + sizeof(std::uint16_t);
+    const std::uint16_t size = SizeAt(place);
     if (size == kIsLarge) {
       std::uint32_t number = 0;
-      std::memcpy(&number, at + sizeof size, sizeof number);
+      std::memcpy(&number, bytes, sizeof number);
       return large.At(number);
     }
-    return {reinterpret_cast<const char*>(at) + sizeof size, size};
+    return {reinterpret_cast<const char*>(bytes), size};
   }
 
   std::vector<Block> heap_;

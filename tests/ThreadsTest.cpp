@@ -283,6 +283,7 @@ constexpr Operation kOperations[] = {
     [](std::uint32_t number) { return ToUtf8(TextOf(number)); },
     [](std::uint32_t number) { return InLitere(std::int64_t{number % 1'000'000'000}); },
     [](std::uint32_t number) { return InLitere(Currency::FromRaw(number)) + InLitereMF(Currency::FromRaw(number)); },
+    [](std::uint32_t number) { return InCuvinte(AmountOf(number), CurrencyNamesOf("a,b,f,c,d,n")); },
     [](std::uint32_t number) {
       return CurrencyToRoStr(AmountOf(number), 2) + CurrencyToRoStrFaraSpatiu(AmountOf(number), 2) +
              CurrencyToRoStrRON(AmountOf(number), 2);

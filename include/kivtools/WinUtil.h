@@ -19,6 +19,7 @@
 #include "kivtools/WinUtil/Paths.h"
 #include "kivtools/WinUtil/PersonalNumericCode.h"
 #include "kivtools/WinUtil/Processes.h"
+#include "kivtools/WinUtil/ReadableWords.h"
 #include "kivtools/WinUtil/Rounding.h"
 #include "kivtools/WinUtil/Strings.h"
 #include "kivtools/WinUtil/System.h"

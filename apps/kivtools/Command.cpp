@@ -34,6 +34,13 @@ std::string ProgramHelp() {
          "Example:\n  kivtools words 1234.56\n";
 }
 
+constexpr std::string_view kHelpOfValues =
+    "Each value is answered on a line of its own; - alone stands for the lines of standard input. With --files or "
+    "--csv\n"
+    "the arguments are FILEs, standard input where there is none. A file of separated values has , or ; or tabs "
+    "between\n"
+    "its fields; a column given by its number has no heading.\n\n";
+
 std::string CommandHelp(const Command& command) {
   std::string help = std::string(command.summary) + ".\n\nUsage: kivtools " + std::string(command.name) +
                      (command.options.empty() ? " " : " [OPTIONS] ") + std::string(command.arguments) + "\n";
@@ -42,7 +49,8 @@ std::string CommandHelp(const Command& command) {
     const std::string usage = "--" + std::string(option.name) + " " + std::string(option.value);
     help += "  " + PadEnd(usage, 16) + std::string(option.help) + "\n";
   }
-  return help + "\n" + std::string(command.details);
+  const std::string_view ofValues = command.takesValues ? kHelpOfValues : std::string_view();
+  return help + "\n" + std::string(ofValues) + std::string(command.details);
 }
 
 bool AsksForHelp(std::span<const std::string> arguments) {

@@ -57,6 +57,7 @@ struct Command {
   std::string_view details;  ///< what --help says below the options, examples included
   /// Returns an ExitCode; throws InputError, or kiv::Error of the library, for what ends the program with kBadInput.
   int (*run)(Session&, const Arguments&);
+  bool takesValues = false;  ///< typed, of files or of a column of them; --help then says how
 };
 
 /// Makes a command known to the program. One of these in a file of the folder commands/ is all that a command needs:

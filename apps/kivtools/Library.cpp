@@ -45,8 +45,21 @@ std::vector<const char*> Pointers(const std::vector<std::string>& texts) {
 Library::Library()
     : package_(Load()),
       textToUtf8_(KIVTOOLS_ENTRY(KivTextToUtf8)),
+      utf8ToText_(KIVTOOLS_ENTRY(KivUtf8ToText)),
+      numberInWords_(KIVTOOLS_ENTRY(KivInLitere)),
+      sumInWords_(KIVTOOLS_ENTRY(KivInLitereCurrency)),
+      sumInWordsCompact_(KIVTOOLS_ENTRY(KivInLitereMF)),
+      money_(KIVTOOLS_ENTRY(KivCurrencyToRoStr)),
       moneyNoSpace_(KIVTOOLS_ENTRY(KivCurrencyToRoStrFaraSpatiu)),
       scaledNumber_(KIVTOOLS_ENTRY(KivScrieFoarteFrumos)),
+      encodeDate_(KIVTOOLS_ENTRY(KivEncodeDate)),
+      dateWithCode_(KIVTOOLS_ENTRY(KivDateToRoText_WithCode)),
+      grade_(KIVTOOLS_ENTRY(KivNotaToTextLung)),
+      gradeInFigures_(KIVTOOLS_ENTRY(KivNotaToTextScurt)),
+      gradeInBrackets_(KIVTOOLS_ENTRY(KivNotaToStr)),
+      withoutDiacritics_(KIVTOOLS_ENTRY(KivRoToEn)),
+      birthDate_(KIVTOOLS_ENTRY(KivDataNasteriiDinCNP)),
+      age_(KIVTOOLS_ENTRY(KivVarstaDinCNP)),
       toWide_(KIVTOOLS_ENTRY(KivStringToWideString)),
       fromWide_(KIVTOOLS_ENTRY(KivWideStringToString)) {}
 
@@ -60,7 +73,7 @@ std::string Library::ToUtf8(std::string_view text) const {
 
 std::string Library::FromUtf8(std::string_view utf8) const {
   std::string text(utf8.size() + 1, '\0');
-  const KivLength length = KIVTOOLS_ENTRY(KivUtf8ToText)(utf8.data(), utf8.size(), text.data(), text.size());
+  const KivLength length = utf8ToText_(utf8.data(), utf8.size(), text.data(), text.size());
   if (length < 0) {
     ThrowLastError();
   }
@@ -85,19 +98,19 @@ std::string Library::Version() const {
 }
 
 std::string Library::NumberInWords(std::int32_t number) const {
-  return Text(KIVTOOLS_ENTRY(KivInLitere), number);
+  return Text(numberInWords_, number);
 }
 
 std::string Library::SumInWords(std::int64_t amount) const {
-  return Text(KIVTOOLS_ENTRY(KivInLitereCurrency), amount);
+  return Text(sumInWords_, amount);
 }
 
 std::string Library::SumInWordsCompact(std::int64_t amount) const {
-  return Text(KIVTOOLS_ENTRY(KivInLitereMF), amount);
+  return Text(sumInWordsCompact_, amount);
 }
 
 std::string Library::Money(std::int64_t amount, std::int32_t decimals) const {
-  return Text(KIVTOOLS_ENTRY(KivCurrencyToRoStr), amount, decimals);
+  return Text(money_, amount, decimals);
 }
 
 std::string Library::MoneyNoSpace(std::int64_t amount, std::int32_t decimals) const {
@@ -118,37 +131,42 @@ std::int64_t Library::ReadMoney(std::string_view utf8) const {
 
 double Library::EncodeDate(int year, int month, int day, int hour, int minute, int second) const {
   double days = 0;
-  Check(KIVTOOLS_ENTRY(KivEncodeDate)(year, month, day, hour, minute, second, 0, &days));
+  Check(encodeDate_(year, month, day, hour, minute, second, 0, &days));
   return days;
 }
 
+Library::DateForm* Library::FindDateForm(const std::string& operation) const {
+  return operation == "DateToRoText_WithCode" ? nullptr : package_.Function<DateForm>(("Kiv" + operation).c_str());
+}
+
+std::string Library::DateText(DateForm* form, double days) const {
+  return form == nullptr ? Text(dateWithCode_, days, 0, 0, 0, 0) : Text(form, days);
+}
+
 std::string Library::DateText(const std::string& operation, double days) const {
-  if (operation == "DateToRoText_WithCode") {
-    return Text(KIVTOOLS_ENTRY(KivDateToRoText_WithCode), days, 0, 0, 0, 0);
-  }
-  return Text(package_.Function<decltype(KivDateToRoText)>(("Kiv" + operation).c_str()), days);
+  return DateText(FindDateForm(operation), days);
 }
 
 std::string Library::Grade(std::int32_t grade, bool figures) const {
-  return Text(figures ? KIVTOOLS_ENTRY(KivNotaToTextScurt) : KIVTOOLS_ENTRY(KivNotaToTextLung), grade);
+  return Text(figures ? gradeInFigures_ : grade_, grade);
 }
 
 std::string Library::GradeInBrackets(std::int32_t grade, std::int32_t mode) const {
-  return Text(KIVTOOLS_ENTRY(KivNotaToStr), grade, mode);
+  return Text(gradeInBrackets_, grade, mode);
 }
 
 std::string Library::WithoutDiacritics(std::string_view utf8) const {
   const std::string text = FromUtf8(utf8);
-  return Text(KIVTOOLS_ENTRY(KivRoToEn), text.data(), text.size());
+  return Text(withoutDiacritics_, text.data(), text.size());
 }
 
 std::string Library::BirthDate(std::string_view code) const {
-  return Text(KIVTOOLS_ENTRY(KivDataNasteriiDinCNP), code.data(), code.size());
+  return Text(birthDate_, code.data(), code.size());
 }
 
 std::int32_t Library::Age(std::string_view code) const {
   std::int32_t age = 0;
-  Check(KIVTOOLS_ENTRY(KivVarstaDinCNP)(code.data(), code.size(), &age));
+  Check(age_(code.data(), code.size(), &age));
   return age;
 }
 

@@ -54,6 +54,10 @@ class Library {
 
   /// The library's day number of a moment.
   [[nodiscard]] double EncodeDate(int year, int month, int day, int hour = 0, int minute = 0, int second = 0) const;
+  /// A way to write a moment; null stands for DateToRoText_WithCode.
+  using DateForm = decltype(KivDateToRoText);
+  [[nodiscard]] DateForm* FindDateForm(const std::string& operation) const;
+  [[nodiscard]] std::string DateText(DateForm* form, double days) const;
   /// A moment in the form that the operation of that name writes. Example: "DateToRoCode" gives "05.03.2024".
   [[nodiscard]] std::string DateText(const std::string& operation, double days) const;
 
@@ -167,8 +171,21 @@ class Library {
   kiv::LoadedPackage package_;
   // Called for every line of a file; the others are looked up when they are needed.
   decltype(KivTextToUtf8)* textToUtf8_;
+  decltype(KivUtf8ToText)* utf8ToText_;
+  decltype(KivInLitere)* numberInWords_;
+  decltype(KivInLitereCurrency)* sumInWords_;
+  decltype(KivInLitereMF)* sumInWordsCompact_;
+  decltype(KivCurrencyToRoStr)* money_;
   decltype(KivCurrencyToRoStrFaraSpatiu)* moneyNoSpace_;
   decltype(KivScrieFoarteFrumos)* scaledNumber_;
+  decltype(KivEncodeDate)* encodeDate_;
+  decltype(KivDateToRoText_WithCode)* dateWithCode_;
+  decltype(KivNotaToTextLung)* grade_;
+  decltype(KivNotaToTextScurt)* gradeInFigures_;
+  decltype(KivNotaToStr)* gradeInBrackets_;
+  decltype(KivRoToEn)* withoutDiacritics_;
+  decltype(KivDataNasteriiDinCNP)* birthDate_;
+  decltype(KivVarstaDinCNP)* age_;
   decltype(KivStringToWideString)* toWide_;
   decltype(KivWideStringToString)* fromWide_;
 };

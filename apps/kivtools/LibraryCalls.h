@@ -1,6 +1,7 @@
 #pragma once
 
 #include <algorithm>
+#include <array>
 #include <string>
 
 #include "apps/kivtools/Library.h"
@@ -11,7 +12,15 @@ namespace kivtools {
 
 template <class Function, class... Arguments>
 std::string Library::LibraryText(Function* function, Arguments... arguments) const {
-  std::string text(256, '\0');
+  std::array<char, 256> most;  // what a value gives has room in it
+  const KivLength first = function(arguments..., most.data(), most.size());
+  if (first < 0) {
+    ThrowLastError();
+  }
+  if (static_cast<std::size_t>(first) < most.size()) {
+    return {most.data(), static_cast<std::size_t>(first)};
+  }
+  std::string text(static_cast<std::size_t>(first) + 1, '\0');
   for (;;) {
     const KivLength length = function(arguments..., text.data(), text.size());
     if (length < 0) {
@@ -33,8 +42,11 @@ std::string Library::PathText(Function* function, Arguments... arguments) const 
 template <class Function, class... Arguments>
 std::string Library::Text(Function* function, Arguments... arguments) const {
   std::string text = LibraryText(function, arguments...);
-  const bool ascii = std::all_of(text.begin(), text.end(), [](char byte) { return (byte & 0x80) == 0; });
-  return ascii ? text : ToUtf8(text);
+  unsigned char bits = 0;
+  for (const char byte : text) {
+    bits |= static_cast<unsigned char>(byte);
+  }
+  return bits < 0x80 ? text : ToUtf8(text);
 }
 
 }  // namespace kivtools

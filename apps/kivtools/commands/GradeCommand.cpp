@@ -1,18 +1,19 @@
 #include <array>
 #include <cstdint>
+#include <optional>
 
-#include "apps/kivtools/Command.h"
 #include "apps/kivtools/Numbers.h"
 #include "apps/kivtools/Shown.h"
+#include "apps/kivtools/values/ValueWork.h"
 #include "kivtools/Currency.h"
 
 namespace kivtools {
 namespace {
 
-constexpr std::array<Option, 2> kOptions = {{
+constexpr auto kOptions = WithValueOptions<2>({{
     {"short", "", "the hundredths in figures"},
     {"mode", "N", "in brackets: 1 in words, 2 the hundredths in figures, 3 the same with %"},
-}};
+}});
 
 constexpr std::string_view kDetails =
     "GRADE is a grade from 1 to 10 such as 9.50 or 9,50, or the grade times 100, such as 950.\n\n"
@@ -20,35 +21,53 @@ constexpr std::string_view kDetails =
     "  kivtools grade 9.50            NOUĂ, CINCIZECI\n"
     "  kivtools grade 950 --mode 2    (NOUĂ, 50)\n";
 
-/// A grade times 100.
-std::int32_t ReadGrade(std::string_view text) {
+/// A grade times 100; nothing for what is none.
+std::optional<std::int32_t> GradeOf(std::string_view text) {
   constexpr std::int64_t kUnit = kiv::Currency::kPerUnit;
-  const std::int64_t number = ReadNumber(text, 2);
-  const bool hundredfold = number % kUnit == 0 && number >= 100 * kUnit;
-  const std::int64_t grade = hundredfold ? number / kUnit : number / (kUnit / 100);
-  if (grade < 100 || grade > 1000) {
-    throw InputError("is not a grade from 1 to 10 such as 9.50, nor one times 100 such as 950");
+  try {
+    const std::int64_t number = ReadNumber(text, 2);
+    const bool hundredfold = number % kUnit == 0 && number >= 100 * kUnit;
+    const std::int64_t grade = number / (hundredfold ? kUnit : kUnit / 100);
+    return grade < 100 || grade > 1000 ? std::nullopt : std::optional(static_cast<std::int32_t>(grade));
+  } catch (const InputError&) {
+    return std::nullopt;
   }
-  return static_cast<std::int32_t>(grade);
 }
+
+class Grade final : public ValueWork {
+ public:
+  Grade(const Library& library, const Arguments& arguments)
+      : ValueWork("grade"), library_(library), figures_(arguments.Has("short")) {
+    if (const auto mode = arguments.ValueOf("mode")) {
+      mode_ = ReadWholeNumber(*mode, 1, 3, "a mode");
+    }
+  }
+
+  bool AppendAnswer(std::string_view value, TextBuffer& out) const override {
+    const auto grade = GradeOf(value);
+    if (!grade) {
+      throw InputError(Shown(value) + " is not a grade from 1 to 10 such as 9.50, nor one times 100 such as 950");
+    }
+    out += mode_ ? library_.GradeInBrackets(*grade, *mode_) : library_.Grade(*grade, figures_);
+    return true;
+  }
+
+ private:
+  const Library& library_;
+  bool figures_;
+  std::optional<std::int32_t> mode_;
+};
 
 int RunGrade(Session& session, const Arguments& arguments) {
-  const std::int32_t grade = ReadValue(arguments.Values().front(), ReadGrade);
-  const Library& library = session.Lib();
-  std::string text;
-  if (const auto mode = arguments.ValueOf("mode")) {
-    if (arguments.Has("short")) {
-      throw InputError("\"--short\" does not go with --mode");
-    }
-    text = library.GradeInBrackets(grade, ReadWholeNumber(*mode, 1, 3, "a mode"));
-  } else {
-    text = library.Grade(grade, arguments.Has("short"));
+  if (arguments.Has("short") && arguments.Has("mode")) {
+    throw InputError("\"--short\" does not go with --mode");
   }
-  session.out.Write(text + "\n");
-  return kDone;
+  return AnswerValues(session, arguments, arguments.Values(), Grade(session.Lib(), arguments), {"GRADE"});
 }
 
-constexpr Command kCommand = {"grade", "Write a school grade in words", "GRADE", 1, 1, kOptions, kDetails, RunGrade};
+constexpr Command kCommand = {
+    "grade", "Write a school grade in words", "GRADE ...|-|FILE ...", 0, kAnyNumber, kOptions, kDetails, RunGrade,
+    true};
 
 const Registration kRegistered(kCommand);
 

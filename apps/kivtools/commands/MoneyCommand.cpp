@@ -1,18 +1,19 @@
+#include <algorithm>
 #include <array>
 #include <cstdint>
 
-#include "apps/kivtools/Command.h"
 #include "apps/kivtools/Numbers.h"
 #include "apps/kivtools/Shown.h"
+#include "apps/kivtools/values/ValueWork.h"
 
 namespace kivtools {
 namespace {
 
-constexpr std::array<Option, 3> kOptions = {{
+constexpr auto kOptions = WithValueOptions<3>({{
     {"decimals", "N", "decimals to show, 0 to 4 (2); further ones are cut"},
     {"no-space", "", "no blank after the comma"},
     {"parse", "TEXT", "read a Romanian amount and print it plainly"},
-}};
+}});
 
 constexpr std::string_view kDetails =
     "AMOUNT is written 1.234,56, 1234,56 or 1234.56, with at most four decimals and with lei, RON or EUR behind it or\n"
@@ -24,30 +25,51 @@ constexpr std::string_view kDetails =
     "  kivtools money --no-space -1234.5          -1.234,50\n"
     "  kivtools money --parse \"1.234,5\"           1234.5\n";
 
-std::string Format(const Library& library, const Arguments& arguments) {
-  const std::int64_t amount = ReadValue(arguments.Values().front(), ReadAmount).value;
-  const std::int32_t decimals =
-      ReadWholeNumber(arguments.ValueOf("decimals").value_or("2"), 0, 4, "a number of decimals");
-  return arguments.Has("no-space") ? library.MoneyNoSpace(amount, decimals) : library.Money(amount, decimals);
-}
+class Money final : public ValueWork {
+ public:
+  Money(const Library& library, const Arguments& arguments)
+      : ValueWork("money"),
+        library_(library),
+        decimals_(ReadWholeNumber(arguments.ValueOf("decimals").value_or("2"), 0, 4, "a number of decimals")),
+        noSpace_(arguments.Has("no-space")) {}
+
+  bool AppendAnswer(std::string_view value, TextBuffer& out) const override {
+    const std::int64_t amount = ReadValue(value, ReadAmount).value;
+    out += noSpace_ ? library_.MoneyNoSpace(amount, decimals_) : library_.Money(amount, decimals_);
+    return true;
+  }
+
+ private:
+  const Library& library_;
+  std::int32_t decimals_;
+  bool noSpace_;
+};
 
 std::string Parse(const Library& library, const Arguments& arguments) {
-  if (!arguments.Values().empty() || arguments.Has("decimals") || arguments.Has("no-space")) {
+  const auto isGiven = [&](const Option& option) { return option.name != "parse" && arguments.Has(option.name); };
+  if (!arguments.Values().empty() || std::ranges::any_of(kOptions, isGiven)) {
     throw InputError("\"--parse\" goes with nothing but its TEXT");
   }
   return WritePlainAmount(library.ReadMoney(*arguments.ValueOf("parse")));
 }
 
 int RunMoney(Session& session, const Arguments& arguments) {
-  if (!arguments.Has("parse") && arguments.Values().empty()) {
-    throw InputError("AMOUNT is missing");
+  if (arguments.Has("parse")) {
+    session.out.Write(Parse(session.Lib(), arguments) + "\n");
+    return kDone;
   }
-  session.out.Write((arguments.Has("parse") ? Parse : Format)(session.Lib(), arguments) + "\n");
-  return kDone;
+  return AnswerValues(session, arguments, arguments.Values(), Money(session.Lib(), arguments), {"AMOUNT"});
 }
 
-constexpr Command kCommand = {
-    "money", "Write an amount with Romanian separators, or read one", "AMOUNT", 0, 1, kOptions, kDetails, RunMoney};
+constexpr Command kCommand = {"money",
+                              "Write an amount with Romanian separators, or read one",
+                              "AMOUNT ...|-|FILE ...",
+                              0,
+                              kAnyNumber,
+                              kOptions,
+                              kDetails,
+                              RunMoney,
+                              true};
 
 const Registration kRegistered(kCommand);
 

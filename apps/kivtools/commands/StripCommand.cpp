@@ -1,4 +1,4 @@
-#include "apps/kivtools/Command.h"
+#include "apps/kivtools/values/ValueWork.h"
 
 namespace kivtools {
 namespace {
@@ -9,12 +9,32 @@ constexpr std::string_view kDetails =
     "Example:\n"
     "  kivtools strip \"Țara Românească\"    Tara Romaneasca\n";
 
+class Strip final : public ValueWork {
+ public:
+  explicit Strip(const Library& library) : ValueWork("text"), library_(library) {}
+
+  bool AppendAnswer(std::string_view value, TextBuffer& out) const override {
+    out += library_.WithoutDiacritics(value);
+    return true;
+  }
+
+ private:
+  const Library& library_;
+};
+
 int RunStrip(Session& session, const Arguments& arguments) {
-  session.out.Write(session.Lib().WithoutDiacritics(arguments.Values().front()) + "\n");
-  return kDone;
+  return AnswerValues(session, arguments, arguments.Values(), Strip(session.Lib()), {"TEXT"});
 }
 
-constexpr Command kCommand = {"strip", "Take the Romanian diacritics off a text", "TEXT", 1, 1, {}, kDetails, RunStrip};
+constexpr Command kCommand = {"strip",
+                              "Take the Romanian diacritics off a text",
+                              "TEXT ...|-|FILE ...",
+                              0,
+                              kAnyNumber,
+                              kValueOptions,
+                              kDetails,
+                              RunStrip,
+                              true};
 
 const Registration kRegistered(kCommand);
 

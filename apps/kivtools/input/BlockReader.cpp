@@ -91,6 +91,7 @@ void BlockReader::DropByteOrderMark() {
   if (start == kByteOrderMark) {
     DropFront(start.size());
     startsWithMark_ = false;
+    hadMark_ = true;
   }
 }
 

@@ -63,6 +63,8 @@ class BlockReader {
   void DropFirst();
   /// The line, from 1, on which what PeekFirst() gives begins; meaningful before the first Next().
   [[nodiscard]] std::uint64_t FirstLine() const noexcept { return firstLine_; }
+  /// Whether the input began with a mark that was dropped; meaningful from PeekFirst() or Next() on.
+  [[nodiscard]] bool HadByteOrderMark() const noexcept { return hadMark_; }
   /// Whether what came in last was a small piece, as from a person who types.
   [[nodiscard]] bool IsSlow() const noexcept { return slow_; }
 
@@ -83,6 +85,7 @@ class BlockReader {
   ByteSource source_;
   RecordKind kind_;
   bool startsWithMark_;
+  bool hadMark_ = false;
   Block pending_;            // what is read and not given
   std::size_t scanned_ = 0;  // so much of it is known to hold no record's end
   bool inQuotes_ = false;    // at that place

@@ -33,6 +33,8 @@ class CsvRecords {
   [[nodiscard]] std::uint64_t Line() const noexcept { return line_; }
   /// The line on which the next one begins.
   [[nodiscard]] std::uint64_t NextLine() const noexcept { return nextLine_; }
+  /// How many bytes are behind the current record, which with its line end begins where they began before.
+  [[nodiscard]] std::size_t BytesLeft() const noexcept { return text_.size(); }
 
  private:
   std::span<char> TakeRecord();

@@ -1,9 +1,12 @@
 """What kivtools does where its streams fail, close or are a terminal: streams_test.py PROGRAM LIBRARY"""
 import concurrent.futures
+import csv
 import fcntl
+import io
 import json
 import os
 import pty
+import random
 import re
 import select
 import shutil
@@ -38,6 +41,9 @@ def missing_streams(folder):
     lines = os.path.join(folder, "lines")
     with open(lines, "wb") as file:
         file.write(CODE * 400_000)
+    wrong = os.path.join(folder, "wrong")  # what is read first goes out before the line that is wrong is come to
+    with open(wrong, "wb") as file:
+        file.write(b"9.50,a\n" * 400_000 + b"x,a\n")
     fifo = os.path.join(folder, "fifo")
     os.mkfifo(fifo)
     cases = [
@@ -45,6 +51,9 @@ def missing_streams(folder):
         (f"exec kivtools check cui <{lines} >&-", (2, "check: standard output: Bad file descriptor (error 9)\n")),
         (f"exec kivtools check cui --csv 1 <{lines} >/dev/full", (2, "check: standard output: No space left on device (error 28)\n")),
         (f"exec kivtools convert --from 1250 --to 852 <{lines} >/dev/full", (2, "convert: standard output: No space left on device (error 28)\n")),
+        (f"exec kivtools words --csv 1 --add x {lines} >/dev/full", (2, "words: standard output: No space left on device (error 28)\n")),
+        (f"exec kivtools strip --files --json {lines} {lines} >/dev/full", (2, "strip: standard output: No space left on device (error 28)\n")),
+        (f"{{ kivtools grade --csv 1 --add x {wrong}; echo $? >&2; }} | head -n 1", (0, "2\n")),
         (f"{{ kivtools check cui <{lines}; echo $? >&2; }} | head -n 1", (0, "2\n")),
     ]
     for _ in range(10):
@@ -54,6 +63,10 @@ def missing_streams(folder):
         # The file that is read next must not become the missing stream.
         ("exec kivtools invoice examples/invoice.csv >&-", (2, "invoice: standard output: Bad file descriptor (error 9)\n")),
         ("exec kivtools invoice examples/invoice.csv >/dev/null 2>&-", (0, "")),
+        (f"exec kivtools grade --csv 1 --add x {wrong} | tail -n 1 | grep -q CINCIZECI",
+         (0, f'grade: {wrong}:400001: "x" is not a grade from 1 to 10 such as 9.50, nor one times 100 such as 950\n')),
+        (f"exec kivtools money --csv 1 {folder}/no.csv", (2, f"money: {folder}/no.csv: cannot be opened: No such file or directory (error 2)\n")),
+        (f"exec kivtools money --files {folder}", (2, f"money: {folder} is a folder\n")),
         ("exec kivtools check cui <&-", (2, "check: standard input: cannot be read: Bad file descriptor (error 9)\n")),
         (f"exec kivtools check cui <{folder}", (2, "check: standard input: cannot be read: Is a directory (error 21)\n")),
         (f"exec kivtools version {fifo}", (2, f"version: {fifo} is not a file\n")),
@@ -201,6 +214,31 @@ def on_terminals(folder):
         expect(f"the bar on {columns} columns", bool(bars) and all(len(bar) <= longest for bar in bars), True)
 
 
+def columns_of_any_table(folder):
+    """A table with one more column is the table it was, whatever is in it, and the column holds what single values give."""
+    def parsed(text, separator):
+        return list(csv.reader(io.StringIO(text, newline=""), delimiter=separator, strict=True))
+    random.seed(14)
+    path = os.path.join(folder, "table.csv")
+    for number in range(30):
+        separator, end, columns = random.choice(",;\t"), random.choice(["\n", "\r\n"]), random.randint(2, 5)
+        cells = ["", " ", "x", "două", "a" + separator + "b", 'spus "așa"', "rând\nrând", "Ștefan"]
+        table = [[random.choice(cells) for _ in range(columns)] for _ in range(random.choice([1, 30, 3000]))]
+        place = random.randrange(columns)
+        heading = [f"c{column}" for column in range(columns)]
+        out = io.StringIO(newline="")
+        csv.writer(out, delimiter=separator, lineterminator=end, quoting=random.choice([csv.QUOTE_MINIMAL, csv.QUOTE_ALL])).writerows([heading, *table])
+        text = out.getvalue() if number % 2 else out.getvalue().removesuffix(end)
+        with open(path, "w", encoding="utf-8", newline="") as file:
+            file.write(text)
+        run = subprocess.run([PROGRAM, "strip", "--csv", f"c{place}", "--add", "curat", path], capture_output=True)
+        plain = str.maketrans("ățșȘâ", "atsSa")
+        wanted = [row + [row[place].translate(plain) if row[place].strip() else ""] for row in table]
+        expect(f"table {number}", (run.stderr.decode(), parsed(run.stdout.decode(), separator)), ("", [[*heading, "curat"], *wanted]))
+        kept = "".join(row[:row.rindex(separator)] for row in run.stdout.decode().split(end)[:1])
+        expect(f"the heading of table {number}", text.startswith(kept), True)
+
+
 def interrupted():
     """Whoever ends the program finds an empty line where the bar was, and the shell is told what ended it."""
     for number, end in (
@@ -336,6 +374,7 @@ with tempfile.TemporaryDirectory() as work:
     refused_folder(work)
     comma_letters()
     json_of_any_name(work)
+    columns_of_any_table(work)
     with concurrent.futures.ThreadPoolExecutor() as pool:  # much of it is waiting
         for done in [pool.submit(test, work) for test in (missing_streams, installed, on_terminals, lists, copies, deletions)]:
             done.result()

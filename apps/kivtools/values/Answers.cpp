@@ -1,0 +1,205 @@
+#include "apps/kivtools/values/Answers.h"
+
+#include <algorithm>
+
+#include "apps/kivtools/Json.h"
+#include "apps/kivtools/input/BlockReader.h"
+#include "apps/kivtools/input/Lines.h"
+
+namespace kivtools {
+namespace {
+
+constexpr bool IsLineEnd(char character) noexcept {
+  return character == '\n' || character == '\r';
+}
+
+}  // namespace
+
+ValueCounts& ValueCounts::operator+=(const ValueCounts& other) noexcept {
+  answered += other.answered;
+  invalid += other.invalid;
+  blank += other.blank;
+  tooShort += other.tooShort;
+  return *this;
+}
+
+void Answers::Clear() noexcept {
+  text_.Cut(0);
+  lines_.clear();
+  counts_ = {};
+}
+
+void Answers::Print(Output& out, std::uint64_t firstLine) const {
+  const std::string_view text = text_.View();
+  std::size_t printed = 0;
+  for (const auto& [place, line] : lines_) {
+    out.Write(text.substr(printed, place - printed));
+    out.Write(std::to_string(firstLine - 1 + line));
+    printed = place;
+  }
+  out.Write(text.substr(printed));
+}
+
+void AppendWithField(std::string_view record, std::size_t gap, char separator, std::string_view field,
+                     TextBuffer& out) {
+  std::size_t end = record.size();
+  for (const char ending : {'\n', '\r'}) {
+    end -= end > 0 && record[end - 1] == ending ? 1 : 0;
+  }
+  out += record.substr(0, end);
+  for (std::size_t i = 0; i <= gap; ++i) {
+    out += separator;
+  }
+  const auto has = [field](char character) { return FindByte(field, character) < field.size(); };
+  if (!has(separator) && !has('"') && !has('\n') && !has('\r')) {
+    out += field;
+  } else {
+    out += '"';
+    for (const char character : field) {
+      out += std::string_view("\"\"").substr(0, character == '"' ? 1 : 0);
+      out += character;
+    }
+    out += '"';
+  }
+  out += record.substr(end);
+}
+
+Answerer::Answerer(const ValueWork& work, const ValueRules& rules, bool json, std::string_view file)
+    : work_(work),
+      rules_(rules),
+      json_(json),
+      fileMember_(file.empty() ? "" : "\"file\": " + JsonString(file) + ", ") {}
+
+/// Takes back what was appended where it is not to be seen.
+template <class Append>
+void Answerer::Answer(std::uint64_t line, Answers& answers, const Append& append) const {
+  const std::size_t size = answers.text_.Size();
+  const std::size_t lines = answers.lines_.size();
+  const auto takeBack = [&] {
+    answers.text_.Cut(size);
+    answers.lines_.resize(lines, {});
+  };
+  bool valid = true;
+  try {
+    valid = append();
+  } catch (const InputError& error) {
+    takeBack();
+    if (line == 0) {
+      throw;
+    }
+    throw LineError(line, error.what());
+  } catch (...) {
+    takeBack();
+    throw;
+  }
+  ++answers.counts_.answered;
+  answers.counts_.invalid += valid ? 0 : 1;
+  if (valid && rules_.invalidOnly) {
+    takeBack();
+  }
+}
+
+void Answerer::BeginObject(std::optional<std::string_view> value, std::optional<std::uint64_t> line,
+                           Answers& answers) const {
+  answers.text_ += "{";
+  answers.text_ += fileMember_;
+  if (line) {
+    answers.text_ += "\"line\": ";
+    answers.lines_.push_back({answers.text_.Size(), *line});
+    answers.text_ += ", ";
+  }
+  answers.text_ += "\"value\": ";
+  answers.text_ += value ? JsonString(*value) : "null";
+}
+
+void Answerer::Typed(std::string_view value, Answers& answers) const {
+  Answer(0, answers, [&] {
+    if (!json_) {
+      return work_.AppendLines(value, answers.text_);
+    }
+    BeginObject(value, std::nullopt, answers);
+    const bool valid = work_.AppendMembers(value, answers.text_);
+    answers.text_ += "}\n";
+    return valid;
+  });
+}
+
+void Answerer::OnLine(std::string_view value, std::uint64_t line, Answers& answers) const {
+  if (IsNothing(value)) {
+    Blank(line, answers);
+    return;
+  }
+  Answer(line, answers, [&] {
+    bool valid = true;
+    if (json_) {
+      BeginObject(value, line, answers);
+      valid = work_.AppendMembers(value, answers.text_);
+      answers.text_ += '}';
+    } else if (rules_.isCheck) {
+      valid = work_.AppendLine(value, answers.text_);
+    } else {
+      answers.answer_.Cut(0);
+      valid = work_.AppendLine(value, answers.answer_);
+      // A field may hold line ends.
+      answers.text_.AppendChanged(answers.answer_.View(), [](char byte) { return IsLineEnd(byte) ? ' ' : byte; });
+    }
+    answers.text_ += '\n';
+    return valid;
+  });
+}
+
+void Answerer::Blank(std::uint64_t line, Answers& answers) const {
+  ++answers.counts_.blank;
+  if (rules_.isCheck) {
+    return;
+  }
+  if (json_) {
+    BeginObject("", line, answers);
+    answers.text_ += '}';
+  }
+  answers.text_ += '\n';  // so that answers and values stand on the same lines
+}
+
+void Answerer::Copied(std::string_view record, Answers& answers) const {
+  ++answers.counts_.blank;
+  answers.text_ += rules_.invalidOnly ? std::string_view() : record;
+}
+
+void Answerer::TooShort(std::size_t field, std::uint64_t line, Answers& answers) const {
+  const std::string fault = "there is no field " + std::to_string(field + 1);
+  if (!rules_.isCheck) {
+    throw LineError(line, fault);
+  }
+  ++answers.counts_.tooShort;
+  Answer(line, answers, [&] {
+    if (json_) {
+      BeginObject(std::nullopt, line, answers);
+      answers.text_ += ", \"valid\": false, \"reason\": " + JsonString(fault) + "}\n";
+    } else {
+      work_.AppendLine("", answers.text_);
+      answers.text_ += "\tline ";
+      answers.lines_.push_back({answers.text_.Size(), line});
+      answers.text_ += ": " + fault + "\n";
+    }
+    return false;
+  });
+}
+
+void Answerer::Added(const Record& record, std::optional<std::string_view> value, Answers& answers) const {
+  if (record.fields > record.width) {
+    throw LineError(record.line, "more fields than the first row has");
+  }
+  if (!value && !rules_.isCheck) {
+    throw LineError(record.line, "there is no field " + std::to_string(record.place + 1));
+  }
+  answers.counts_.tooShort += value ? 0 : 1;
+  // A short row gets the fields that it lacks, so that the answer stands below its heading.
+  Answer(record.line, answers, [&] {
+    answers.answer_.Cut(0);
+    const bool valid = IsNothing(value.value_or("")) || work_.AppendAnswer(value.value_or(""), answers.answer_);
+    AppendWithField(record.raw, record.width - record.fields, record.separator, answers.answer_.View(), answers.text_);
+    return valid;
+  });
+}
+
+}  // namespace kivtools

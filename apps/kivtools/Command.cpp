@@ -5,10 +5,12 @@
 #include <exception>
 #include <iterator>
 
-#include "apps/kivtools/Layout.h"
+#include "apps/kivtools/Help.h"
+#include "apps/kivtools/Pages.h"
 #include "apps/kivtools/Shown.h"
 #include "apps/kivtools/Suggestion.h"
 #include "apps/kivtools/input/BlockReader.h"
+#include "apps/kivtools/system/Paths.h"
 #include "kivtools/Errors.h"
 #include "kivtools/Text.h"
 
@@ -17,41 +19,6 @@ namespace {
 
 // Set before the constructors of other files run.
 constinit const Registration* first_registration = nullptr;
-
-std::string ProgramHelp() {
-  std::string help =
-      "Romanian business text and checks on the command line.\n\n"
-      "Usage: kivtools COMMAND [OPTIONS] [ARGUMENTS]\n\nCommands:\n";
-  for (const Command* const command : Commands()) {
-    help += "  " + PadEnd(command->name, 18) + std::string(command->summary) + "\n";
-  }
-  return help +
-         "\n  -h, --help      this text; after a command, that command's, as help COMMAND shows it\n"
-         "  -V, --version   the version of the library\n\n"
-         "Exit code: 0 done, 1 a check said no, 2 bad usage or input, or output that nobody takes.\n\n"
-         "The environment variable KIVTOOLS_LIBRARY names the library to load; without it, it is the one that the\n"
-         "program was installed with.\n\n"
-         "Example:\n  kivtools words 1234.56\n";
-}
-
-constexpr std::string_view kHelpOfValues =
-    "Each value is answered on a line of its own; - alone stands for the lines of standard input. With --files or "
-    "--csv\n"
-    "the arguments are FILEs, standard input where there is none. A file of separated values has , or ; or tabs "
-    "between\n"
-    "its fields; a column given by its number has no heading.\n\n";
-
-std::string CommandHelp(const Command& command) {
-  std::string help = std::string(command.summary) + ".\n\nUsage: kivtools " + std::string(command.name) +
-                     (command.options.empty() ? " " : " [OPTIONS] ") + std::string(command.arguments) + "\n";
-  help += command.options.empty() ? "" : "\nOptions:\n";
-  for (const Option& option : command.options) {
-    const std::string usage = "--" + std::string(option.name) + " " + std::string(option.value);
-    help += "  " + PadEnd(usage, 16) + std::string(option.help) + "\n";
-  }
-  const std::string_view ofValues = command.takesValues ? kHelpOfValues : std::string_view();
-  return help + "\n" + std::string(ofValues) + std::string(command.details);
-}
 
 bool AsksForHelp(std::span<const std::string> arguments) {
   const auto end = std::find(arguments.begin(), arguments.end(), "--");
@@ -64,7 +31,7 @@ int RunCommand(const Command& command, std::span<const std::string> given) {
   try {
     int result = kDone;
     if (AsksForHelp(given)) {
-      session.out.Write(CommandHelp(command));
+      session.out.Write(HelpOfCommand(command));
     } else {
       result = command.run(session, Arguments(command, given));
     }
@@ -97,10 +64,12 @@ const Command* FindCommand(const std::string& name) {
   return nullptr;
 }
 
-int RunProgramOption(const std::string& option) {
-  Session session(option);
+/// Does what belongs to no command; messages are told as those of `name`.
+template <class Work>
+int RunAlone(std::string_view name, const Work& work) {
+  Session session(name);
   try {
-    session.out.Write(option == "--version" ? "kivtools " + session.Lib().Version() + "\n" : ProgramHelp());
+    work(session);
     session.out.Flush();
     return kDone;
   } catch (const ReaderEnded&) {
@@ -129,17 +98,26 @@ std::vector<const Command*> Commands() {
 int RunProgram(std::span<const std::string> arguments) {
   const std::string name = arguments.empty() ? "--help" : arguments.front();
   if (name == "--help" || name == "-h" || (name == "help" && arguments.size() == 1)) {
-    return RunProgramOption("--help");
+    return RunAlone(name, [](Session& session) { session.out.Write(HelpOfProgram()); });
   }
   if (name == "--version" || name == "-V") {
-    return RunProgramOption("--version");
+    return RunAlone(name, [](Session& session) { session.out.Write("kivtools " + session.Lib().Version() + "\n"); });
+  }
+  if (name == "--pages") {  // for the build and for packages
+    return RunAlone(name, [&](Session& /*session*/) {
+      if (arguments.size() != 2) {
+        throw InputError("one FOLDER has to stand behind it");
+      }
+      WritePages(PathFromUtf8(arguments[1]));
+    });
   }
   if (name == "help") {
     const std::array<std::string, 1> help = {"--help"};
-    const Command* const command = arguments.size() == 2 ? FindCommand(arguments[1]) : nullptr;
     if (arguments.size() > 2) {
       WriteError("kivtools: help: " + Shown(arguments[2]) + " is one argument too many");
+      return kBadInput;
     }
+    const Command* const command = FindCommand(arguments[1]);
     return command == nullptr ? kBadInput : RunCommand(*command, help);
   }
   const Command* const command = FindCommand(name);

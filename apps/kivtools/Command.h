@@ -41,6 +41,7 @@ struct Option {
   std::string_view name;
   std::string_view value;
   std::string_view help;
+  std::span<const std::string_view> choices{};  ///< what `value` may be, or examples of it, for completion
 };
 
 /// For commands that take as many values as are given.
@@ -57,7 +58,8 @@ struct Command {
   std::string_view details;  ///< what --help says below the options, examples included
   /// Returns an ExitCode; throws InputError, or kiv::Error of the library, for what ends the program with kBadInput.
   int (*run)(Session&, const Arguments&);
-  bool takesValues = false;  ///< typed, of files or of a column of them; --help then says how
+  bool takesValues = false;                          ///< typed, of files or of a column of them; --help then says how
+  std::span<const std::string_view> firstChoices{};  ///< what the first argument may be, for completion
 };
 
 /// Makes a command known to the program. One of these in a file of the folder commands/ is all that a command needs:

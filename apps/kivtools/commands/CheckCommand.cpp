@@ -38,6 +38,11 @@ struct Kind {
 };
 constexpr std::array<Kind, 4> kKinds = {
     {{"iban", "EsteIBAN"}, {"cnp", "TestCNP"}, {"cui", "TestCodFiscal"}, {"siruta", "ValideazaSIRUTA"}}};
+constexpr auto kKindNames = [] {
+  std::array<std::string_view, kKinds.size()> names;
+  std::ranges::transform(kKinds, names.begin(), &Kind::name);
+  return names;
+}();
 
 class Check final : public ValueWork {
  public:
@@ -91,9 +96,7 @@ class Check final : public ValueWork {
 const Kind& FindKind(const std::string& name) {
   const auto* const kind = std::ranges::find(kKinds, name, &Kind::name);
   if (kind == kKinds.end()) {
-    std::array<std::string_view, kKinds.size()> names;
-    std::ranges::transform(kKinds, names.begin(), &Kind::name);
-    throw InputError(Shown(name) + " is not a kind of code: iban, cnp, cui or siruta" + DidYouMean(name, names));
+    throw InputError(Shown(name) + " is not a kind of code: iban, cnp, cui or siruta" + DidYouMean(name, kKindNames));
   }
   return *kind;
 }
@@ -120,7 +123,8 @@ constexpr Command kCommand = {"check",
                               kOptions,
                               kDetails,
                               RunCheck,
-                              true};
+                              true,
+                              kKindNames};
 const Registration kRegistered(kCommand);
 
 }  // namespace

@@ -17,11 +17,15 @@
 namespace kivtools {
 namespace {
 
+constexpr std::array<std::string_view, 5> kUsualPages = {"utf-8", "windows-1250", "ibm852", "iso-8859-2",
+                                                         "iso-8859-16"};
+constexpr std::array<std::string_view, 2> kForms = {"comma", "cedilla"};
+
 constexpr std::array<Option, 4> kOptions = {{
-    {"from", "CP", "the code page of what comes in"},
-    {"to", "CP", "the code page of what goes out"},
+    {"from", "CP", "the code page of what comes in", kUsualPages},
+    {"to", "CP", "the code page of what goes out", kUsualPages},
     {"lossy", "", "put look-alikes or ? for what is damaged and for letters that it lacks"},
-    {"letters", "FORM", "write s and t in UTF-8 with a comma or a cedilla below"},
+    {"letters", "FORM", "write s and t in UTF-8 with a comma or a cedilla below", kForms},
 }};
 
 constexpr std::string_view kDetails =
@@ -61,7 +65,7 @@ LetterForm ReadLetters(const Arguments& arguments, std::int32_t to) {
   if (to != kUtf8) {
     throw InputError("\"--letters\" goes with --to utf-8 only");
   }
-  if (*form != "comma" && *form != "cedilla") {
+  if (std::ranges::find(kForms, *form) == kForms.end()) {
     throw InputError(Shown(*form) + " is not a form of letters: comma or cedilla");
   }
   return *form == "comma" ? kiv::windows1250::CommaBelowForm : kiv::windows1250::CedillaForm;

@@ -221,15 +221,22 @@ int RunCheck(Session& session, const std::string& name, bool json) {
   }
 }
 
+struct Action {
+  std::string_view name;
+  int (*run)(Session&, const std::string&, bool);
+};
+constexpr std::array<Action, 3> kActions = {{{"show", RunShow}, {"changes", RunChanges}, {"check", RunCheck}}};
+constexpr auto kActionNames = [] {
+  std::array<std::string_view, kActions.size()> names;
+  std::ranges::transform(kActions, names.begin(), &Action::name);
+  return names;
+}();
+
 int RunData(Session& session, const Arguments& arguments) {
   const std::string& action = arguments.Values().front();
   const std::string& file = arguments.Values().back();
-  const struct {
-    std::string_view name;
-    int (*run)(Session&, const std::string&, bool);
-  } kActions[] = {{"show", RunShow}, {"changes", RunChanges}, {"check", RunCheck}};
-  const auto* const found = std::ranges::find(kActions, action, &std::remove_reference_t<decltype(*kActions)>::name);
-  if (found == std::end(kActions)) {
+  const auto* const found = std::ranges::find(kActions, action, &Action::name);
+  if (found == kActions.end()) {
     throw InputError(Shown(action) + " is none of show, changes, check");
   }
   // Says why a file cannot be read in the system's words, and never waits for the writer of a pipe.
@@ -237,8 +244,16 @@ int RunData(Session& session, const Arguments& arguments) {
   return found->run(session, file, arguments.Has("json"));
 }
 
-constexpr Command kCommand = {
-    "data", "Show and check the datasets that applications save", "ACTION FILE.kdp", 2, 2, kOptions, kDetails, RunData};
+constexpr Command kCommand = {"data",
+                              "Show and check the datasets that applications save",
+                              "ACTION FILE.kdp",
+                              2,
+                              2,
+                              kOptions,
+                              kDetails,
+                              RunData,
+                              false,
+                              kActionNames};
 
 const Registration kRegistered(kCommand);
 

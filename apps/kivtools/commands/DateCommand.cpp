@@ -12,17 +12,6 @@
 namespace kivtools {
 namespace {
 
-constexpr auto kOptions = WithValueOptions<1>({{{"form", "NAME", "only this form; without it all of them"}}});
-
-constexpr std::string_view kDetails =
-    "DATE is written 2024-03-05, 05.03.2024 or \"5 martie 2024\"; T14:07:09 after it is the time of day. The forms "
-    "bear\n"
-    "the names of the library's operations; for the values of files it is DateToRoText unless --form says another "
-    "one.\n\n"
-    "Examples:\n"
-    "  kivtools date 2024-03-05\n"
-    "  kivtools date 2024-03-05T14:07:09 --form TimeToStrRo2    Ora 14 07 minute 09 sec\n";
-
 constexpr std::array<std::string_view, 16> kForms = {
     "DateToRoText",
     "DateToRoText2",
@@ -41,6 +30,17 @@ constexpr std::array<std::string_view, 16> kForms = {
     "TimeToStrRo",
     "TimeToStrRo2",
 };
+
+constexpr auto kOptions = WithValueOptions<1>({{{"form", "NAME", "only this form; without it all of them", kForms}}});
+
+constexpr std::string_view kDetails =
+    "DATE is written 2024-03-05, 05.03.2024 or \"5 martie 2024\"; T14:07:09 after it is the time of day. The forms "
+    "bear\n"
+    "the names of the library's operations; for the values of files it is DateToRoText unless --form says another "
+    "one.\n\n"
+    "Examples:\n"
+    "  kivtools date 2024-03-05\n"
+    "  kivtools date 2024-03-05T14:07:09 --form TimeToStrRo2    Ora 14 07 minute 09 sec\n";
 
 class Date final : public ValueWork {
  public:

@@ -155,10 +155,12 @@ int Copy(Session& session, std::span<const std::string> values) {
   return dialogs.Copied() ? kDone : kCheckSaidNo;
 }
 
+constexpr std::array<std::string_view, 2> kActions = {"state", "copy"};
+
 int RunFloppy(Session& session, const Arguments& arguments) {
   const std::string& action = arguments.Values().front();
   const auto rest = std::span(arguments.Values()).subspan(1);
-  if (action != "copy" && action != "state") {
+  if (std::ranges::find(kActions, action) == kActions.end()) {
     throw InputError(Shown(action) + " is neither state nor copy");
   }
   if (action == "state" && !rest.empty()) {
@@ -170,8 +172,16 @@ int RunFloppy(Session& session, const Arguments& arguments) {
   return action == "state" ? State(session) : Copy(session, rest);
 }
 
-constexpr Command kCommand = {
-    "floppy", "Copy files onto a diskette", "state | copy SRC... DST", 1, kAnyNumber, kOptions, kDetails, RunFloppy};
+constexpr Command kCommand = {"floppy",
+                              "Copy files onto a diskette",
+                              "state | copy SRC... DST",
+                              1,
+                              kAnyNumber,
+                              kOptions,
+                              kDetails,
+                              RunFloppy,
+                              false,
+                              kActions};
 
 const Registration kRegistered(kCommand);
 

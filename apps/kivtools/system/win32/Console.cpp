@@ -108,7 +108,7 @@ void WriteAll(StandardStream stream, std::string_view bytes) {
     const DWORD code = done ? DWORD{ERROR_DISK_FULL} : GetLastError();
     if (!done || written == 0) {
       const char* const name = stream == StandardStream::Output ? "standard output" : "standard error";
-      if (code == ERROR_BROKEN_PIPE || code == ERROR_NO_DATA) {
+      if (code == ERROR_BROKEN_PIPE || code == ERROR_NO_DATA || code == ERROR_PIPE_NOT_CONNECTED) {
         throw ReaderGone(name, static_cast<std::int32_t>(code));
       }
       throw SystemError(name, static_cast<std::int32_t>(code));

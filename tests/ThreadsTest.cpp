@@ -219,6 +219,7 @@ Text OfFiles(std::uint32_t number) {
   RecursiveCopyWithExt(at("sursa"), at("copie"), {"*"}, label, 100);
   RecursiveCopyWithExtSkipFolders(at("sursa"), at("alta"), {"txt", "dbf"}, label, "alta", 100);
   CopyNoBuffering(at("copie/a.txt"), at("nou"));
+  SalveazaFisier(at("salvat"), "abc");
   Text all = Shown(ComparaFisiere(at("nou"), at("sursa/a.txt")));
   all += Outcomes<TextView>(at("nou"), DimensiuneFisier, IsFileReadOnly);
   all += Shown(ForceDelete(at("nou")));

@@ -109,6 +109,15 @@ std::string Library::SumInWordsCompact(std::int64_t amount) const {
   return Text(sumInWordsCompact_, amount);
 }
 
+std::string Library::SumInReadableWords(std::int64_t amount, std::string_view currency) const {
+  const std::string names = FromUtf8(currency);
+  return Text(KIVTOOLS_ENTRY(KivInCuvinteCurrency), amount, names.data(), names.size());
+}
+
+std::string Library::NumberInReadableWords(std::int64_t number) const {
+  return Text(KIVTOOLS_ENTRY(KivInCuvinte), number, KIV_GENDER_MASCULINE);
+}
+
 std::string Library::Money(std::int64_t amount, std::int32_t decimals) const {
   return Text(money_, amount, decimals);
 }
@@ -334,6 +343,11 @@ void Library::MeasureTree(const std::filesystem::path& root) const {
 
 void Library::WatchTrees(const KivTreeWatcher* watcher) const {
   Check(KIVTOOLS_ENTRY(KivWatchTrees)(watcher));
+}
+
+void Library::SaveFile(const std::filesystem::path& path, std::string_view content) const {
+  const std::string name = LibraryPath(path);
+  Check(KIVTOOLS_ENTRY(KivSalveazaFisier)(name.data(), name.size(), content.data(), content.size()));
 }
 
 bool Library::FilesAreEqual(const std::filesystem::path& a, const std::filesystem::path& b) const {

@@ -42,6 +42,11 @@ class Library {
   [[nodiscard]] std::string SumInWords(std::int64_t amount) const;
   /// A sum in words, the compact form. Example: 10000 gives "UNLEU".
   [[nodiscard]] std::string SumInWordsCompact(std::int64_t amount) const;
+  /// A sum in words that people read, in a currency that the library knows or that six fields name. Example: 10000 and
+  /// "EUR" give "un euro".
+  [[nodiscard]] std::string SumInReadableWords(std::int64_t amount, std::string_view currency) const;
+  /// A whole number in such words. Example: 21 gives "douăzeci și unu".
+  [[nodiscard]] std::string NumberInReadableWords(std::int64_t number) const;
 
   /// An amount with Romanian separators, its further decimals cut. Example: 12345600 and 2 give "1.234, 56".
   [[nodiscard]] std::string Money(std::int64_t amount, std::int32_t decimals) const;
@@ -123,6 +128,8 @@ class Library {
   void MeasureTree(const std::filesystem::path& root) const;
   /// Has this thread's operations on trees watched; null ends that.
   void WatchTrees(const KivTreeWatcher* watcher) const;
+  /// Writes a file; one that had the name is replaced when it is whole.
+  void SaveFile(const std::filesystem::path& path, std::string_view content) const;
   [[nodiscard]] bool FilesAreEqual(const std::filesystem::path& a, const std::filesystem::path& b) const;
 
   /// Makes this program the library's host; null ends that.

@@ -106,6 +106,10 @@ KivStatus KivCopyNoBuffering(const char* source, size_t sourceLength, const char
   return Run([=] { kiv::CopyNoBuffering(KIV_TEXT(source, sourceLength), KIV_TEXT(destination, destinationLength)); });
 }
 
+KivStatus KivSalveazaFisier(const char* file, size_t length, const char* content, size_t contentLength) {
+  return Run([=] { kiv::SalveazaFisier(KIV_TEXT(file, length), KIV_TEXT(content, contentLength)); });
+}
+
 KivAnswer KivComparaFisiere(const char* file1, size_t length1, const char* file2, size_t length2) {
   return GiveAnswer([=] { return kiv::ComparaFisiere(KIV_TEXT(file1, length1), KIV_TEXT(file2, length2)); });
 }

@@ -130,6 +130,23 @@ TEST_F(FileFaults, AreToldWhenFilesAreCompared) {
               [] {});
 }
 
+TEST_F(FileFaults, AreToldWhenAFileIsSaved) {
+  LetEachFail([&] { Make("salvat/a", "vechi"); },
+              [&] {
+                try {
+                  SalveazaFisier(At("salvat/a"), large_);
+                } catch (const OsError& error) {
+                  EXPECT_EQ(error.Code(), kCode);
+                  EXPECT_THAT(error.what(), testing::StartsWith("SalveazaFisier: " + At("salvat/a")));
+                }
+              },
+              [&] {
+                ExpectOnly("salvat", {large_, "vechi"});
+              });
+  SalveazaFisier(At("salvat/a"), large_);
+  EXPECT_EQ(ReadWhole(folder_ / "salvat" / "a"), large_);
+}
+
 TEST_F(FileFaults, AreToldWhenOneFileIsCopied) {
   using testing::AnyOf;
   using testing::StartsWith;

@@ -27,6 +27,9 @@ static void SingleFiles(void) {
   EXPECT(KivCopyNoBuffering(a, KIV_ZERO_ENDED, b, KIV_ZERO_ENDED) == KIV_OK);
   EXPECT(KivComparaFisiere(a, KIV_ZERO_ENDED, b, KIV_ZERO_ENDED) == 1);
   EXPECT(Write(b, "abd") && KivComparaFisiere(a, KIV_ZERO_ENDED, b, KIV_ZERO_ENDED) == 0);
+  EXPECT(KivSalveazaFisier(b, KIV_ZERO_ENDED, "abc", 3) == KIV_OK);
+  EXPECT(KivComparaFisiere(a, KIV_ZERO_ENDED, b, KIV_ZERO_ENDED) == 1);
+  EXPECT(KivSalveazaFisier(root, KIV_ZERO_ENDED, "abc", 3) == -KIV_ERROR_SYSTEM);
   EXPECT(KivDimensiuneFisier(b, KIV_ZERO_ENDED) == 3 && KivIsFileReadOnly(b, KIV_ZERO_ENDED) == 0);
   EXPECT(KivFileAgeByName(b, KIV_ZERO_ENDED, &age) == KIV_OK && age > 45000);
   EXPECT(KivFileAgeByName(b, KIV_ZERO_ENDED, NULL) == -KIV_ERROR_ARGUMENT);

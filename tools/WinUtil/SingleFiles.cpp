@@ -178,6 +178,17 @@ void CopyNoBuffering(TextView source, TextView destination) {
   NoBufferingCopy(source, destination).Run();
 }
 
+void SalveazaFisier(TextView file, TextView content) {
+  constexpr TextView kOperation = "SalveazaFisier";
+  const std::filesystem::path path = platform::PathFromText(file);
+  platform::SafeFile written;
+  written.Create(path).OrThrow(kOperation, path);
+  written.Content()
+      .Write({reinterpret_cast<const std::uint8_t*>(content.data()), content.size()})
+      .OrThrow(kOperation, path);
+  written.Commit().OrThrow(kOperation, path);
+}
+
 bool ComparaFisiere(TextView file1, TextView file2) {
   ComparedFile first(file1);
   ComparedFile second(file2);

@@ -1,18 +1,27 @@
 #include <algorithm>
+#include <array>
 #include <filesystem>
+#include <optional>
+#include <utility>
 #include <vector>
 
 #include "apps/kivtools/Command.h"
 #include "apps/kivtools/Shown.h"
 #include "apps/kivtools/input/Input.h"
+#include "apps/kivtools/invoice/InvoiceHtml.h"
 #include "apps/kivtools/invoice/InvoicePrinter.h"
 #include "apps/kivtools/invoice/InvoiceReader.h"
+#include "apps/kivtools/system/Console.h"
 #include "apps/kivtools/system/Paths.h"
 #include "apps/kivtools/system/SystemError.h"
 #include "kivtools/Ascii.h"
 
 namespace kivtools {
 namespace {
+
+constexpr std::array<Option, 1> kOptions = {{
+    {"html", "OUT.html", "write a page to print instead, A4; - is standard output"},
+}};
 
 constexpr std::string_view kDetails =
     "FILE.csv holds one invoice; - is standard input, a folder stands for its *.csv files in the order of their\n"
@@ -25,6 +34,8 @@ constexpr std::string_view kDetails =
     "  buyer_account,RO26ZZBK0002917364500122          may be left out\n"
     "  number,MV 1024\n"
     "  date,2026-03-05                                 or 05.03.2026\n"
+    "  due_date,2026-04-04                             may be left out, and so may seller_address, seller_register\n"
+    "  currency,EUR                                    (RON, EUR or USD), buyer_address and buyer_register\n"
     "  description,unit,quantity,unit_price,vat_rate\n"
     "  Făină albă,kg,\"1.250,5\",\"3,20\",11\n\n"
     "Amounts are Romanian (1.234,50) or plain (1234.50) with at most four decimals; 1.234 alone could be either and\n"
@@ -32,8 +43,11 @@ constexpr std::string_view kDetails =
     "sum of each rate. docs/invoice.md tells the rest.\n\n"
     "A file that is not right is reported with its line and not printed; the exit code is then 2. A fiscal code or an\n"
     "account number that is wrong is reported and marked on the invoice; the exit code is then 1.\n\n"
-    "Example:\n"
-    "  kivtools invoice examples/invoice.csv\n";
+    "A page of --html needs nothing beside it. Each invoice of several begins on a sheet of its own, and a long one\n"
+    "repeats its heading on every sheet. OUT.html is replaced when the page is whole.\n\n"
+    "Examples:\n"
+    "  kivtools invoice examples/invoice.csv\n"
+    "  kivtools invoice examples/invoice.csv --html factura.html\n";
 
 bool EndsInCsv(const std::filesystem::path& path) {
   std::string extension = Utf8FromPath(path.extension());
@@ -91,20 +105,63 @@ int ReportFaults(Session& session, const Invoice& invoice, const InvoiceFaults& 
   return result;
 }
 
-int PrintFile(Session& session, const std::string& file, bool first) {
-  const std::string shownName = ShownName(file);
-  const Invoice invoice = ReadInvoiceFile(file, shownName);
-  InvoiceTotals totals;
-  try {
-    totals = ComputeTotals(invoice);
-  } catch (const InputError& error) {
-    throw InputError(shownName + ": " + error.what());
+/// Shows invoices one after another, on standard output or on a page.
+class Shower {
+ public:
+  Shower(Session& session, std::optional<std::string> page)
+      : session_(session), page_(std::move(page)), terminal_(TerminalWidth(StandardStream::Output)) {}
+
+  /// Returns an ExitCode; throws InputError where the invoice is not right.
+  int Show(const std::string& file) {
+    const std::string shownName = ShownName(file);
+    const Invoice invoice = ReadInvoiceFile(file, shownName);
+    InvoiceTotals totals;
+    try {
+      totals = ComputeTotals(invoice);
+    } catch (const InputError& error) {
+      throw InputError(shownName + ": " + error.what());
+    }
+    const InvoiceFaults faults = FindFaults(invoice, session_.Lib());
+    const InvoiceTexts texts(invoice, totals, faults, session_.Lib());
+    if (page_) {
+      title_ += (title_.empty() ? "Factura " : ", ") + invoice.number;
+      invoices_ += InvoiceAsHtml(invoice, texts);
+    } else {
+      session_.out.Write(std::exchange(first_, false) ? "" : "\n\n");
+      PrintInvoice(invoice, texts, terminal_, session_.out);
+    }
+    return ReportFaults(session_, invoice, faults, shownName);
   }
-  session.out.Write(first ? "" : "\n\n");
-  const InvoiceFaults faults = FindFaults(invoice, session.Lib());
-  PrintInvoice(invoice, totals, faults, session.Lib(), session.out);
-  return ReportFaults(session, invoice, faults, shownName);
-}
+
+  /// Writes the page, if there is anything to be on it.
+  void Finish() {
+    if (!page_ || invoices_.empty()) {
+      return;
+    }
+    const std::string page = HtmlPage(title_, invoices_);
+    if (*page_ == "-") {
+      session_.out.Write(page);
+    } else {
+      session_.Lib().SaveFile(PathFromUtf8(*page_), page);
+    }
+  }
+
+  /// Throws for an invoice that the page would replace.
+  void RefuseAsPage(const std::string& file) const {
+    std::error_code unknown;  // what cannot be asked is not the same
+    if (page_ && file != "-" && std::filesystem::equivalent(PathFromUtf8(file), PathFromUtf8(*page_), unknown)) {
+      throw InputError(Shown(*page_) + " is an invoice that is read");
+    }
+  }
+
+ private:
+  Session& session_;
+  std::optional<std::string> page_;
+  std::optional<std::size_t> terminal_;
+  bool first_ = true;
+  std::string title_;
+  std::string invoices_;
+};
 
 /// The files that an argument stands for.
 std::vector<std::string> FilesOf(const std::string& given) {
@@ -120,27 +177,31 @@ int RunInvoice(Session& session, const Arguments& arguments) {
     session.Report(error.what());
     result = kBadInput;
   };
-  bool first = true;
-  const auto print = [&](const std::string& file) {
+  Shower shower(session, arguments.ValueOf("html"));
+  const auto show = [&](const std::string& file) {
+    shower.RefuseAsPage(file);
     try {
-      result = std::max(result, PrintFile(session, file, first));
-      first = false;
+      result = std::max(result, shower.Show(file));
     } catch (const InputError& error) {
       report(error);
     }
   };
   for (const std::string& given : arguments.Values()) {
+    std::vector<std::string> files;
     try {
-      std::ranges::for_each(FilesOf(given), print);
+      files = FilesOf(given);
     } catch (const InputError& error) {
       report(error);
     }
+    std::ranges::for_each(files, show);
   }
+  shower.Finish();
   return result;
 }
 
 constexpr Command kCommand = {
-    "invoice", "Print an invoice from a CSV file", "FILE.csv|FOLDER|- ...", 1, kAnyNumber, {}, kDetails, RunInvoice};
+    "invoice", "Print an invoice from a CSV file", "FILE.csv|FOLDER|- ...", 1, kAnyNumber, kOptions, kDetails,
+    RunInvoice};
 
 const Registration kRegistered(kCommand);
 

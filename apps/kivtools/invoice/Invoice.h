@@ -3,15 +3,21 @@
 #include <chrono>
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace kivtools {
 
-/// One side of an invoice; texts are UTF-8. The account may be empty, a buyer's code too.
+/// The code of the currency that amounts are in where nothing else is said.
+inline constexpr std::string_view kLeiCode = "RON";
+
+/// One side of an invoice; texts are UTF-8. What is below the code may be empty, a buyer's code too.
 struct Party {
   std::string name;
   std::string code;
   std::string account;
+  std::string address{};
+  std::string registration{};  ///< the number in the register of companies
 
   friend bool operator==(const Party&, const Party&) = default;
 };
@@ -21,7 +27,7 @@ struct InvoiceItem {
   std::string description;     ///< may hold line feeds
   std::string unit;            ///< may be empty
   std::int64_t quantity = 0;   ///< ten-thousandths
-  std::int64_t unitPrice = 0;  ///< ten-thousandths of a leu
+  std::int64_t unitPrice = 0;  ///< ten-thousandths of the currency's unit
   std::int32_t vatRate = 0;    ///< hundredths of a percent, 0 to 10000
   std::int64_t value = 0;      ///< bani, without VAT: LineValue(quantity, unitPrice)
 
@@ -35,6 +41,8 @@ struct Invoice {
   std::string number;
   std::chrono::year_month_day date{};
   std::vector<InvoiceItem> items;
+  std::chrono::year_month_day dueDate{};  ///< no date of the calendar where there is none
+  std::string currency{kLeiCode};
 
   friend bool operator==(const Invoice&, const Invoice&) = default;
 };

@@ -4,139 +4,133 @@
 #include <array>
 #include <numeric>
 
-#include "apps/kivtools/Codes.h"
 #include "apps/kivtools/Layout.h"
-#include "apps/kivtools/Numbers.h"
 
 namespace kivtools {
 namespace {
 
-enum Column : std::size_t { kNumber, kDescription, kUnit, kQuantity, kPrice, kRate, kValue, kColumns };
-constexpr std::array<std::string_view, kColumns> kTitles = {"Nr.",         "Denumire", "UM",     "Cant.",
-                                                            "Preț unitar", "TVA",      "Valoare"};
-constexpr std::size_t kTerminalWidth = 80;
+constexpr std::size_t kUsualWidth = 80;
+/// The narrowest that anything is fitted to, so that there is room beside labels.
+constexpr std::size_t kNarrowestTerminal = 24;
 constexpr std::size_t kNarrowestDescription = 24;
+constexpr std::size_t kNarrowestFitted = 12;  ///< the same where it has to fit
+constexpr std::size_t kNarrowestSide = 28;    ///< of a party beside the other
 constexpr std::size_t kWidestUnit = 12;
 constexpr std::size_t kLabelWidth = 9;
 
-constexpr bool IsText(std::size_t column) noexcept {
-  return column == kDescription || column == kUnit;
-}
-
-/// An account number in groups of four, as it is read out; one that is written with blanks as it is.
-std::string Grouped(const std::string& account) {
-  if (account.find(' ') != std::string::npos) {
-    return account;
-  }
-  std::string grouped;
-  for (std::size_t at = 0; at < account.size(); at += 4) {
-    grouped += (at == 0 ? "" : " ") + account.substr(at, 4);
-  }
-  return grouped;
-}
-
-std::string Marked(const std::string& number, bool wrong) {
-  return wrong ? number + " (GREȘIT)" : number;
-}
-
-std::string Percent(std::int32_t rate) {
-  std::string text = WritePlainAmount(std::int64_t{rate} * 100) + "%";
-  std::replace(text.begin(), text.end(), '.', ',');
-  return text;
-}
-
 class Printer {
  public:
-  Printer(const Invoice& invoice, const InvoiceTotals& totals, const InvoiceFaults& faults, const Library& library,
-          Output& out)
+  Printer(const Invoice& invoice, const InvoiceTexts& texts, std::optional<std::size_t> terminal, Output& out)
       : invoice_(invoice),
-        totals_(totals),
-        faults_(faults),
-        library_(library),
+        texts_(texts),
         out_(out),
+        fitted_(terminal.has_value()),
+        width_(std::clamp(terminal.value_or(kUsualWidth), kNarrowestTerminal, kUsualWidth)),
         progress_(2 * static_cast<std::uint64_t>(invoice.items.size())) {}
 
   void Print() {
     Measure();
     PrintHeading();
-    PrintTable();
+    if (stacked_) {
+      PrintStack();
+    } else {
+      PrintTable();
+    }
     PrintTotals();
-    out_.Write("\nTotal în litere: " + TotalInWords() + "\n");
+    PrintWrapped("\nTotal în litere: " + texts_.TotalInWords());
   }
 
  private:
-  using Row = std::array<std::string, kColumns>;
-
-  [[nodiscard]] std::string Lei(std::int64_t bani) const { return library_.MoneyNoSpace(bani * 100, 2); }
-
-  [[nodiscard]] std::string Quantity(std::int64_t quantity) const {
-    std::string text = library_.MoneyNoSpace(quantity, 4);
-    text.resize(text.find_last_not_of('0') + 1);  // the comma stops it
-    if (text.back() == ',') {
-      text.pop_back();
-    }
-    return text;
-  }
-
-  [[nodiscard]] Row Cells(std::size_t index) const {
-    const InvoiceItem& item = invoice_.items[index];
-    return {std::to_string(index + 1),           item.description,      item.unit,      Quantity(item.quantity),
-            library_.MoneyExact(item.unitPrice), Percent(item.vatRate), Lei(item.value)};
-  }
+  using Row = InvoiceTexts::Row;
 
   /// Finds the columns' widths, so that the rows can be printed one by one afterwards.
   void Measure() {
     std::transform(kTitles.begin(), kTitles.end(), widths_.begin(), DisplayWidth);
     for (std::size_t i = 0; i < invoice_.items.size(); ++i) {
-      const Row row = Cells(i);
+      const Row row = texts_.Cells(i);
       for (std::size_t column = 0; column < kColumns; ++column) {
         widths_[column] = std::max(widths_[column], DisplayWidth(row[column]));
       }
       progress_.Advance(1);
     }
     widths_[kUnit] = std::min(widths_[kUnit], kWidestUnit);
-    widths_[kValue] = std::max({widths_[kValue], Lei(totals_.base).size(), Lei(totals_.total).size()});
-    // The descriptions get what the other columns leave of a terminal's width.
+    const auto sums = texts_.Sums();
+    widths_[kValue] = std::max({widths_[kValue], sums.front().second.size(), sums.back().second.size()});
+    // The descriptions get what the other columns leave of the width.
     const std::size_t others =
         std::accumulate(widths_.begin(), widths_.end(), 3 * kColumns + 1) - widths_[kDescription];
-    const std::size_t left = kTerminalWidth > others ? kTerminalWidth - others : 0;
-    widths_[kDescription] = std::min(widths_[kDescription], std::max(left, kNarrowestDescription));
+    const std::size_t left = width_ > others ? width_ - others : 0;
+    const std::size_t least = fitted_ ? kNarrowestFitted : kNarrowestDescription;
+    widths_[kDescription] = std::min(widths_[kDescription], std::max(left, least));
     tableWidth_ = others + widths_[kDescription];
+    stacked_ = fitted_ && tableWidth_ > width_;
+    tableWidth_ = stacked_ ? width_ : tableWidth_;
   }
 
   void PrintHeading() {
-    const auto& [year, month, day] = std::tuple(invoice_.date.year(), invoice_.date.month(), invoice_.date.day());
-    const double days =
-        library_.EncodeDate(int{year}, static_cast<int>(unsigned{month}), static_cast<int>(unsigned{day}));
-    PrintPair("FACTURA " + invoice_.number, library_.DateText("DateToRoText", days));
+    PrintPair("FACTURA " + invoice_.number, texts_.Date(invoice_.date));
+    if (invoice_.dueDate.ok()) {
+      PrintPair("", "scadența " + texts_.Date(invoice_.dueDate));
+    }
     out_.Write("\n");
-    const Party& seller = invoice_.seller;
-    const Party& buyer = invoice_.buyer;
-    PrintSides("Furnizor", seller.name, "Client", buyer.name);
-    PrintSides("CUI", Marked(seller.code, faults_.seller.code), "CUI", Marked(buyer.code, faults_.buyer.code));
-    PrintSides("IBAN", Marked(Grouped(seller.account), faults_.seller.account), "IBAN",
-               Marked(Grouped(buyer.account), faults_.buyer.account));
-    out_.Write("\n");
+    const auto seller = WithName("Furnizor", invoice_.seller, texts_.SellerDetails());
+    const auto buyer = WithName("Client", invoice_.buyer, texts_.BuyerDetails());
+    const std::size_t half = fitted_ ? width_ / 2 : std::max(tableWidth_, kUsualWidth) / 2;
+    if (half < kNarrowestSide) {
+      for (const auto& party : {seller, buyer}) {
+        PrintSides(party, {}, width_);
+        out_.Write("\n");
+      }
+    } else {
+      PrintSides(seller, buyer, half);
+      out_.Write("\n");
+    }
   }
 
+  static std::vector<InvoiceTexts::Pair> WithName(const char* role, const Party& party,
+                                                  std::vector<InvoiceTexts::Pair> details) {
+    details.insert(details.begin(), {role, party.name});
+    return details;
+  }
+
+  /// A text at each edge; on lines of their own where they do not fit on one.
   void PrintPair(const std::string& left, const std::string& right) {
     const std::size_t taken = DisplayWidth(left) + DisplayWidth(right);
+    if (fitted_ && taken + 2 > width_) {
+      PrintWrapped(left);
+      PrintWrapped(PadStart(right, width_));
+      return;
+    }
     out_.Write(left + std::string(taken < tableWidth_ ? tableWidth_ - taken : 2, ' ') + right + "\n");
   }
 
-  /// What belongs to the seller on the left, to the buyer on the right, each with its label and wrapped in its half.
-  void PrintSides(std::string_view leftLabel, const std::string& left, std::string_view rightLabel,
-                  const std::string& right) {
-    const std::size_t half = std::max(tableWidth_, kTerminalWidth) / 2;
+  /// A text as it is, in lines of the terminal's width.
+  void PrintWrapped(const std::string& text) {
+    if (!fitted_) {
+      out_.Write(text + "\n");
+      return;
+    }
+    for (const std::string& line : Wrap(text, width_)) {
+      out_.Write(line + "\n");
+    }
+  }
+
+  /// What belongs to one party on the left, to another on the right, each with its label and wrapped in its half.
+  void PrintSides(const std::vector<InvoiceTexts::Pair>& left, const std::vector<InvoiceTexts::Pair>& right,
+                  std::size_t half) {
     const std::size_t room = half - kLabelWidth - 2;
-    const auto leftLines = Wrap(left, room);
-    const auto rightLines = Wrap(right, room);
-    for (std::size_t i = 0; i < std::max(leftLines.size(), rightLines.size()); ++i) {
-      std::string line = Labelled(leftLabel, leftLines, i);
-      if (const std::string other = Labelled(rightLabel, rightLines, i); !other.empty()) {
-        line = PadEnd(line, half) + other;
+    for (std::size_t row = 0; row < left.size(); ++row) {
+      const auto leftLines = Wrap(left[row].second, room);
+      const auto rightLines = right.empty() ? std::vector<std::string>() : Wrap(right[row].second, room);
+      for (std::size_t i = 0; i < std::max(leftLines.size(), rightLines.size()); ++i) {
+        std::string line = Labelled(left[row].first, leftLines, i);
+        if (!right.empty()) {
+          if (const std::string other = Labelled(right[row].first, rightLines, i); !other.empty()) {
+            line = PadEnd(line, half) + other;
+          }
+        }
+        out_.Write(line.empty() ? "" : line + "\n");
       }
-      out_.Write(line.empty() ? "" : line + "\n");
     }
   }
 
@@ -154,7 +148,7 @@ class Printer {
     PrintRow(titles);
     PrintRule("├", "┼", "┤");
     for (std::size_t i = 0; i < invoice_.items.size(); ++i) {
-      PrintRow(Cells(i));
+      PrintRow(texts_.Cells(i));
       progress_.Advance(1);
     }
     PrintRule("└", "┴", "┘");
@@ -187,56 +181,47 @@ class Printer {
     }
   }
 
-  void PrintTotals() {
-    PrintTotal("Total fără TVA", totals_.base);
-    for (const VatGroup& group : totals_.groups) {
-      PrintTotal("TVA " + Percent(group.rate) + " la " + Lei(group.base), group.vat);
+  /// The lines of the invoice below one another: what it is, then the figures.
+  void PrintStack() {
+    const std::string rule = Repeat("─", width_) + "\n";
+    for (std::size_t i = 0; i < invoice_.items.size(); ++i) {
+      const Row row = texts_.Cells(i);
+      out_.Write(rule);
+      PrintWrapped(row[kNumber] + ". " + row[kDescription]);
+      PrintPair(
+          row[kQuantity] + (row[kUnit].empty() ? "" : " " + row[kUnit]) + " × " + row[kPrice] + ", TVA " + row[kRate],
+          row[kValue]);
+      progress_.Advance(1);
     }
-    PrintTotal("Total de plată (lei)", totals_.total);
+    out_.Write(rule);
   }
 
-  void PrintTotal(const std::string& label, std::int64_t bani) {
-    const std::size_t labelEnd = tableWidth_ - widths_[kValue] - 5;
-    out_.Write(PadStart(label, labelEnd) + "   " + PadStart(Lei(bani), widths_[kValue]) + "\n");
-  }
-
-  /// A negative total is the words of its magnitude behind "MINUS"; one that has no words is said to have none.
-  [[nodiscard]] std::string TotalInWords() const {
-    const std::int64_t magnitude = totals_.total < 0 ? -totals_.total : totals_.total;
-    try {
-      return (totals_.total < 0 ? "MINUS " : "") + library_.SumInWords(magnitude * 100);
-    } catch (const LibraryError& error) {
-      return "(suma nu se poate scrie în litere: " + std::string(error.what()) + ")";
+  void PrintTotals() {
+    for (const auto& [label, amount] : texts_.Sums()) {
+      if (stacked_) {
+        PrintPair(label, amount);
+      } else {
+        const std::size_t labelEnd = tableWidth_ - widths_[kValue] - 5;
+        out_.Write(PadStart(label, labelEnd) + "   " + PadStart(amount, widths_[kValue]) + "\n");
+      }
     }
   }
 
   const Invoice& invoice_;
-  const InvoiceTotals& totals_;
-  const InvoiceFaults& faults_;
-  const Library& library_;
+  const InvoiceTexts& texts_;
   Output& out_;
+  bool fitted_;
+  std::size_t width_;
   Progress progress_;
   std::array<std::size_t, kColumns> widths_{};
   std::size_t tableWidth_ = 0;
+  bool stacked_ = false;
 };
 
 }  // namespace
 
-InvoiceFaults FindFaults(const Invoice& invoice, const Library& library) {
-  const auto isWrong = [&library](const char* operation, const std::string& code, bool dropRo) {
-    const auto ask = [&](std::string_view asked) { return library.Ask(library.FindPredicate(operation), asked); };
-    return !code.empty() && !SaysYes(ask, code, dropRo);
-  };
-  const auto find = [&isWrong](const Party& party) {
-    return PartyFaults{!IsForeign(party.code) && isWrong("TestCodFiscal", party.code, true),
-                       isWrong("EsteIBAN", party.account, false)};
-  };
-  return {find(invoice.seller), find(invoice.buyer)};
-}
-
-void PrintInvoice(const Invoice& invoice, const InvoiceTotals& totals, const InvoiceFaults& faults,
-                  const Library& library, Output& out) {
-  Printer(invoice, totals, faults, library, out).Print();
+void PrintInvoice(const Invoice& invoice, const InvoiceTexts& texts, std::optional<std::size_t> terminal, Output& out) {
+  Printer(invoice, texts, terminal, out).Print();
 }
 
 }  // namespace kivtools

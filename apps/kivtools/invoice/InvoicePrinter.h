@@ -1,28 +1,16 @@
 #pragma once
 
-#include "apps/kivtools/Library.h"
+#include <cstddef>
+#include <optional>
+
 #include "apps/kivtools/Output.h"
-#include "apps/kivtools/invoice/Invoice.h"
+#include "apps/kivtools/invoice/InvoiceTexts.h"
 
 namespace kivtools {
 
-/// Which of a party's numbers are wrong.
-struct PartyFaults {
-  bool code = false;
-  bool account = false;
-};
-
-/// Which numbers of an invoice are wrong, by the library's checks. An empty one is not, and neither is a fiscal code
-/// with another country's letters in front; "RO" before a Romanian one is dropped.
-struct InvoiceFaults {
-  PartyFaults seller;
-  PartyFaults buyer;
-};
-InvoiceFaults FindFaults(const Invoice& invoice, const Library& library);
-
-/// Prints an invoice in columns: the parties, the lines, VAT per rate, the total and the total in words. All amounts
-/// are written by the library. Memory does not grow with the number of lines. Numbers that are wrong are marked.
-void PrintInvoice(const Invoice& invoice, const InvoiceTotals& totals, const InvoiceFaults& faults,
-                  const Library& library, Output& out);
+/// Prints an invoice in columns: the parties, the lines, VAT per rate, the total and the total in words. Memory does
+/// not grow with the number of lines. Numbers that are wrong are marked. On a terminal, of which `terminal` are the
+/// columns, nothing is wider than it: where the table would be, each line of the invoice gets lines of its own.
+void PrintInvoice(const Invoice& invoice, const InvoiceTexts& texts, std::optional<std::size_t> terminal, Output& out);
 
 }  // namespace kivtools

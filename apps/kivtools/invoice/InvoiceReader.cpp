@@ -16,21 +16,32 @@ namespace {
 
 constexpr std::array<std::string_view, 5> kItemFields = {"description", "unit", "quantity", "unit_price", "vat_rate"};
 
+constexpr std::string_view kCurrencyKey = "currency";
+/// The currencies whose names the library has.
+constexpr std::array<std::string_view, 3> kCurrencies = {kLeiCode, "EUR", "USD"};
+
 /// What the rows above the lines may say: each key once, in any order.
 struct HeaderField {
   std::string_view key;
   bool required;
-  std::string& (*text)(Invoice&);  ///< null for the date
+  std::string& (*text)(Invoice&);  ///< null for a date
+  std::chrono::year_month_day& (*date)(Invoice&) = nullptr;
 };
-constexpr std::array<HeaderField, 8> kHeaderFields = {{
+constexpr std::array<HeaderField, 14> kHeaderFields = {{
     {"seller", true, [](Invoice& invoice) -> std::string& { return invoice.seller.name; }},
     {"seller_code", true, [](Invoice& invoice) -> std::string& { return invoice.seller.code; }},
     {"seller_account", false, [](Invoice& invoice) -> std::string& { return invoice.seller.account; }},
+    {"seller_address", false, [](Invoice& invoice) -> std::string& { return invoice.seller.address; }},
+    {"seller_register", false, [](Invoice& invoice) -> std::string& { return invoice.seller.registration; }},
     {"buyer", true, [](Invoice& invoice) -> std::string& { return invoice.buyer.name; }},
     {"buyer_code", false, [](Invoice& invoice) -> std::string& { return invoice.buyer.code; }},
     {"buyer_account", false, [](Invoice& invoice) -> std::string& { return invoice.buyer.account; }},
+    {"buyer_address", false, [](Invoice& invoice) -> std::string& { return invoice.buyer.address; }},
+    {"buyer_register", false, [](Invoice& invoice) -> std::string& { return invoice.buyer.registration; }},
     {"number", true, [](Invoice& invoice) -> std::string& { return invoice.number; }},
-    {"date", true, nullptr},
+    {"date", true, nullptr, [](Invoice& invoice) -> std::chrono::year_month_day& { return invoice.date; }},
+    {"due_date", false, nullptr, [](Invoice& invoice) -> std::chrono::year_month_day& { return invoice.dueDate; }},
+    {kCurrencyKey, false, [](Invoice& invoice) -> std::string& { return invoice.currency; }},
 }};
 
 /// A field's text for the invoice: blanks around it dropped, line ends (where allowed) as line feeds.
@@ -51,6 +62,13 @@ std::chrono::year_month_day ReadInvoiceDate(std::string_view text) {
   const Moment date = ReadDate(text);
   return {std::chrono::year(date.year), std::chrono::month(static_cast<unsigned>(date.month)),
           std::chrono::day(static_cast<unsigned>(date.day))};
+}
+
+std::string ReadCurrency(std::string_view text) {
+  if (std::ranges::find(kCurrencies, text) == kCurrencies.end()) {
+    throw InputError("is not RON, EUR or USD");
+  }
+  return std::string(text);
 }
 
 std::int32_t ReadVatRate(std::string_view text) {
@@ -151,10 +169,14 @@ class Reader {
     if (count_ > 2) {
       Fail(std::string(key) + ": " + Shown(Field(2)) + " stands behind the value");
     }
-    if (field->text != nullptr) {
+    if (field->date != nullptr) {
+      if (field->required || !Field(1).empty()) {
+        field->date(invoice_) = Take(key, Field(1), ReadInvoiceDate);
+      }
+    } else if (key != kCurrencyKey) {
       field->text(invoice_) = TakeText(key, Field(1), field->required);
-    } else {
-      invoice_.date = Take(key, Field(1), ReadInvoiceDate);
+    } else if (!Field(1).empty()) {
+      field->text(invoice_) = Take(key, Field(1), ReadCurrency);
     }
   }
 

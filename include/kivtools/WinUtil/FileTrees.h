@@ -70,6 +70,13 @@ struct TreeSize {
 ///     CopyNoBuffering("C:\\date\\firme.dbf", "A:\\firme.dbf");
 KIV_API void CopyNoBuffering(TextView source, TextView destination);
 
+/// Writes a file. What has the name is, whatever fails and wherever the program stops, the former file or the whole new
+/// one, which is on the disk when this returns; one that is protected from writing stays. Throws OsError with operation
+/// and path.
+///
+///     SalveazaFisier("C:\\facturi\\117.html", "<!DOCTYPE html>...");
+KIV_API void SalveazaFisier(TextView file, TextView content);
+
 /// Whether two files have the same size and the same bytes. Throws OsError with operation and path for one that cannot
 /// be opened or read. Example: two empty files are equal.
 [[nodiscard]] KIV_API bool ComparaFisiere(TextView file1, TextView file2);

@@ -67,6 +67,10 @@ KIV_API KivStatus KivRecursiveDelete(const char* folder, size_t length);
 KIV_API KivStatus KivCopyNoBuffering(const char* source, size_t sourceLength, const char* destination,
                                      size_t destinationLength);
 
+/** Writes a file; one that had the name is replaced when the new one is whole and on the disk. Fails with
+ * KIV_ERROR_SYSTEM, and the former one is as it was. Example: 0. */
+KIV_API KivStatus KivSalveazaFisier(const char* file, size_t length, const char* content, size_t contentLength);
+
 /** Whether two files have the same bytes. Fails with KIV_ERROR_SYSTEM where one cannot be read. Example: 1. */
 KIV_API KivAnswer KivComparaFisiere(const char* file1, size_t length1, const char* file2, size_t length2);
 

@@ -54,16 +54,25 @@ inline std::string WriteInvoice(const Invoice& invoice) {
     return text;
   };
   const auto two = [](unsigned number) { return std::to_string(number + 100).substr(1); };
-  const std::string date = std::to_string(int{invoice.date.year()} + 10000).substr(1) + "-" +
-                           two(unsigned{invoice.date.month()}) + "-" + two(unsigned{invoice.date.day()});
+  const auto day = [&two](std::chrono::year_month_day date) {
+    return date.ok() ? std::to_string(int{date.year()} + 10000).substr(1) + "-" + two(unsigned{date.month()}) + "-" +
+                           two(unsigned{date.day()})
+                     : std::string();
+  };
   Records records = {{"seller", invoice.seller.name},
                      {"seller_code", invoice.seller.code},
                      {"seller_account", invoice.seller.account},
                      {"buyer", invoice.buyer.name},
                      {"buyer_code", invoice.buyer.code},
                      {"buyer_account", invoice.buyer.account},
+                     {"seller_address", invoice.seller.address},
+                     {"seller_register", invoice.seller.registration},
+                     {"buyer_address", invoice.buyer.address},
+                     {"buyer_register", invoice.buyer.registration},
+                     {"due_date", day(invoice.dueDate)},
+                     {"currency", invoice.currency},
                      {"number", invoice.number},
-                     {"date", date},
+                     {"date", day(invoice.date)},
                      {"description", "unit", "quantity", "unit_price", "vat_rate"}};
   for (const InvoiceItem& item : invoice.items) {
     records.push_back({item.description, item.unit, amount(item.quantity), amount(item.unitPrice),

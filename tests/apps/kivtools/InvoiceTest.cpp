@@ -106,6 +106,21 @@ TEST(InvoiceReader, TakesWhatSpreadsheetsWrite) {
   EXPECT_TRUE(ReadText(WriteInvoice(invoice)) == invoice);
 }
 
+TEST(InvoiceReader, TakesWhatOnlySomeInvoicesSay) {
+  const std::string more =
+      "due_date,2026-04-04\ncurrency,EUR\nseller_address,Șona 1\nseller_register,J08/1\nbuyer_address,Cluj\n"
+      "buyer_register,J12/2\n";
+  const Invoice invoice = ReadText(more + std::string(kHeader) + "a,kg,1,2,11\n");
+  EXPECT_EQ(invoice.dueDate, std::chrono::year{2026} / 4 / 4);
+  EXPECT_THAT((std::vector{invoice.currency, invoice.seller.address, invoice.seller.registration, invoice.buyer.address,
+                           invoice.buyer.registration}),
+              testing::ElementsAre("EUR", "Șona 1", "J08/1", "Cluj", "J12/2"));
+  EXPECT_TRUE(ReadText(WriteInvoice(invoice)) == invoice);
+  const Invoice plain = ReadText("due_date,\ncurrency,\n" + std::string(kHeader) + "a,kg,1,2,11\n");
+  EXPECT_FALSE(plain.dueDate.ok());
+  EXPECT_EQ(plain.currency, "RON");
+}
+
 TEST(InvoiceReader, NamesFileLineFieldAndValueOfWhatIsWrong) {
   const std::string header(kHeader);
   const struct {
@@ -122,6 +137,8 @@ TEST(InvoiceReader, NamesFileLineFieldAndValueOfWhatIsWrong) {
       {"seller,S\xAA\n", "x.csv:1: seller: \"S\\xAA\" is not UTF-8"},
       {"date,2026-02-30\n", "x.csv:1: date: \"2026-02-30\" is not a date that the calendar has"},
       {"date,0000-01-01\n", "x.csv:1: date: \"0000-01-01\" is not a date that the calendar has"},
+      {"currency,GBP\n", "x.csv:1: currency: \"GBP\" is not RON, EUR or USD"},
+      {"due_date,4.4\n", "x.csv:1: due_date: \"4.4\" is not a date such as 2026-03-05, 05.03.2026 or 5 martie 2026"},
       {"date,5/3/2026\n", "x.csv:1: date: \"5/3/2026\" is not a date such as 2026-03-05, 05.03.2026 or 5 martie 2026"},
       {"date,2026--3-05\n",
        "x.csv:1: date: \"2026--3-05\" is not a date such as 2026-03-05, 05.03.2026 or 5 martie 2026"},

@@ -52,6 +52,8 @@ Library::Library()
       money_(KIVTOOLS_ENTRY(KivCurrencyToRoStr)),
       moneyNoSpace_(KIVTOOLS_ENTRY(KivCurrencyToRoStrFaraSpatiu)),
       scaledNumber_(KIVTOOLS_ENTRY(KivScrieFoarteFrumos)),
+      codeFaultText_(KIVTOOLS_ENTRY(KivCodeFaultText)),
+      sumInReadableWords_(KIVTOOLS_ENTRY(KivInCuvinteCurrency)),
       encodeDate_(KIVTOOLS_ENTRY(KivEncodeDate)),
       dateWithCode_(KIVTOOLS_ENTRY(KivDateToRoText_WithCode)),
       grade_(KIVTOOLS_ENTRY(KivNotaToTextLung)),
@@ -111,7 +113,7 @@ std::string Library::SumInWordsCompact(std::int64_t amount) const {
 
 std::string Library::SumInReadableWords(std::int64_t amount, std::string_view currency) const {
   const std::string names = FromUtf8(currency);
-  return Text(KIVTOOLS_ENTRY(KivInCuvinteCurrency), amount, names.data(), names.size());
+  return Text(sumInReadableWords_, amount, names.data(), names.size());
 }
 
 std::string Library::NumberInReadableWords(std::int64_t number) const {
@@ -167,6 +169,14 @@ std::string Library::GradeInBrackets(std::int32_t grade, std::int32_t mode) cons
 std::string Library::WithoutDiacritics(std::string_view utf8) const {
   const std::string text = FromUtf8(utf8);
   return Text(withoutDiacritics_, text.data(), text.size());
+}
+
+std::string Library::Explain(Explanation* explanation, std::string_view code) const {
+  KivCodeFault fault{};
+  if (explanation(code.data(), code.size(), &fault) < 0) {
+    ThrowLastError();
+  }
+  return LibraryText(codeFaultText_, &fault, KIV_LANGUAGE_ENGLISH);
 }
 
 std::string Library::BirthDate(std::string_view code) const {

@@ -93,6 +93,15 @@ class Library {
     return answer == 1;
   }
 
+  /// A function of the C interface that explains why a code is not valid.
+  using Explanation = KivAnswer(const char*, std::size_t, KivCodeFault*);
+  /// The one that goes with the predicate of that operation.
+  [[nodiscard]] Explanation* FindExplanation(const std::string& operation) const {
+    return package_.Function<Explanation>(("KivExplain" + operation).c_str());
+  }
+  /// What it finds, as a part of a sentence in ASCII. Example: "character 3 is not a digit".
+  [[nodiscard]] std::string Explain(Explanation* explanation, std::string_view code) const;
+
   /// The birth date that a personal numeric code says, "CNP incorect" for one that is not valid.
   [[nodiscard]] std::string BirthDate(std::string_view code) const;
   /// The age that it says, in calendar years.
@@ -185,6 +194,8 @@ class Library {
   decltype(KivCurrencyToRoStr)* money_;
   decltype(KivCurrencyToRoStrFaraSpatiu)* moneyNoSpace_;
   decltype(KivScrieFoarteFrumos)* scaledNumber_;
+  decltype(KivCodeFaultText)* codeFaultText_;
+  decltype(KivInCuvinteCurrency)* sumInReadableWords_;
   decltype(KivEncodeDate)* encodeDate_;
   decltype(KivDateToRoText_WithCode)* dateWithCode_;
   decltype(KivNotaToTextLung)* grade_;

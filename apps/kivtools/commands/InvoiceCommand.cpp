@@ -150,7 +150,7 @@ class Shower {
   void RefuseAsPage(const std::string& file) const {
     std::error_code unknown;  // what cannot be asked is not the same
     if (page_ && file != "-" && std::filesystem::equivalent(PathFromUtf8(file), PathFromUtf8(*page_), unknown)) {
-      throw InputError(Shown(*page_) + " is an invoice that is read");
+      throw InputError(ShownName(*page_) + " is an invoice that is read");
     }
   }
 

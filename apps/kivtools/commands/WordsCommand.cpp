@@ -1,6 +1,9 @@
 #include <array>
 #include <cstdint>
 #include <limits>
+#include <optional>
+#include <string>
+#include <tuple>
 
 #include "apps/kivtools/Numbers.h"
 #include "apps/kivtools/Shown.h"
@@ -10,25 +13,35 @@
 namespace kivtools {
 namespace {
 
-constexpr auto kOptions = WithValueOptions<2>({{
+constexpr auto kOptions = WithValueOptions<4>({{
     {"compact", "", "the compact form: the bani in digits, no blanks"},
     {"number", "", "AMOUNT is a whole number, not money"},
+    {"readable", "", "as people read it: with diacritics and blanks, of any size, EUR too"},
+    {"currency", "CODE", "with --readable: RON, EUR, USD or six fields as \"leu,lei,m,ban,bani,m\""},
 }});
 
 constexpr std::string_view kDetails =
     "AMOUNT is written 1.234,56, 1234,56 or 1234.56, with at most four decimals and with lei or RON behind it or not;\n"
     "1.234 alone could be either number and is refused. What is below a ban is cut.\n"
-    "Amounts of a billion or more and negative ones have no words.\n\n"
+    "Amounts of a billion or more and negative ones have words with --readable only. The six fields of a currency are\n"
+    "singular, plural and gender (m, f or n) of its unit and of its hundredth.\n\n"
     "Examples:\n"
     "  kivtools words 1234.56           UNAMIEDOUASUTETREIZECISIPATRU LEI SI CINCIZECISISASE BANI\n"
     "  kivtools words --compact 1.05    UNLEU,05BANI\n"
     "  kivtools words --number 21       DOUAZECISIUNU\n"
+    "  kivtools words --readable 2304.50 două mii trei sute patru lei și cincizeci de bani\n"
+    "  kivtools words --readable --currency EUR -21\n"
     "  kivtools words --csv total --add in_litere facturi.csv > facturi-litere.csv\n";
 
 class Words final : public ValueWork {
  public:
   Words(const Library& library, const Arguments& arguments)
-      : ValueWork("words"), library_(library), number_(arguments.Has("number")), compact_(arguments.Has("compact")) {}
+      : ValueWork("words"),
+        library_(library),
+        number_(arguments.Has("number")),
+        compact_(arguments.Has("compact")),
+        readable_(arguments.Has("readable")),
+        currency_(arguments.ValueOf("currency")) {}
 
   bool AppendAnswer(std::string_view value, TextBuffer& out) const override {
     try {
@@ -43,11 +56,23 @@ class Words final : public ValueWork {
 
  private:
   [[nodiscard]] std::string Of(std::string_view value) const {
+    if (readable_) {
+      return number_ ? library_.NumberInReadableWords(ReadNumber(value, 0) / kiv::Currency::kPerUnit)
+                     : Readable(ReadAmount(value));
+    }
     if (number_) {
       return library_.NumberInWords(ReadInt32(value));
     }
     const std::int64_t amount = ReadLei(value);
     return compact_ ? library_.SumInWordsCompact(amount) : library_.SumInWords(amount);
+  }
+
+  [[nodiscard]] std::string Readable(const Amount& amount) const {
+    if (currency_ && !amount.currency.empty() && amount.currency != *currency_) {
+      throw InputError("is in " + std::string(amount.currency) + ", not in " + *currency_);
+    }
+    const std::string_view own = amount.currency.empty() ? "RON" : amount.currency;
+    return library_.SumInReadableWords(amount.value, currency_ ? std::string_view(*currency_) : own);
   }
 
   /// The library would drop the upper bits of a larger number and give the words of another one.
@@ -63,11 +88,23 @@ class Words final : public ValueWork {
   const Library& library_;
   bool number_;
   bool compact_;
+  bool readable_;
+  std::optional<std::string> currency_;
 };
 
 int RunWords(Session& session, const Arguments& arguments) {
   if (arguments.Has("number") && arguments.Has("compact")) {
     throw InputError("\"--compact\" is for money and does not go with --number");
+  }
+  if (arguments.Has("readable") && arguments.Has("compact")) {
+    throw InputError("\"--readable\" and \"--compact\" are two forms");
+  }
+  const std::optional<std::string> currency = arguments.ValueOf("currency");
+  if (currency && (!arguments.Has("readable") || arguments.Has("number"))) {
+    throw InputError("\"--currency\" goes with --readable, for money");
+  }
+  if (currency) {
+    std::ignore = session.Lib().SumInReadableWords(0, *currency);  // refuses one that is none
   }
   return AnswerValues(session, arguments, arguments.Values(), Words(session.Lib(), arguments), {"AMOUNT"});
 }

@@ -137,6 +137,12 @@ void Answerer::OnLine(std::string_view value, std::uint64_t line, Answers& answe
       answers.text_ += '}';
     } else if (rules_.isCheck) {
       valid = work_.AppendLine(value, answers.text_);
+      if (!valid) {
+        answers.text_ += "\tline ";
+        answers.lines_.push_back({answers.text_.Size(), line});
+        answers.text_ += ": ";
+        work_.AppendReason(value, answers.text_);
+      }
     } else {
       answers.answer_.Cut(0);
       valid = work_.AppendLine(value, answers.answer_);

@@ -29,6 +29,8 @@ class ValueWork {
   virtual bool AppendLine(std::string_view value, TextBuffer& out) const { return AppendAnswer(value, out); }
   /// Appends the lines for a value that is typed.
   virtual bool AppendLines(std::string_view value, TextBuffer& out) const;
+  /// Appends why a value that is denied is not valid.
+  virtual void AppendReason(std::string_view /*value*/, TextBuffer& /*out*/) const {}
   /// Appends the answer as members of a JSON object, each behind ", ".
   virtual bool AppendMembers(std::string_view value, TextBuffer& out) const;
 

@@ -85,7 +85,7 @@ def output():
     out = FOLDER / "kept.html"
     out.write_text("kept")
     expect("the invoice itself", run(good, "--html", good),
-           (2, "", f'kivtools invoice: "{good}" is an invoice that is read\n'))
+           (2, "", f'kivtools invoice: {good} is an invoice that is read\n'))
     code, _, error = run(bad, "--html", str(out))
     expect("no invoice at all", (code, "there are no lines" in error, out.read_text()), (2, True, "kept"))
     code, _, error = run(good, "--html", str(FOLDER / "no" / "out.html"))

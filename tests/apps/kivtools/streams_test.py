@@ -189,7 +189,7 @@ def unread(terminal, _):
 
 def on_terminals(folder):
     result, bars = on_terminal(["check", "cui"], slowly([CODE, CODE, b"x\n", CODE]))
-    expect("results and progress", result, "valid\t12345674\n" * 2 + "invalid\tx\nvalid\t12345674\n4 checked, 1 invalid\n")
+    expect("results and progress", result, "valid\t12345674\n" * 2 + "invalid\tx\tline 3: the length is 1 instead of 3 to 10 or 13\nvalid\t12345674\n4 checked, 1 invalid\n")
     expect("progress of a pipe", bars, {"0 MiB"})
 
     result, bars = on_terminal(["convert", "--from", "1250", "--to", "65001"], slowly([b"a\nb", b"c", b"d\n\xff", b"e"]))
@@ -199,7 +199,7 @@ def on_terminals(folder):
     expect("an error after progress", result, 'a\nb\nkivtools convert: line 3: "\\xFF" is not code page 20127\n')
 
     result, bars = on_terminal(["check", "cui"], typed([CODE, b"x\n"]), stdin="terminal")
-    expect("typed", (result, bars), ("valid\t12345674\ninvalid\tx\n2 checked, 1 invalid\n", set()))
+    expect("typed", (result, bars), ("valid\t12345674\ninvalid\tx\tline 2: the length is 1 instead of 3 to 10 or 13\n2 checked, 1 invalid\n", set()))
 
     result, bars = on_terminal(["check", "cui"], lambda terminal, process: process.communicate(CODE))
     expect("quick work", (result, bars), ("valid\t12345674\n1 checked, 0 invalid\n", set()))

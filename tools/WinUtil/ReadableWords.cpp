@@ -43,7 +43,7 @@ constexpr std::array<Scale, 6> kScales = {{
 }};
 
 /// The few numbers that have a gender.
-TextView BelowTwenty(std::uint64_t number, GrammaticalGender gender) {
+TextView BelowTwenty(std::size_t number, GrammaticalGender gender) {
   if (number == 1 && gender == GrammaticalGender::Feminine) {
     return "una";
   }
@@ -93,7 +93,7 @@ class Speaker {
         number %= scale.size;
       }
     }
-    SayBelowThousand(number, gender);
+    SayBelowThousand(static_cast<std::size_t>(number), gender);
   }
 
   void SayCounted(std::uint64_t number, const CountedNoun& noun) {
@@ -116,16 +116,16 @@ class Speaker {
 
  private:
   /// Nothing for 0.
-  void SayBelowThousand(std::uint64_t number, GrammaticalGender gender) {
-    if (const std::uint64_t hundreds = number / 100; hundreds > 0) {
+  void SayBelowThousand(std::size_t number, GrammaticalGender gender) {
+    if (const std::size_t hundreds = number / 100; hundreds > 0) {
       Say(BelowTwenty(hundreds, GrammaticalGender::Feminine));
       Say(hundreds == 1 ? "sută"_ro : "sute"_ro);
     }
-    const std::uint64_t rest = number % 100;
+    const std::size_t rest = number % 100;
     if (rest >= 20) {
       Say(kTens[rest / 10]);
     }
-    if (const std::uint64_t last = rest < 20 ? rest : rest % 10; last > 0) {
+    if (const std::size_t last = rest < 20 ? rest : rest % 10; last > 0) {
       if (rest > 20) {
         Say("şi"_ro);
       }

@@ -15,6 +15,10 @@ bool HasRo(std::string_view code) noexcept {
 }  // namespace
 
 std::string WithoutGaps(std::string_view code) {
+  // Nearly all codes have none, and files have them by the million.
+  if (std::ranges::all_of(code, [](char byte) { return byte > ' ' && byte < '\x7F' && byte != '-'; })) {
+    return std::string(code);
+  }
   std::string joined;
   while (!code.empty()) {
     const std::size_t blank = BlankAtBegin(code);

@@ -176,7 +176,12 @@ std::string Library::Explain(Explanation* explanation, std::string_view code) co
   if (explanation(code.data(), code.size(), &fault) < 0) {
     ThrowLastError();
   }
-  return LibraryText(codeFaultText_, &fault, KIV_LANGUAGE_ENGLISH);
+  std::array<char, 256> text;  // filled by the library
+  const KivLength length = codeFaultText_(&fault, KIV_LANGUAGE_ENGLISH, text.data(), text.size());
+  if (length < 0 || static_cast<std::size_t>(length) >= text.size()) {
+    ThrowLastError();
+  }
+  return {text.data(), static_cast<std::size_t>(length)};
 }
 
 std::string Library::BirthDate(std::string_view code) const {

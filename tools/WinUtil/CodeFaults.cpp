@@ -62,7 +62,9 @@ Text RightLengths(const CodeFault& fault, std::size_t language) {
 /// Writes one sentence.
 class Sentence {
  public:
-  Sentence(const CodeFault& fault, std::size_t language) : fault_(fault), language_(language) {}
+  Sentence(const CodeFault& fault, std::size_t language) : fault_(fault), language_(language) {
+    text_.reserve(80);  // at once, for the longest
+  }
 
   [[nodiscard]] Text Write() {
     switch (fault_.rule) {

@@ -37,7 +37,6 @@ std::string_view WithoutRo(std::string_view code) noexcept {
   if (HasRo(code)) {
     code.remove_prefix(2);
     code.remove_prefix(std::min(code.find_first_not_of(' '), code.size()));
-    code.remove_prefix(code.starts_with('-') ? 1 : 0);
   }
   return code;
 }

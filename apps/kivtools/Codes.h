@@ -10,8 +10,8 @@ namespace kivtools {
 /// "-123" and "12--3" stay.
 std::string WithoutGaps(std::string_view code);
 
-/// The code without the "RO" of a VAT payer, in capitals or not, and without the blanks and the dash after it.
-/// Examples: "RO 123" and "ro-123" give "123"; "DE123" stays.
+/// The code without the "RO" of a VAT payer, in capitals or not, and without the blanks after it.
+/// Examples: "RO 123" and "ro123" give "123"; "DE123" stays.
 std::string_view WithoutRo(std::string_view code) noexcept;
 
 /// Whether the code begins with that "RO" and a digit after it. Example: true for "RO123".

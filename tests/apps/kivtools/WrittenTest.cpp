@@ -94,9 +94,11 @@ TEST(Suggestion, IsTheNearestNameThatIsNearEnough) {
   const struct {
     const char* given;
     const char* meant;
-  } kCases[] = {{"wrods", "words"}, {"word", "words"},   {"wordss", "words"}, {"cmpare", "compare"},
-                {"chekc", "check"}, {"cpn", "cnp"},      {"xyz", ""},         {"", ""},
-                {"w", ""},          {"wodrsx", "words"}, {"coppy", "copy"},   {"wrosd", ""}};
+  } kCases[] = {{"wrods", "words"},  {"owrds", "words"},    {"word", "words"},
+                {"wordss", "words"}, {"cmpare", "compare"}, {"chekc", "check"},
+                {"cpn", "cnp"},      {"xyz", ""},           {"", ""},
+                {"w", ""},           {"wodrsx", "words"},   {"coppy", "copy"},
+                {"wrosd", ""}};
   for (const auto& [given, meant] : kCases) {
     EXPECT_EQ(Nearest(given, kNames), meant) << given;
   }

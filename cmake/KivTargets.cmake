@@ -32,6 +32,8 @@ function(kiv_setup_target target)
     endif()
     # Programs and the library need nothing beside them but the system's own libraries.
     target_link_options(${target} PRIVATE -static -static-libgcc -static-libstdc++)
+    # The same sources give the same file.
+    target_link_options(${target} PRIVATE -Wl,--no-insert-timestamp)
   endif()
 endfunction()
 

@@ -4,13 +4,9 @@
 #include <cstring>
 #include <filesystem>
 #include <memory>
-#include <span>
-#include <vector>
 
-#include "bench/DatasetLines.h"
+#include "bench/DatasetPackets.h"
 #include "bench/Values.h"
-#include "kivtools/dataset/Loader.h"
-#include "kivtools/dataset/Packet.h"
 
 // A million rows written to a sink and read from memory, beside a database in memory that is serialized and
 // deserialized, and a copy of as many bytes. Whoever reads then adds up the amounts of all rows. Then the file of a
@@ -18,61 +14,13 @@
 
 namespace {
 
-using bench::Line;
-using Bytes = std::vector<std::uint8_t>;
+using namespace bench;
 
 constexpr std::size_t kDay = 40'000;
 constexpr std::size_t kEdits = 300;
 
-kiv::Dataset MakeDataset(std::size_t count, kiv::FieldFlags idFlags) {
-  kiv::Dataset dataset("linii", {{"id", kiv::FieldType::Int32, idFlags},
-                                 {"zi", kiv::FieldType::Date},
-                                 {"suma", kiv::FieldType::Currency},
-                                 {"pret", kiv::FieldType::Double},
-                                 {"oras", kiv::FieldType::Text, 40},
-                                 {"nume", kiv::FieldType::Text, 40}});
-  kiv::Loader loader(dataset);
-  for (const Line& line : std::span(bench::Lines()).first(count)) {
-    loader.Add({line.id, kiv::DateTime(line.day), kiv::Currency::FromRaw(line.sum), line.price, line.town, line.name});
-  }
-  loader.Finish();
-  return dataset;
-}
-
-std::int64_t SumOf(const kiv::Dataset& dataset) {
-  const kiv::FieldRef field = dataset.Field("suma");
-  std::int64_t sum = 0;
-  for (const kiv::RowId row : dataset.Rows()) {
-    sum += dataset.GetCurrency(row, field).Raw();
-  }
-  return sum;
-}
-
-std::int64_t SumOfLines() {
-  std::int64_t sum = 0;
-  for (const Line& line : bench::Lines()) {
-    sum += line.sum;
-  }
-  return sum;
-}
-
-Bytes Written(const kiv::Dataset& dataset) {
-  Bytes packet;
-  kiv::WriteBinary(dataset, [&](auto bytes) { packet.insert(packet.end(), bytes.begin(), bytes.end()); });
-  return packet;
-}
-
-kiv::Dataset Read(std::span<const std::uint8_t> packet) {
-  return kiv::ReadBinary([&](std::span<std::uint8_t> into) {
-    const std::size_t count = std::min(into.size(), packet.size());
-    std::memcpy(into.data(), packet.data(), count);
-    packet = packet.subspan(count);
-    return count;
-  });
-}
-
 void SaveKiv(benchmark::State& state) {
-  const kiv::Dataset dataset = MakeDataset(bench::kMostLines, kiv::kKey);
+  const kiv::Dataset dataset = MakeDataset(kMostLines, kiv::kKey);
   std::size_t size = 0;
   for (auto _ : state) {
     size = 0;
@@ -81,12 +29,12 @@ void SaveKiv(benchmark::State& state) {
       size += bytes.size();
     });
   }
-  bench::Require(size == Written(dataset).size(), "size of a packet");
+  Require(size == Written(dataset).size(), "size of a packet");
   state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(size));
 }
 
 void SaveFloor(benchmark::State& state) {
-  const Bytes packet = Written(MakeDataset(bench::kMostLines, kiv::kKey));
+  const Bytes packet = Written(MakeDataset(kMostLines, kiv::kKey));
   Bytes copy(packet.size());
   for (auto _ : state) {
     std::memcpy(copy.data(), packet.data(), packet.size());
@@ -96,11 +44,11 @@ void SaveFloor(benchmark::State& state) {
 }
 
 void LoadKiv(benchmark::State& state, kiv::FieldFlags idFlags) {
-  const Bytes packet = Written(MakeDataset(bench::kMostLines, idFlags));
+  const Bytes packet = Written(MakeDataset(kMostLines, idFlags));
   const std::int64_t sum = SumOfLines();
   for (auto _ : state) {
     const kiv::Dataset dataset = Read(packet);
-    bench::Require(SumOf(dataset) == sum, "sum of a dataset that was read");
+    Require(SumOf(dataset) == sum, "sum of a dataset that was read");
   }
   state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(packet.size()));
 }
@@ -109,12 +57,12 @@ using Database = std::unique_ptr<sqlite3, decltype(&sqlite3_close)>;
 
 Database OpenDatabase() {
   sqlite3* database = nullptr;
-  bench::Require(sqlite3_open(":memory:", &database) == SQLITE_OK, "sqlite3_open");
+  Require(sqlite3_open(":memory:", &database) == SQLITE_OK, "sqlite3_open");
   return {database, &sqlite3_close};
 }
 
 void Execute(const Database& database, const char* sql) {
-  bench::Require(sqlite3_exec(database.get(), sql, nullptr, nullptr, nullptr) == SQLITE_OK, sql);
+  Require(sqlite3_exec(database.get(), sql, nullptr, nullptr, nullptr) == SQLITE_OK, sql);
 }
 
 Database MakeDatabase() {
@@ -124,7 +72,7 @@ Database MakeDatabase() {
   Execute(database, "begin");
   sqlite3_stmt* insert = nullptr;
   sqlite3_prepare_v2(database.get(), "insert into linii values(?,?,?,?,?,?)", -1, &insert, nullptr);
-  for (const Line& line : bench::Lines()) {
+  for (const Line& line : Lines()) {
     sqlite3_bind_int(insert, 1, line.id);
     sqlite3_bind_int(insert, 2, line.day);
     sqlite3_bind_int64(insert, 3, line.sum);
@@ -139,7 +87,7 @@ Database MakeDatabase() {
   return database;
 }
 
-std::int64_t SumOf(const Database& database) {
+std::int64_t SumOfDatabase(const Database& database) {
   sqlite3_stmt* ask = nullptr;
   sqlite3_prepare_v2(database.get(), "select sum(suma) from linii", -1, &ask, nullptr);
   sqlite3_step(ask);
@@ -168,7 +116,7 @@ void LoadSqlite(benchmark::State& state) {
     auto* const own = static_cast<unsigned char*>(sqlite3_malloc64(static_cast<sqlite3_uint64>(size)));
     std::memcpy(own, packet.get(), static_cast<std::size_t>(size));
     sqlite3_deserialize(database.get(), "main", own, size, size, SQLITE_DESERIALIZE_FREEONCLOSE);
-    bench::Require(SumOf(database) == sum, "sum of a database that was read");
+    Require(SumOfDatabase(database) == sum, "sum of a database that was read");
   }
   state.SetBytesProcessed(state.iterations() * size);
 }
@@ -195,7 +143,7 @@ void SaveDay(benchmark::State& state) {
   for (auto _ : state) {
     kiv::SaveBinary(day, DayFile(), QuickSave());
   }
-  bench::Require(SumOf(kiv::LoadBinary(DayFile())) == SumOf(day), "file of a day");
+  Require(SumOf(kiv::LoadBinary(DayFile())) == SumOf(day), "file of a day");
   std::filesystem::remove(DayFile());
 }
 

@@ -24,7 +24,8 @@ inline std::vector<std::int64_t> MixedNumbers(std::int64_t limit, std::uint32_t 
   ceilings.push_back(limit);
   std::vector<std::int64_t> numbers(kValues);
   for (std::int64_t& number : numbers) {
-    number = static_cast<std::int64_t>(random() % static_cast<std::uint64_t>(ceilings[random() % ceilings.size()]));
+    number = static_cast<std::int64_t>(
+        random() % static_cast<std::uint64_t>(ceilings[static_cast<std::size_t>(random() % ceilings.size())]));
   }
   return numbers;
 }

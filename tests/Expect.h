@@ -14,7 +14,7 @@ void ExpectError(Call&& call, TextView message) {
     ADD_FAILURE() << "nothing was thrown; expected: " << message;
   } catch (const Error& error) {
     EXPECT_EQ(typeid(error), typeid(Kind)) << error.what();
-    EXPECT_EQ(error.what(), message);
+    EXPECT_EQ(TextView(error.what()), message);
   }
 }
 

@@ -264,6 +264,12 @@ TEST_F(FloppyFormat, IsTakenThroughItsMessageBoxes) {
     ExpectText("Cancel", "Renunt");
     windows_.Destroy(erase);
 
+    const Handle other = MakeDialog("Formatting 3\xBD Floppy (A:)", {"Format Interrupted.", "OK"}, main_);
+    windows_.BringToFront(other);
+    ServeForAWhile();
+    EXPECT_THAT(clicks_, IsEmpty()) << "it is not complete";
+    windows_.Destroy(other);
+
     const Handle done = MakeDialog("Formatting 3\xBD Floppy (A:)", {"Format Complete.", "OK"}, main_);
     windows_.BringToFront(done);
     ExpectClicks({controls_["OK"], controls_["&Close"]});

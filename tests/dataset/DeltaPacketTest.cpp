@@ -101,7 +101,8 @@ TEST(DeltaPacket, IsNoDatasetAndADatasetIsNoDelta) {
   ExpectError<PacketError>([&] { static_cast<void>(ReadDelta(SourceOf(Written(dataset)))); },
                            "ReadDelta: antetul, octetul 32: pachetul este de alt fel: nu tine o diferenta");
   const PacketBytes delta = Written(dataset.Changes().MakeDelta());
-  EXPECT_THROW(static_cast<void>(ReadBack(delta)), PacketError);
+  ExpectError<PacketError>([&] { static_cast<void>(ReadBack(delta)); },
+                           "ReadBinary: antetul, octetul 32: pachetul este de alt fel: nu tine un set de date intreg");
 }
 
 TEST(DeltaPacket, WhateverASealedOneSaysIsReadAsADeltaOrRefused) {
@@ -154,10 +155,20 @@ TEST(DeltaPacket, TicketsThatChangeNothingAreRefused) {
   EXPECT_NO_THROW(load(false, 2, {Update, Update}));
   EXPECT_NO_THROW(load(true, 3, {Delete, Delete}));
   EXPECT_NO_THROW(load(false, 1, {Insert, Insert}));
-  EXPECT_THROW(load(true, 2, {Update, Update}), Error);  // the new value is missing
-  EXPECT_THROW(load(true, 1, {Insert, Insert}), Error);
-  EXPECT_THROW(load(false, 3, {Delete}), Error);
-  EXPECT_THROW(load(false, 0, {}), Error);
+  ExpectError<Error>(
+      [&] {
+        load(true, 2, {Update, Update});
+      },
+      "Dataset \"tichete\": campul \"v\", randul 0: trebuie completat");  // the new value is missing
+  ExpectError<Error>(
+      [&] {
+        load(true, 1, {Insert, Insert});
+      },
+      "Dataset \"tichete\": campul \"v\", randul 0: trebuie completat");
+  ExpectError<Error>([&] { load(false, 3, {Delete}); },
+                     "Dataset \"tichete\": campul \"id\", randul 1: starea nu se potriveste cu jurnalul");
+  ExpectError<Error>([&] { load(false, 0, {}); },
+                     "Dataset \"tichete\": diferenta nu are cate o inregistrare pentru fiecare tichet");
 }
 
 }  // namespace

@@ -156,7 +156,7 @@ TEST(Journal, NobodyElseSavesTheFileMeanwhile) {
   {
     Journal journal(lines, path, kQuick);
     EXPECT_THROW(Journal(others, path, kQuick), Error);
-    EXPECT_THROW(Journal(lines, folder / "alta.kdp", kQuick), Error);
+    ExpectError<Error>([&] { Journal(lines, folder / "alta.kdp", kQuick); }, "Dataset \"linii\": are deja un jurnal");
     try {
       SaveBinary(others, path);
       FAIL();
@@ -164,7 +164,7 @@ TEST(Journal, NobodyElseSavesTheFileMeanwhile) {
       EXPECT_TRUE(std::string_view(error.what()).ends_with("linii.kdp.log: alt program tine jurnalul fisierului"))
           << error.what();
     }
-    EXPECT_THROW(Loader{lines}, Error);
+    ExpectError<Error>([&] { Loader{lines}; }, "Dataset \"linii\": nu se incarca randuri cat timp are un jurnal");
     EXPECT_EQ(LoadBinary(path).RowCount(), 2U);
     lines.Set(RowId{0}, "suma", 3_lei);
     journal.Save();

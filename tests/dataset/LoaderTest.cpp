@@ -23,8 +23,9 @@ TEST(Loader, AddsUnmodifiedRowsAllAtOnce) {
     }
     EXPECT_EQ(lines.RowCount(), 1U);
     ExpectError<Error>([&] { lines.Delete(RowId{0}); }, "Dataset \"linii\": nu se modifica in timpul incarcarii");
-    EXPECT_THROW(Loader second(lines), Error);
+    ExpectError<Error>([&] { Loader second(lines); }, "Dataset \"linii\": nu se modifica in timpul incarcarii");
     loader.Finish();
+    ExpectError<Error>([&] { loader.Add({1}); }, "Dataset \"linii\": incarcarea s-a incheiat");
   }
   EXPECT_EQ(lines.RowCount(), 20'001U);
   EXPECT_EQ(lines.Changes().Count(), 1U);

@@ -229,7 +229,8 @@ TEST(Packet, MayHoldChunksThatOnlyOthersKnow) {
   EXPECT_EQ(ReadBack(packet).RowCount(), 2U);
   packet[second] = 'Z';
   Seal(packet);
-  EXPECT_THROW(static_cast<void>(ReadBack(packet)), PacketError);
+  ExpectError<PacketError>([&] { static_cast<void>(ReadBack(packet)); },
+                           "ReadBinary: bucata 1 (Ziar), octetul 105: felul bucatii nu este cunoscut");
 }
 
 TEST(Packet, NotesTravelWithIt) {
@@ -242,7 +243,9 @@ TEST(Packet, NotesTravelWithIt) {
     EXPECT_EQ(read[i].name, notes[i].name);
     EXPECT_EQ(read[i].value, notes[i].value);
   }
-  EXPECT_THROW(static_cast<void>(ReadBack(packet, {.maxBytes = 90'000})), PacketError);
+  ExpectError<PacketError>(
+      [&] { static_cast<void>(ReadBack(packet, {.maxBytes = 90'000})); },
+      "ReadBinary: bucata 1 (meta), octetul 100146: pachetul ar ocupa mai multa memorie decat este permis");
 }
 
 TEST(Packet, TemporaryNumbersAreNotGivenAgain) {
@@ -263,7 +266,9 @@ TEST(Packet, LimitsHold) {
   EXPECT_EQ(ReadBack(packet, {.maxRows = 100, .maxFields = 16}).RowCount(), 100U);
   EXPECT_THROW(static_cast<void>(ReadBack(packet, {.maxRows = 99})), PacketError);
   EXPECT_THROW(static_cast<void>(ReadBack(packet, {.maxFields = 15})), PacketError);
-  EXPECT_THROW(static_cast<void>(ReadBack(packet, {.maxBytes = 9000})), PacketError);
+  ExpectError<PacketError>(
+      [&] { static_cast<void>(ReadBack(packet, {.maxBytes = 9000})); },
+      "ReadBinary: bucata 2 (TEXT), octetul 4363: pachetul ar ocupa mai multa memorie decat este permis");
   EXPECT_NO_THROW(static_cast<void>(ReadBack(packet, {.maxBytes = 40'000})));
 }
 

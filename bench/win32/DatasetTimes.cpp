@@ -1,0 +1,117 @@
+// The table of datasets as the Windows build does it, beside its peers: for a build that has no benchmark library.
+//   cmake --build --preset win32 --target kiv_dataset_times && scripts/wine32 build/win32/bin/kiv_dataset_times.exe
+// prints nanoseconds a row (the shortest of some rounds, ours and the peer in turn) and how many times the peer takes
+// that is.
+#include <chrono>
+#include <cstdio>
+#include <cstring>
+#include <limits>
+#include <memory>
+
+#include "bench/DatasetContainers.h"
+#include "bench/DatasetPackets.h"
+
+namespace {
+
+using namespace bench;
+
+constexpr int kRounds = 5;
+
+template <class Work>
+double SecondsOf(Work work) {
+  const auto start = std::chrono::steady_clock::now();
+  work();
+  return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+template <class Container>
+double Load() {
+  const auto container = std::make_unique<Container>();
+  return SecondsOf([&] { Fill(*container, kRows); });
+}
+
+/// Asks for every row in an order that no predictor learns.
+template <class Ask>
+double AskAll(Ask ask) {
+  std::uint64_t sum = 0;
+  const double seconds = SecondsOf([&] {
+    for (const std::uint32_t place : RandomOrder()) {
+      sum += static_cast<std::uint64_t>(ask(place));
+    }
+  });
+  Require(sum != 0, "sum of all rows");
+  return seconds;
+}
+
+template <class Container>
+double Find(const Container& container) {
+  return AskAll([&](std::uint32_t place) { return container.Find(static_cast<std::int32_t>(place * 3)); });
+}
+
+template <class Container>
+double Row(const Container& container) {
+  return AskAll([&](std::uint32_t place) { return container.RowAt(place); });
+}
+
+template <class Ours, class Theirs>
+void Compare(const char* what, Ours ours, Theirs theirs) {
+  double least = std::numeric_limits<double>::max();
+  double leastOfPeer = least;
+  for (int round = 0; round < kRounds; ++round) {
+    least = std::min(least, ours());
+    leastOfPeer = std::min(leastOfPeer, theirs());
+  }
+  std::printf("%-52s %6.0f ns a row  peer %6.0f ns  %.2fx\n", what, least * 1e9 / kRows, leastOfPeer * 1e9 / kRows,
+              least / leastOfPeer);
+  std::fflush(stdout);
+}
+
+template <class Container>
+std::unique_ptr<Container> Filled() {
+  auto container = std::make_unique<Container>();
+  Fill(*container, kRows);
+  return container;
+}
+
+void CompareContainers() {
+  Compare("load with key, MultiIndex", Load<Kiv>, Load<MultiIndex>);
+  Compare("insert one by one, logged, MultiIndex without log", Load<KivLogged>, Load<MultiIndex>);
+  const auto kiv = Filled<Kiv>();
+  CheckFinds(*kiv, kSome);
+  CheckRows(*kiv, kSome);
+  {
+    const auto index = Filled<MultiIndex>();
+    CheckFinds(*index, kSome);
+    Compare(
+        "look-up by key, MultiIndex", [&] { return Find(*kiv); }, [&] { return Find(*index); });
+  }
+  const auto array = Filled<ArrayOfStructs>();
+  CheckRows(*array, kSome);
+  Compare(
+      "six fields of a random row, array of structs", [&] { return Row(*kiv); }, [&] { return Row(*array); });
+}
+
+void ComparePackets(const char* save, const char* load, kiv::FieldFlags idFlags) {
+  const kiv::Dataset dataset = MakeDataset(kRows, idFlags);
+  const Bytes packet = Written(dataset);
+  Bytes copy(packet.size());
+  const auto copyAll = [&] { return SecondsOf([&] { std::memcpy(copy.data(), packet.data(), packet.size()); }); };
+  std::size_t size = 0;
+  Compare(
+      save, [&] { return SecondsOf([&] { kiv::WriteBinary(dataset, [&](auto bytes) { size += bytes.size(); }); }); },
+      copyAll);
+  Require(size == packet.size() * kRounds, "size of a packet");
+  const std::int64_t sum = SumOfLines();
+  Compare(
+      load, [&] { return SecondsOf([&] { Require(SumOf(Read(packet)) == sum, "sum of a dataset that was read"); }); },
+      copyAll);
+}
+
+}  // namespace
+
+int main() {
+  CompareContainers();
+  ComparePackets("save, memcpy of the packet", "load without key, memcpy of the packet", kiv::FieldFlags::None);
+  ComparePackets("save with key, memcpy of the packet", "load with key, memcpy of the packet", kiv::kKey);
+  return 0;
+}

@@ -109,6 +109,9 @@ Column FindColumn(BlockReader& reader, const std::string& column, const std::opt
   if (added && std::ranges::find(fields, *added) != fields.end()) {
     throw InputError("--add " + Shown(*added) + ": the file has such a column");
   }
+  if (fields.size() == 1 && !added) {
+    found.separator = '\n';  // none has been seen: a comma is a part of the value
+  }
   found.place = static_cast<std::size_t>(at - fields.begin());
   found.heading = first;
   reader.DropFirst();

@@ -182,6 +182,8 @@ TEST(History, DeltaIsTheNetOfChanges) {
   EXPECT_FALSE(delta.HasOriginal(1, 3)) << "neither checked nor changed";
   ExpectError<Error>([&] { static_cast<void>(delta.Original(1, 3)); },
                      "Dataset \"linii\": campul \"nota\" nu are valoare initiala in diferenta");
+  ExpectError<Error>([&] { static_cast<void>(delta.Current(1, 2)); },
+                     "Dataset \"linii\": un rand sters nu are valori noi");
   EXPECT_EQ(delta.Kind(2), ChangeKind::Insert);
   EXPECT_EQ(delta.Current(2, 1), Value(Text("Nou de tot")));
   EXPECT_FALSE(delta.HasOriginal(2, 1));

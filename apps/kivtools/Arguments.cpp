@@ -23,10 +23,10 @@ Arguments::Arguments(const Command& command, std::span<const std::string> given)
     }
   }
   if (values_.size() < command.fewestValues) {
-    throw InputError(std::string(command.arguments) + " is missing");
+    throw InputError(IsMissing(command.arguments));
   }
   if (values_.size() > command.mostValues) {
-    throw InputError(Shown(values_[command.mostValues]) + " is one argument too many");
+    throw InputError(OneTooMany(values_[command.mostValues]));
   }
 }
 
@@ -38,15 +38,17 @@ void Arguments::TakeOption(const Command& command, std::string_view argument, st
   if (known == command.options.end()) {
     std::vector<std::string_view> names(command.options.size());
     std::ranges::transform(command.options, names.begin(), &Option::name);
-    throw InputError(Shown(argument) + " is not an option of this command" + DidYouMean(name, names, "--"));
+    throw InputError(Say({"{0} is not an option of this command{1}", "{0} nu este o opțiune a acestei comenzi{1}"},
+                         Shown(argument), DidYouMean(name, names, "--")));
   }
   if (Has(name)) {
-    throw InputError(Shown(argument) + " is given a second time");
+    throw InputError(IsSecond(argument));
   }
   GivenOption option{known->name, {}};
   if (known->value.empty()) {
     if (equals != std::string_view::npos) {
-      throw InputError(Shown(argument) + ": this option takes no value");
+      throw InputError(
+          Say({"{0}: this option takes no value", "{0}: această opțiune nu primește valoare"}, Shown(argument)));
     }
   } else if (equals != std::string_view::npos) {
     option.value = argument.substr(equals + 1);
@@ -54,7 +56,7 @@ void Arguments::TakeOption(const Command& command, std::string_view argument, st
     option.value = rest.front();
     rest = rest.subspan(1);
   } else {
-    throw InputError(Shown(argument) + " needs " + std::string(known->value) + " behind it");
+    throw InputError(NeedsBehind(argument, known->value));
   }
   options_.push_back(std::move(option));
 }
@@ -68,6 +70,18 @@ const Arguments::GivenOption* Arguments::Find(std::string_view option) const noe
 std::optional<std::string> Arguments::ValueOf(std::string_view option) const {
   const GivenOption* const found = Find(option);
   return found == nullptr ? std::nullopt : std::optional<std::string>(found->value);
+}
+
+Said OneTooMany(std::string_view argument) {
+  return Say({"{0} is one argument too many", "{0} este un argument în plus"}, Shown(argument));
+}
+
+Said IsSecond(std::string_view option) {
+  return Say({"{0} is given a second time", "{0} este dată a doua oară"}, Shown(option));
+}
+
+Said NeedsBehind(std::string_view option, std::string_view value) {
+  return Say({"{0} needs {1} behind it", "{0} cere {1} după ea"}, Shown(option), value);
 }
 
 }  // namespace kivtools

@@ -6,6 +6,8 @@
 #include <string_view>
 #include <vector>
 
+#include "apps/kivtools/Language.h"
+
 namespace kivtools {
 
 struct Command;
@@ -35,5 +37,10 @@ class Arguments {
   std::vector<std::string> values_;
   std::vector<GivenOption> options_;
 };
+
+/// What is wrong with an argument.
+Said OneTooMany(std::string_view argument);
+Said IsSecond(std::string_view option);
+Said NeedsBehind(std::string_view option, std::string_view value);
 
 }  // namespace kivtools

@@ -48,7 +48,7 @@ std::string Plain(std::string_view text) {
 
 std::int32_t ReadCodePage(std::string_view text) {
   if (!text.empty() && (kiv::ascii::IsDigit(text.front()) || text.front() == '-')) {
-    return ReadWholeNumber(text, 0, 65535, "the number of a code page");
+    return ReadWholeNumber(text, 0, 65535, {"the number of a code page", "numărul unei pagini de coduri"});
   }
   const std::string plain = Plain(text);
   if (const auto* const named = std::ranges::find(kNames, plain, &Name::name); named != kNames.end()) {
@@ -64,7 +64,9 @@ std::int32_t ReadCodePage(std::string_view text) {
       }
     }
   }
-  throw InputError(Shown(text) + " is not a code page: utf-8, windows-1250 or another name, or a number");
+  throw InputError(Say({"{0} is not a code page: utf-8, windows-1250 or another name, or a number",
+                        "{0} nu este o pagină de coduri: utf-8, windows-1250 sau alt nume, ori un număr"},
+                       Shown(text)));
 }
 
 }  // namespace kivtools

@@ -10,6 +10,7 @@
 
 #include "apps/kivtools/Arguments.h"
 #include "apps/kivtools/InputError.h"
+#include "apps/kivtools/Language.h"
 #include "apps/kivtools/Library.h"
 #include "apps/kivtools/Output.h"
 
@@ -27,9 +28,7 @@ class Session {
   /// The library, loaded with the first call.
   const Library& Lib() { return library_ ? *library_ : library_.emplace(); }
   /// Prints a message on standard error as this command's.
-  void Report(std::string_view message) const {
-    WriteError("kivtools " + std::string(command_) + ": " + std::string(message));
-  }
+  void Report(const Said& message) const { WriteError("kivtools " + std::string(command_) + ": " + message.Text()); }
 
  private:
   std::string_view command_;
@@ -40,7 +39,7 @@ class Session {
 struct Option {
   std::string_view name;
   std::string_view value;
-  std::string_view help;
+  Phrase help;
   std::span<const std::string_view> choices{};  ///< what `value` may be, or examples of it, for completion
 };
 
@@ -50,12 +49,12 @@ inline constexpr std::size_t kAnyNumber = std::numeric_limits<std::size_t>::max(
 /// A command: what its usage is made from, and what it does. The program's help and dispatch come from these.
 struct Command {
   std::string_view name;
-  std::string_view summary;    ///< one line without a full stop
+  Phrase summary;              ///< one line without a full stop
   std::string_view arguments;  ///< as the usage line shows them
   std::size_t fewestValues;
   std::size_t mostValues;
   std::span<const Option> options;
-  std::string_view details;  ///< what --help says below the options, examples included
+  Phrase details;  ///< what --help says below the options, examples included
   /// Returns an ExitCode; throws InputError, or kiv::Error of the library, for what ends the program with kBadInput.
   int (*run)(Session&, const Arguments&);
   bool takesValues = false;                          ///< typed, of files or of a column of them; --help then says how
@@ -64,7 +63,7 @@ struct Command {
 
 /// Makes a command known to the program. One of these in a file of the folder commands/ is all that a command needs:
 ///
-///     constexpr Command kCommand = {"strip", "Take the Romanian diacritics off a text", ...};
+///     constexpr Command kCommand = {"strip", {"Take the Romanian diacritics off a text", "Scoate diacriticele"}, ...};
 ///     const Registration kRegistered(kCommand);
 class Registration {
  public:
@@ -81,6 +80,6 @@ class Registration {
 std::vector<const Command*> Commands();
 
 /// Runs what the arguments of the program say; returns its exit code. Failures are told on standard error.
-int RunProgram(std::span<const std::string> arguments);
+int RunProgram(std::span<const std::string> given);
 
 }  // namespace kivtools

@@ -16,7 +16,7 @@ namespace kivtools {
 class DamagedFile : public LibraryError {
  public:
   DamagedFile(const std::string& message, std::int32_t damagedChunk, std::uint64_t damagedOffset)
-      : LibraryError(message), chunk(damagedChunk), offset(damagedOffset) {}
+      : LibraryError(AsItIs(message)), chunk(damagedChunk), offset(damagedOffset) {}
 
   std::int32_t chunk;  ///< -1 outside of them all
   std::uint64_t offset;

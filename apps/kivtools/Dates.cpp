@@ -125,7 +125,7 @@ bool TakeDate(std::string_view text, Moment& moment) {
                                          std::chrono::month(static_cast<unsigned>(moment.month)),
                                          std::chrono::day(static_cast<unsigned>(moment.day))};
   if (moment.year < 1 || !date.ok()) {
-    throw InputError("is not a date that the calendar has");
+    throw InputError(Say({"is not a date that the calendar has", "nu este o dată din calendar"}));
   }
   return true;
 }
@@ -146,7 +146,7 @@ bool TakeTime(std::string_view& text, Moment& moment) {
     return false;
   }
   if (*hour > 23 || *minute > 59 || *second > 59) {
-    throw InputError("has a time that no day has");
+    throw InputError(Say({"has a time that no day has", "are o oră care nu există"}));
   }
   moment.hour = *hour;
   moment.minute = *minute;
@@ -160,7 +160,8 @@ bool TakeTime(std::string_view& text, Moment& moment) {
 Moment ReadDate(std::string_view text) {
   Moment moment;
   if (!TakeDate(Trimmed(text), moment)) {
-    throw InputError("is not a date such as 2026-03-05, 05.03.2026 or 5 martie 2026");
+    throw InputError(Say({"is not a date such as 2026-03-05, 05.03.2026 or 5 martie 2026",
+                          "nu este o dată ca 2026-03-05, 05.03.2026 sau 5 martie 2026"}));
   }
   return moment;
 }
@@ -172,7 +173,8 @@ Moment ReadMoment(std::string_view text) {
   Moment moment;
   if (!TakeDate(text, moment)) {
     throw InputError(
-        "is not a date such as 2026-03-05, 05.03.2026 or 5 martie 2026, with or without a time such as T14:07:09");
+        Say({"is not a date such as 2026-03-05, 05.03.2026 or 5 martie 2026, with or without a time such as T14:07:09",
+             "nu este o dată ca 2026-03-05, 05.03.2026 sau 5 martie 2026, cu sau fără o oră ca T14:07:09"}));
   }
   moment.hour = time.hour;
   moment.minute = time.minute;

@@ -24,7 +24,10 @@ kiv::LoadedPackage Load() {
   try {
     return kiv::LoadedPackage::FromNativePath(named ? std::filesystem::absolute(*named) : KIVTOOLS_LIBRARY_FILE);
   } catch (const kiv::Error& error) {
-    throw InputError(kiv::ToUtf8(error.what()) + (named ? "" : "; KIVTOOLS_LIBRARY can name the library"));
+    throw InputError(
+        named ? AsItIs(kiv::ToUtf8(error.what()))
+              : Say({"{0}; KIVTOOLS_LIBRARY can name the library", "{0}; KIVTOOLS_LIBRARY poate numi biblioteca"},
+                    kiv::ToUtf8(error.what())));
   }
 }
 
@@ -176,8 +179,10 @@ std::string Library::Explain(Explanation* explanation, std::string_view code) co
   if (explanation(code.data(), code.size(), &fault) < 0) {
     ThrowLastError();
   }
+  const std::int32_t language =
+      CurrentSpeech().language == Language::Romanian ? KIV_LANGUAGE_ROMANIAN : KIV_LANGUAGE_ENGLISH;
   std::array<char, 256> text;  // filled by the library
-  const KivLength length = codeFaultText_(&fault, KIV_LANGUAGE_ENGLISH, text.data(), text.size());
+  const KivLength length = codeFaultText_(&fault, language, text.data(), text.size());
   if (length < 0 || static_cast<std::size_t>(length) >= text.size()) {
     ThrowLastError();
   }
@@ -383,8 +388,8 @@ std::string Library::PathToUtf8(std::string_view path) const {
   return LibraryPathsAreUtf8() ? std::string(path) : ToUtf8(path);
 }
 
-std::string Library::SystemMessage(std::string_view message, std::int32_t code) const {
-  return ToUtf8(message) + (code == 0 ? "" : " (error " + std::to_string(code) + ")");
+Said Library::SystemMessage(std::string_view message, std::int32_t code) const {
+  return code == 0 ? AsItIs(ToUtf8(message)) : Say({"{0} (error {1})", "{0} (eroarea {1})"}, ToUtf8(message), code);
 }
 
 std::uint32_t Library::Tint(const std::string& operation, std::uint32_t colour) const {

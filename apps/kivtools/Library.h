@@ -99,7 +99,7 @@ class Library {
   [[nodiscard]] Explanation* FindExplanation(const std::string& operation) const {
     return package_.Function<Explanation>(("KivExplain" + operation).c_str());
   }
-  /// What it finds, as a part of a sentence in ASCII. Example: "character 3 is not a digit".
+  /// What it finds, as a part of a sentence in ASCII and in the user's language. Example: "character 3 is not a digit".
   [[nodiscard]] std::string Explain(Explanation* explanation, std::string_view code) const;
 
   /// The birth date that a personal numeric code says, "CNP incorect" for one that is not valid.
@@ -146,7 +146,7 @@ class Library {
   /// A path as the library writes it.
   [[nodiscard]] std::string PathToUtf8(std::string_view path) const;
   /// A message of the library's about a failure of the system's, with its code.
-  [[nodiscard]] std::string SystemMessage(std::string_view message, std::int32_t code) const;
+  [[nodiscard]] Said SystemMessage(std::string_view message, std::int32_t code) const;
 
   /// What the operation of that name makes of a colour. Example: "Lite".
   [[nodiscard]] std::uint32_t Tint(const std::string& operation, std::uint32_t colour) const;

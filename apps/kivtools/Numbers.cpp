@@ -84,16 +84,17 @@ SplitNumber Split(std::string_view text) {
   } else if (dot != std::string_view::npos && !manyDots) {
     split = {text.substr(0, dot), text.substr(dot + 1)};
     if (split.decimals.size() == 3 && IsGrouped(text)) {
-      throw InputError("can be read in two ways: write " + std::string(split.whole) + std::string(split.decimals) +
-                       " for the whole number or " + std::string(split.whole) + "," + std::string(split.decimals) +
-                       " for decimals");
+      throw InputError(
+          Say({"can be read in two ways: write {0}{1} for the whole number or {0},{1} for decimals",
+               "se poate citi în două feluri: scrieți {0}{1} pentru numărul întreg sau {0},{1} pentru zecimale"},
+              split.whole, split.decimals));
     }
   } else {
     hasDecimals = false;
   }
   const bool wholeRight = AllDigits(split.whole) || IsGrouped(split.whole);
   if (!wholeRight || (hasDecimals && !AllDigits(split.decimals))) {
-    throw InputError("is not an amount such as 1.234,56 or 1234.56");
+    throw InputError(Say({"is not an amount such as 1.234,56 or 1234.56", "nu este o sumă ca 1.234,56 sau 1234.56"}));
   }
   return split;
 }
@@ -118,13 +119,13 @@ std::string_view TakeCurrency(std::string_view& text) noexcept {
 
 }  // namespace
 
-std::int32_t ReadWholeNumber(std::string_view text, std::int32_t least, std::int32_t most, std::string_view what) {
+std::int32_t ReadWholeNumber(std::string_view text, std::int32_t least, std::int32_t most, const Phrase& what) {
   std::string_view rest = text;
   const bool negative = TakeMinus(rest);
   const auto number = AllDigits(rest) ? Assemble(negative, rest, {}, 0) : std::nullopt;
   if (!number || *number < least || *number > most) {
-    throw InputError(Shown(text) + " is not " + std::string(what) + " from " + std::to_string(least) + " to " +
-                     std::to_string(most));
+    throw InputError(
+        Say({"{0} is not {1} from {2} to {3}", "{0} nu este {1} de la {2} la {3}"}, Shown(text), what, least, most));
   }
   return static_cast<std::int32_t>(*number);
 }
@@ -134,12 +135,13 @@ std::int64_t ReadNumber(std::string_view text, int decimals) {
   const bool negative = TakeMinus(text);
   const SplitNumber split = Split(text);
   if (split.decimals.size() > static_cast<std::size_t>(decimals)) {
-    throw InputError(decimals == 0 ? "is not a whole number"
-                                   : "has more than " + std::to_string(decimals) + " decimals");
+    throw InputError(decimals == 0 ? Say({"is not a whole number", "nu este un număr întreg"})
+                                   : Say({"has more than {0} decimals", "are mai mult de {0} zecimale"}, decimals));
   }
   const auto number = Assemble(negative, split.whole, split.decimals, 4);
   if (!number) {
-    throw InputError("is outside -922337203685477.5808 to 922337203685477.5807");
+    throw InputError(Say({"is outside -922337203685477.5808 to 922337203685477.5807",
+                          "nu este între -922337203685477.5808 și 922337203685477.5807"}));
   }
   return *number;
 }
@@ -153,7 +155,7 @@ Amount ReadAmount(std::string_view text) {
 std::int64_t ReadLei(std::string_view text) {
   const Amount amount = ReadAmount(text);
   if (!amount.currency.empty() && amount.currency != "RON") {
-    throw InputError("is in " + std::string(amount.currency) + ", not in lei");
+    throw InputError(Say({"is in {0}, not in lei", "este în {0}, nu în lei"}, amount.currency));
   }
   return amount.value;
 }

@@ -4,6 +4,8 @@
 #include <string>
 #include <string_view>
 
+#include "apps/kivtools/Language.h"
+
 namespace kivtools {
 
 /// Numbers and amounts as people and files write them. Amounts are signed counts of ten-thousandths, as in
@@ -33,7 +35,7 @@ std::int64_t ReadLei(std::string_view text);
 
 /// A whole number from `least` to `most`, with an optional "-". Throws InputError that names the text, `what` it is to
 /// be and the range. Example: `ReadWholeNumber("4", 1, 3, "a mode")` says "\"4\" is not a mode from 1 to 3".
-std::int32_t ReadWholeNumber(std::string_view text, std::int32_t least, std::int32_t most, std::string_view what);
+std::int32_t ReadWholeNumber(std::string_view text, std::int32_t least, std::int32_t most, const Phrase& what);
 
 /// The amount in plain notation, with as few decimals as are exact. Example: 12345000 gives "1234.5".
 std::string WritePlainAmount(std::int64_t amount);

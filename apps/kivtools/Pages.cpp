@@ -105,7 +105,7 @@ std::string CompletionOf(const Command& command) {
       values += "        " + name + ") takes=1 words='" + Joined(option.choices) + "' ;;\n";
     }
   }
-  std::string lines = "    " + std::string(command.name) + ")\n      options='" + options + "--help'\n";
+  std::string lines = "    " + std::string(command.name) + ")\n      options='" + options + "--help --lang'\n";
   if (!command.firstChoices.empty()) {
     lines += "      first='" + Joined(command.firstChoices) + "'\n";
   }
@@ -119,14 +119,15 @@ void WriteFile(const std::filesystem::path& file, const std::string& text) {
   std::error_code error;
   std::filesystem::create_directories(file.parent_path(), error);
   if (error) {
-    throw SystemError(ShownName(Utf8FromPath(file.parent_path())) + ": cannot be created", error);
+    throw SystemError(
+        Say({"{0}: cannot be created", "{0}: nu se poate crea"}, ShownName(Utf8FromPath(file.parent_path()))), error);
   }
   errno = 0;
   std::ofstream out(file, std::ios::binary);
   out << text;
   out.close();
   if (const int code = errno; !out) {
-    throw SystemError(ShownName(Utf8FromPath(file)) + ": cannot be written",
+    throw SystemError(Say({"{0}: cannot be written", "{0}: nu se poate scrie"}, ShownName(Utf8FromPath(file))),
                       std::error_code(code, std::generic_category()));
   }
 }
@@ -134,33 +135,34 @@ void WriteFile(const std::filesystem::path& file, const std::string& text) {
 }  // namespace
 
 std::string ManPageOf(const Command& command) {
-  std::string page = Heading("kivtools-" + std::string(command.name), command.summary) + ".B kivtools " +
+  std::string page = Heading("kivtools-" + std::string(command.name), Say(command.summary)) + ".B kivtools " +
                      Troff(command.name) + "\n" + (command.options.empty() ? "" : "[OPTIONS]\n") +
                      Troff(command.arguments) + "\n.SH DESCRIPTION\n";
-  const std::string_view details = command.details;
+  const Said said = Say(command.details);
+  const std::string_view details = said;
   const std::size_t examples = std::min(details.find("\nExample"), details.size());
   page += Paragraphs(HelpOfValues(command)) + (command.takesValues ? ".PP\n" : "") +
           Paragraphs(details.substr(0, examples)) + ".SH OPTIONS\n";
   for (const Option& option : command.options) {
-    page += Tagged(UsageOf(option), option.help);
+    page += Tagged(UsageOf(option), Say(option.help));
   }
   return page + Tagged("-h, --help", "show the same help on the terminal") + Paragraphs(details.substr(examples)) +
          SeeAlso("kivtools");
 }
 
 std::string ManPageOfProgram() {
-  std::string page = Heading("kivtools", kProgramSummary) +
+  std::string page = Heading("kivtools", Say(kProgramSummary)) +
                      ".B kivtools\nCOMMAND [OPTIONS] [ARGUMENTS]\n.SH DESCRIPTION\nEach command has a page of its own, "
                      "such as\n.BR kivtools\\-words (1).\n.SH COMMANDS\n";
   for (const Command* const command : Commands()) {
-    page += Tagged(command->name, WithSmallBegin(command->summary));
+    page += Tagged(command->name, WithSmallBegin(Say(command->summary)));
   }
   page += ".SH OPTIONS\n";
   for (const auto& [usage, help] : kProgramOptions) {
-    page += Tagged(usage, help);
+    page += Tagged(usage, Say(help));
   }
-  return page + ".SH EXIT STATUS\n" + Paragraphs(kExitCodes) + ".SH ENVIRONMENT\n" + Paragraphs(kEnvironment) +
-         Paragraphs(kProgramExample) + SeeAlso("kivtools-words");
+  return page + ".SH EXIT STATUS\n" + Paragraphs(Say(kExitCodes)) + ".SH ENVIRONMENT\n" +
+         Paragraphs(Say(kEnvironment)) + Paragraphs(Say(kProgramExample)) + SeeAlso("kivtools-words");
 }
 
 std::string BashCompletion() {
@@ -175,22 +177,34 @@ std::string BashCompletion() {
          "  local current=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD-1]}\n"
          "  local commands='" +
          commands +
-         "help' options='' first='' words='' takes=''\n"
+         "help' options='' first='' words='' takes='' command='' at\n"
          "  # bash takes the = of --form=NAME for a word\n"
          "  if [[ $current == = ]]; then\n"
          "    current=''\n"
          "  elif [[ $before == = ]]; then\n"
          "    before=${COMP_WORDS[COMP_CWORD-2]}\n"
          "  fi\n"
-         "  case ${COMP_WORDS[1]} in\n"
+         "  for ((at = 1; at < COMP_CWORD; ++at)); do\n"
+         "    if [[ ${COMP_WORDS[at]} != --lang ]]; then\n"
+         "      command=${COMP_WORDS[at]}\n"
+         "      break\n"
+         "    fi\n"
+         "    ((++at))\n"
+         "    [[ ${COMP_WORDS[at]-} != = ]] || ((++at))\n"
+         "  done\n"
+         "  case $command in\n"
          "    help) first=$commands ;;\n" +
          cases +
          "  esac\n"
-         "  if ((COMP_CWORD == 1)); then\n"
-         "    words=\"$commands --help --version\"\n"
+         "  if [[ $before == --lang ]]; then\n"
+         "    words='" +
+         Joined(kLanguages) +
+         "'\n"
+         "  elif [[ ! $command ]]; then\n"
+         "    words=\"$commands --help --version --lang\"\n"
          "  elif [[ ! $takes && $current == -* ]]; then\n"
          "    words=$options\n"
-         "  elif [[ ! $takes ]] && ((COMP_CWORD == 2)); then\n"
+         "  elif [[ ! $takes ]] && ((COMP_CWORD == at + 1)); then\n"
          "    words=$first\n"
          "  fi\n"
          "  mapfile -t COMPREPLY < <(compgen -W \"$words\" -- \"$current\")\n"

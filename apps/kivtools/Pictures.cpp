@@ -32,7 +32,7 @@ std::uint32_t ReadColour(std::string_view text) {
   const std::string_view digits = text.substr(text.starts_with('#') ? 1 : 0);
   std::uint32_t rgb = 0;
   if (digits.size() != 6 || !ReadNumber(digits, 16, rgb)) {
-    throw InputError(Shown(text) + " is not a colour such as #0080FF");
+    throw InputError(Say({"{0} is not a colour such as #0080FF", "{0} nu este o culoare ca #0080FF"}, Shown(text)));
   }
   return rgb >> 16U | (rgb & 0xFF00U) | (rgb & 0xFFU) << 16U;
 }
@@ -53,8 +53,8 @@ Picture BlackPicture(std::int32_t width, std::int32_t height) {
     }
     picture.pixels.resize(static_cast<std::size_t>(bytes));
   } catch (const std::bad_alloc&) {
-    throw InputError("a picture of " + std::to_string(width) + "x" + std::to_string(height) +
-                     " does not fit the memory");
+    throw InputError(Say({"a picture of {0}x{1} does not fit the memory", "o imagine de {0}x{1} nu încape în memorie"},
+                         width, height));
   }
   return picture;
 }
@@ -65,7 +65,9 @@ Picture ReadSize(std::string_view text) {
   const std::size_t cross = text.find('x');
   if (cross == std::string_view::npos || !ReadSide(text.substr(0, cross), width) ||
       !ReadSide(text.substr(cross + 1), height)) {
-    throw InputError(Shown(text) + " is not a size such as 640x480, each side 1 to 32767");
+    throw InputError(Say({"{0} is not a size such as 640x480, each side 1 to 32767",
+                          "{0} nu este o mărime ca 640x480, fiecare latură de la 1 la 32767"},
+                         Shown(text)));
   }
   return BlackPicture(width, height);
 }

@@ -41,21 +41,31 @@ std::string Shown(std::string_view value, std::size_t most) {
 }
 
 std::string ShownName(std::string_view name) {
-  return WhyNotPrintable(name).empty() ? std::string(name) : Shown(name);
+  return WhyNotPrintable(name) == nullptr ? std::string(name) : Shown(name);
 }
 
-std::string_view WhyNotPrintable(std::string_view text, bool lines) {
+const Phrase* WhyNotPrintable(std::string_view text, bool lines) {
+  static constexpr Phrase kNotUtf8 = {"is not UTF-8", "nu este UTF-8"};
+  static constexpr Phrase kControl = {"has a control character", "are un caracter de control"};
   for (std::size_t at = 0; at < text.size();) {
     const kiv::utf8::Decoded decoded = kiv::utf8::DecodeAt(text, at);
     if (decoded.length == 0) {
-      return "is not UTF-8";
+      return &kNotUtf8;
     }
     if (IsControl(decoded.character) && !(lines && decoded.character == U'\n')) {
-      return "has a control character";
+      return &kControl;
     }
     at += decoded.length;
   }
-  return {};
+  return nullptr;
+}
+
+Said AtLine(const std::string& shownName, std::uint64_t line, std::string_view fault) {
+  return AsItIs(shownName + ":" + std::to_string(line) + ": " + std::string(fault));
+}
+
+Said IsMissing(std::string_view what) {
+  return Say({"{0} is missing", "lipsește {0}"}, what);
 }
 
 }  // namespace kivtools

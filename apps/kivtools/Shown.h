@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -22,12 +23,17 @@ auto ReadValue(std::string_view value, const Read& read) {
   try {
     return read(value);
   } catch (const InputError& error) {
-    throw InputError(Shown(value) + " " + error.what());
+    throw InputError(AsItIs(Shown(value) + " " + error.what()));
   }
 }
 
-/// Why a text cannot be printed as it is: nothing if it can, else "is not UTF-8" or "has a control character". Line
-/// feeds pass where `lines` is true.
-std::string_view WhyNotPrintable(std::string_view text, bool lines = false);
+/// Why a text cannot be printed as it is: null if it can, else "is not UTF-8" or "has a control character". Line feeds
+/// pass where `lines` is true.
+const Phrase* WhyNotPrintable(std::string_view text, bool lines = false);
+
+/// A fault on a line of a file. Example: "a.csv:9: field 1: ...".
+Said AtLine(const std::string& shownName, std::uint64_t line, std::string_view fault);
+/// What has to be given and is not.
+Said IsMissing(std::string_view what);
 
 }  // namespace kivtools

@@ -6,6 +6,8 @@
 #include <utility>
 #include <vector>
 
+#include "apps/kivtools/Language.h"
+
 namespace kivtools {
 namespace {
 
@@ -49,7 +51,8 @@ std::string_view Nearest(std::string_view given, std::span<const std::string_vie
 
 std::string DidYouMean(std::string_view given, std::span<const std::string_view> names, std::string_view prefix) {
   const std::string_view nearest = Nearest(given, names);
-  return nearest.empty() ? std::string() : "; did you mean " + std::string(prefix) + std::string(nearest) + "?";
+  return nearest.empty() ? std::string()
+                         : Say({"; did you mean {0}{1}?", "; ați vrut {0}{1}?"}, prefix, nearest).Text();
 }
 
 }  // namespace kivtools

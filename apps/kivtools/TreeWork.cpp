@@ -57,13 +57,9 @@ void TreeWork::Add(std::uint64_t bytes) {
   }
 }
 
-std::string Counted(std::uint64_t count, const std::string& what) {
-  return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
-}
-
 std::filesystem::path GivenPath(const std::string& argument, const std::string& name) {
   if (argument.empty()) {
-    throw InputError(name + " is empty");
+    throw InputError(Say({"{0} is empty", "{0} este gol"}, name));
   }
   return PathFromUtf8(argument);
 }

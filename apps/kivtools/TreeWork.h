@@ -18,7 +18,7 @@ class TreeWork {
     std::uint64_t bytes = 0;
     std::uint64_t failures = 0;
   };
-  using Failed = std::function<void(const std::string& message)>;
+  using Failed = std::function<void(const Said& message)>;
 
   TreeWork(const Library& library, Failed failed, Progress* progress = nullptr);
   ~TreeWork();
@@ -35,9 +35,6 @@ class TreeWork {
   Progress* progress_;
   Counts counts_;
 };
-
-/// A count and what is counted. Example: `Counted(1, "file")` is "1 file", 2 gives "2 files".
-std::string Counted(std::uint64_t count, const std::string& what);
 
 /// The path that a command is given. Throws InputError, with the usage's `name` for it, where it is empty.
 std::filesystem::path GivenPath(const std::string& argument, const std::string& name);

@@ -36,7 +36,7 @@ Utf16 Utf16FromUtf8(std::string_view utf8) {
   for (std::size_t at = 0; at < utf8.size();) {
     const kiv::utf8::Decoded decoded = kiv::utf8::DecodeAt(utf8, at);
     if (decoded.length == 0) {
-      throw InputError(Shown(utf8.substr(at, 1)) + " is not UTF-8");
+      throw InputError(Say({"{0} is not UTF-8", "{0} nu este UTF-8"}, Shown(utf8.substr(at, 1))));
     }
     const auto character = static_cast<std::uint32_t>(decoded.character);
     if (character >= 0x10000) {

@@ -1,4 +1,4 @@
-set(command ${COMPILER} -std=c++20 -fsyntax-only -DKIV_STATIC -I${INCLUDE} ${SOURCE})
+set(command ${COMPILER} -std=c++20 -fsyntax-only -DKIV_STATIC -I${ROOT} -I${ROOT}/include ${SOURCE})
 execute_process(COMMAND ${command} RESULT_VARIABLE correct ERROR_VARIABLE message)
 if(NOT correct EQUAL 0)
   message(FATAL_ERROR "the correct form does not compile:\n${message}")

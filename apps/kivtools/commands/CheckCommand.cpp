@@ -14,11 +14,13 @@ namespace kivtools {
 namespace {
 
 constexpr auto kOptions = WithValueOptions<2>({{
-    {"invalid-only", "", "answer only for the codes that are not valid"},
-    {"ro", "", "take a leading RO off (fiscal codes of VAT payers)"},
+    {"invalid-only",
+     "",
+     {"answer only for the codes that are not valid", "răspunde numai pentru codurile care nu sunt valide"}},
+    {"ro", "", {"take a leading RO off (fiscal codes of VAT payers)", "scoate RO din față (la plătitorii de TVA)"}},
 }});
 
-constexpr std::string_view kDetails =
+constexpr Phrase kDetails = {
     "KIND is iban, cnp, cui or siruta. Blanks in a code are passed over, and single dashes. Every code is printed "
     "after\n"
     "\"valid\" or \"invalid\" and a tab, control characters in it as blanks. Without a CODE the lines of standard "
@@ -31,7 +33,21 @@ constexpr std::string_view kDetails =
     "Examples:\n"
     "  kivtools check iban \"RO49 AAAA 1B31 0075 9384 0000\"\n"
     "  kivtools check cui --csv cod_fiscal --invalid-only < parteneri.csv\n"
-    "  kivtools check cui --ro --csv cod_fiscal --add verificat parteneri.csv > verificati.csv\n";
+    "  kivtools check cui --ro --csv cod_fiscal --add verificat parteneri.csv > verificati.csv\n",
+    "KIND este iban, cnp, cui sau siruta. Peste spațiile dintr-un cod se trece, și peste câte o cratimă. Fiecare cod "
+    "se\n"
+    "scrie după \"valid\" sau \"invalid\" și un tabulator, cu spații în locul caracterelor de control. Fără CODE se "
+    "verifică\n"
+    "rândurile intrării standard. Ce vine din fișiere se numără, iar rândurile goale doar se numără. O înregistrare "
+    "fără\n"
+    "coloana cerută nu este validă. După un cod care nu este valid stă motivul, din fișiere și cu rândul; locurile din "
+    "cod\n"
+    "se numără fără spații, fără cratime și fără un RO scos.\n\n"
+    "Codul de ieșire: 0 toate sunt valide, 1 unul nu este, 2 folosire sau date greșite.\n\n"
+    "Exemple:\n"
+    "  kivtools check iban \"RO49 AAAA 1B31 0075 9384 0000\"\n"
+    "  kivtools check cui --csv cod_fiscal --invalid-only < parteneri.csv\n"
+    "  kivtools check cui --ro --csv cod_fiscal --add verificat parteneri.csv > verificati.csv\n"};
 
 struct Kind {
   std::string_view name;
@@ -119,7 +135,9 @@ class Check final : public ValueWork {
 const Kind& FindKind(const std::string& name) {
   const auto* const kind = std::ranges::find(kKinds, name, &Kind::name);
   if (kind == kKinds.end()) {
-    throw InputError(Shown(name) + " is not a kind of code: iban, cnp, cui or siruta" + DidYouMean(name, kKindNames));
+    throw InputError(Say({"{0} is not a kind of code: iban, cnp, cui or siruta{1}",
+                          "{0} nu este un fel de cod: iban, cnp, cui sau siruta{1}"},
+                         Shown(name), DidYouMean(name, kKindNames)));
   }
   return *kind;
 }
@@ -127,19 +145,21 @@ const Kind& FindKind(const std::string& name) {
 int RunCheck(Session& session, const Arguments& arguments) {
   const Kind& kind = FindKind(arguments.Values().front());
   if (arguments.Has("ro") && kind.name != "cui") {
-    throw InputError("\"--ro\" goes with cui only");
+    throw InputError(Say({"\"--ro\" goes with cui only", "\"--ro\" merge numai cu cui"}));
   }
   const Check check(session.Lib(), kind, arguments.Has("ro"));
   const ValueRules rules{.what = "CODE", .isCheck = true, .invalidOnly = arguments.Has("invalid-only")};
   const int result = AnswerValues(session, arguments, std::span(arguments.Values()).subspan(1), check, rules);
   if (check.SawRo()) {
-    session.Report("codes with RO in front are not valid as they are; --ro takes it off");
+    session.Report(Say({"codes with RO in front are not valid as they are; --ro takes it off",
+                        "codurile cu RO în față nu sunt valide așa; --ro îl scoate"}));
   }
   return result;
 }
 
 constexpr Command kCommand = {"check",
-                              "Check account numbers, personal, fiscal or locality codes",
+                              {"Check account numbers, personal, fiscal or locality codes",
+                               "Verifică IBAN-uri, CNP-uri, coduri fiscale sau SIRUTA"},
                               "KIND [CODE ...|-|FILE ...]",
                               1,
                               kAnyNumber,

@@ -5,14 +5,21 @@
 namespace kivtools {
 namespace {
 
-constexpr auto kOptions = WithValueOptions<1>({{{"age", "", "the age alone"}}});
+constexpr auto kOptions = WithValueOptions<1>({{{"age", "", {"the age alone", "numai vârsta"}}}});
 
-constexpr std::string_view kDetails =
+constexpr Phrase kDetails = {
     "Blanks in the code are passed over, and single dashes. The age counts calendar years. A code that is not valid\n"
     "gives \"CNP incorect\" and the exit code 1.\n"
     "Values of files give birth date and age on one line with a tab between, a column the birth date.\n\n"
     "Example:\n"
-    "  kivtools cnp 1800101221144\n";
+    "  kivtools cnp 1800101221144\n",
+    "Peste spațiile din cod se trece, și peste câte o cratimă. Vârsta numără anii calendaristici. Un cod care nu este\n"
+    "valid dă \"CNP incorect\" și codul de ieșire 1.\n"
+    "Pentru valorile din fișiere se scriu data nașterii și vârsta pe un rând, cu un tabulator între ele, iar într-o "
+    "coloană\n"
+    "data nașterii.\n\n"
+    "Exemplu:\n"
+    "  kivtools cnp 1800101221144\n"};
 
 class Cnp final : public ValueWork {
  public:
@@ -38,7 +45,7 @@ class Cnp final : public ValueWork {
     if (ageOnly_ || !IsValid(code)) {
       return ValueWork::AppendLines(code, out);
     }
-    out += "born  " + library_.BirthDate(code) + "\nage   " + Age(code) + "\n";
+    out += Say({"born  {0}\nage   {1}\n", "născut   {0}\nvârsta   {1}\n"}, library_.BirthDate(code), Age(code));
     return true;
   }
 
@@ -63,9 +70,15 @@ int RunCnp(Session& session, const Arguments& arguments) {
   return AnswerValues(session, arguments, arguments.Values(), Cnp(session.Lib(), arguments.Has("age")), {"CODE"});
 }
 
-constexpr Command kCommand = {
-    "cnp", "Tell what a personal numeric code says", "CODE ...|-|FILE ...", 0, kAnyNumber, kOptions, kDetails, RunCnp,
-    true};
+constexpr Command kCommand = {"cnp",
+                              {"Tell what a personal numeric code says", "Spune ce cuprinde un cod numeric personal"},
+                              "CODE ...|-|FILE ...",
+                              0,
+                              kAnyNumber,
+                              kOptions,
+                              kDetails,
+                              RunCnp,
+                              true};
 
 const Registration kRegistered(kCommand);
 

@@ -8,11 +8,16 @@
 namespace kivtools {
 namespace {
 
-constexpr std::string_view kDetails =
+constexpr Phrase kDetails = {
     "The sign may be left out. On a terminal that shows colours each line begins with a swatch; NO_COLOR, set to\n"
     "anything, leaves them out.\n\n"
     "Example:\n"
-    "  kivtools colour '#0080FF'\n";
+    "  kivtools colour '#0080FF'\n",
+    "Semnul # poate lipsi. Pe un terminal care arată culori, fiecare rând începe cu o mostră; NO_COLOR, cu orice "
+    "valoare,\n"
+    "le lasă deoparte.\n\n"
+    "Exemplu:\n"
+    "  kivtools colour '#0080FF'\n"};
 
 bool IsSet(const char* variable) {
   const char* const value = std::getenv(variable);
@@ -37,7 +42,7 @@ int RunColour(Session& session, const Arguments& arguments) {
   const auto write = [&](std::string_view name, std::uint32_t shown) {
     session.out.Write((swatches ? Swatch(shown) : "") + PadEnd(name, 16) + WriteColour(shown) + "\n");
   };
-  write("itself", colour);
+  write(Say({"itself", "ea însăși"}), colour);
   for (const char* const name : {"Lite", "LiteLite", "Dark", "DarkDark", "LiteRed", "LiteGreen", "LiteBlue",
                                  "LiteLiteRed", "LiteLiteGreen", "LiteLiteBlue", "TurnRed", "TurnGreen", "TurnBlue"}) {
     write(name, session.Lib().Tint(name, colour));
@@ -45,7 +50,8 @@ int RunColour(Session& session, const Arguments& arguments) {
   return kDone;
 }
 
-constexpr Command kCommand = {"colour", "Show the tints of a colour", "#RRGGBB", 1, 1, {}, kDetails, RunColour};
+constexpr Command kCommand = {
+    "colour", {"Show the tints of a colour", "Arată nuanțele unei culori"}, "#RRGGBB", 1, 1, {}, kDetails, RunColour};
 
 const Registration kRegistered(kCommand);
 

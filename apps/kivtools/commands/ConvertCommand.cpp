@@ -22,13 +22,20 @@ constexpr std::array<std::string_view, 5> kUsualPages = {"utf-8", "windows-1250"
 constexpr std::array<std::string_view, 2> kForms = {"comma", "cedilla"};
 
 constexpr std::array<Option, 4> kOptions = {{
-    {"from", "CP", "the code page of what comes in", kUsualPages},
-    {"to", "CP", "the code page of what goes out", kUsualPages},
-    {"lossy", "", "put look-alikes or ? for what is damaged and for letters that it lacks"},
-    {"letters", "FORM", "write s and t in UTF-8 with a comma or a cedilla below", kForms},
+    {"from", "CP", {"the code page of what comes in", "pagina de coduri a ce intră"}, kUsualPages},
+    {"to", "CP", {"the code page of what goes out", "pagina de coduri a ce iese"}, kUsualPages},
+    {"lossy",
+     "",
+     {"put look-alikes or ? for what is damaged and for letters that it lacks",
+      "pune litere apropiate sau ? pentru ce este stricat și pentru litere care îi lipsesc"}},
+    {"letters",
+     "FORM",
+     {"write s and t in UTF-8 with a comma or a cedilla below",
+      "scrie ș și ț în UTF-8 cu virgulă sau cu sedilă dedesubt"},
+     kForms},
 }};
 
-constexpr std::string_view kDetails =
+constexpr Phrase kDetails = {
     "Converts standard input to standard output. Code pages have their names, such as utf-8, windows-1250, ibm852 or\n"
     "iso-8859-2, or the numbers of Windows. The comma and the cedilla letters stand for one another where the code "
     "page\n"
@@ -37,7 +44,17 @@ constexpr std::string_view kDetails =
     "from, unless --lossy is given.\n"
     "In UTF-8 the letters keep their form unless --letters comma or --letters cedilla chooses one.\n\n"
     "Example:\n"
-    "  kivtools convert --from windows-1250 --to utf-8 --letters comma < vechi.txt > nou.txt\n";
+    "  kivtools convert --from windows-1250 --to utf-8 --letters comma < vechi.txt > nou.txt\n",
+    "Trece intrarea standard, convertită, la ieșirea standard. Paginile de coduri au nume, ca utf-8, windows-1250, "
+    "ibm852\n"
+    "sau iso-8859-2, ori numerele din Windows. Literele cu virgulă și cele cu sedilă țin unele locul celorlalte unde "
+    "pagina\n"
+    "are numai un fel; orice altă literă care îi lipsește este refuzată, la fel octeții fără înțeles în pagina din "
+    "care vin,\n"
+    "afară de cazul că se dă --lossy.\n"
+    "În UTF-8 literele își păstrează forma, dacă nu alege una --letters comma sau --letters cedilla.\n\n"
+    "Exemplu:\n"
+    "  kivtools convert --from windows-1250 --to utf-8 --letters comma < vechi.txt > nou.txt\n"};
 
 constexpr std::int32_t kUtf7 = 65000;
 constexpr std::int32_t kUtf8 = 65001;
@@ -45,11 +62,13 @@ constexpr std::int32_t kUtf8 = 65001;
 std::int32_t CodePageOf(const Library& library, const Arguments& arguments, const char* option) {
   const auto text = arguments.ValueOf(option);
   if (!text) {
-    throw InputError(std::string("--") + option + " CP is missing");
+    throw InputError(IsMissing(std::string("--") + option + " CP"));
   }
   const std::int32_t number = ReadCodePage(*text);
   if (library.ToWide("A", number).empty()) {
-    throw InputError(Shown(*text) + " is not a code page that this system knows");
+    throw InputError(
+        Say({"{0} is not a code page that this system knows", "{0} nu este o pagină de coduri cunoscută de sistem"},
+            Shown(*text)));
   }
   return number;
 }
@@ -63,10 +82,12 @@ LetterForm ReadLetters(const Arguments& arguments, std::int32_t to) {
     return nullptr;
   }
   if (to != kUtf8) {
-    throw InputError("\"--letters\" goes with --to utf-8 only");
+    throw InputError(Say({"\"--letters\" goes with --to utf-8 only", "\"--letters\" merge numai cu --to utf-8"}));
   }
   if (std::ranges::find(kForms, *form) == kForms.end()) {
-    throw InputError(Shown(*form) + " is not a form of letters: comma or cedilla");
+    throw InputError(
+        Say({"{0} is not a form of letters: comma or cedilla", "{0} nu este o formă a literelor: comma sau cedilla"},
+            Shown(*form)));
   }
   return *form == "comma" ? kiv::windows1250::CommaBelowForm : kiv::windows1250::CedillaForm;
 }
@@ -107,7 +128,8 @@ class Decoder {
         ++length;
       }
       if (length > std::min(kLongest, text.size() - at)) {
-        throw InputError(Shown(text.substr(at, 1)) + " is not code page " + std::to_string(codePage_));
+        throw InputError(Say({"{0} is not code page {1}", "{0} nu este din pagina de coduri {1}"},
+                             Shown(text.substr(at, 1)), codePage_));
       }
       at += length;
     }
@@ -194,7 +216,8 @@ class Encoder {
     if (lossy_ && !bytes.empty()) {
       return bytes;
     }
-    throw InputError(Shown(Utf8FromUtf16(units)) + " is not in code page " + std::to_string(codePage_));
+    throw InputError(Say({"{0} is not in code page {1}", "{0} nu este în pagina de coduri {1}"},
+                         Shown(Utf8FromUtf16(units)), codePage_));
   }
 
   [[nodiscard]] bool IsExactly(const std::string& bytes, Utf16View units) const {
@@ -217,7 +240,7 @@ std::uint64_t ConvertLines(const Decoder& decoder, const Encoder& encoder, std::
     try {
       out += encoder.Encode(decoder.Decode(text.substr(0, zero ? end : end + 1)));
     } catch (const InputError& error) {
-      throw LineError(line, error.what());
+      throw LineError(line, AsItIs(error.what()));
     }
     out.append(zero ? 1 : 0, '\0');
     line += text[end] == '\n' ? 1 : 0;
@@ -249,8 +272,14 @@ int RunConvert(Session& session, const Arguments& arguments) {
   return kDone;
 }
 
-constexpr Command kCommand = {
-    "convert", "Convert text between code pages", "--from CP --to CP", 0, 0, kOptions, kDetails, RunConvert};
+constexpr Command kCommand = {"convert",
+                              {"Convert text between code pages", "Convertește un text între pagini de coduri"},
+                              "--from CP --to CP",
+                              0,
+                              0,
+                              kOptions,
+                              kDetails,
+                              RunConvert};
 const Registration kRegistered(kCommand);
 
 }  // namespace

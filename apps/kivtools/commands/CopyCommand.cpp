@@ -13,9 +13,12 @@ namespace kivtools {
 namespace {
 
 constexpr std::string_view kSkip = "skip";
-constexpr std::array kOptions = {Option{kSkip, "TEXT", "no files of folders whose path, SRC included, holds TEXT"}};
+constexpr std::array kOptions = {Option{kSkip,
+                                        "TEXT",
+                                        {"no files of folders whose path, SRC included, holds TEXT",
+                                         "fără fișierele din dosare cu TEXT în cale, SRC inclus"}}};
 
-constexpr std::string_view kDetails =
+constexpr Phrase kDetails = {
     "Copies the files in SRC and below it to the folder DST, which is made if it is missing, and all the folders. "
     "With\n"
     "one EXT or more the files are those with such an extension, written without the dot, in small or capital letters; "
@@ -26,17 +29,28 @@ constexpr std::string_view kDetails =
     "What cannot be copied is told, and the rest goes on. Exit code: 0 all is copied, 2 something is not.\n\n"
     "Examples:\n"
     "  kivtools copy /date /salvare\n"
-    "  kivtools copy /date /salvare dbf mdb --skip /arhiva/\n";
+    "  kivtools copy /date /salvare dbf mdb --skip /arhiva/\n",
+    "Copiază fișierele din SRC și de sub el în dosarul DST, care se creează dacă lipsește, cu toate dosarele. Cu unul "
+    "sau\n"
+    "mai multe EXT sunt cele cu o asemenea extensie, scrisă fără punct, cu litere mici sau mari; una goală înseamnă "
+    "fișierele\n"
+    "fără extensie. Fișierele de dinainte se înlocuiesc, fiecare când copia lui este întreagă; legăturile se copiază "
+    "ca\n"
+    "legături. Pentru --skip literele mici și mari sunt tot una, iar calea fiecărui dosar se încheie cu un separator.\n"
+    "Ce nu se poate copia se spune, iar restul merge mai departe. Codul de ieșire: 0 s-a copiat tot, 2 ceva nu.\n\n"
+    "Exemple:\n"
+    "  kivtools copy /date /salvare\n"
+    "  kivtools copy /date /salvare dbf mdb --skip /arhiva/\n"};
 
 std::filesystem::path SourceFolder(const std::string& argument) {
   std::filesystem::path source = GivenPath(argument, "SRC");
   std::error_code error;
   const std::filesystem::file_status status = std::filesystem::status(source, error);
   if (!std::filesystem::exists(status)) {
-    throw SystemError(ShownName(argument) + ": cannot be opened", error);
+    throw SystemError(CannotBeOpened(ShownName(argument)), error);
   }
   if (!std::filesystem::is_directory(status)) {
-    throw InputError(ShownName(argument) + " is not a folder");
+    throw InputError(Say({"{0} is not a folder", "{0} nu este un dosar"}, ShownName(argument)));
   }
   return source;
 }
@@ -69,7 +83,7 @@ int RunCopy(Session& session, const Arguments& arguments) {
   const std::filesystem::path source = SourceFolder(arguments.Values()[0]);
   std::error_code different;
   if (std::filesystem::equivalent(source, destination, different)) {
-    throw InputError(ShownName(arguments.Values()[1]) + " is SRC itself");
+    throw InputError(Say({"{0} is SRC itself", "{0} este chiar SRC"}, ShownName(arguments.Values()[1])));
   }
   const Library& library = session.Lib();
   const std::vector<std::string> extensions = WantedExtensions(library, source, arguments);
@@ -78,16 +92,23 @@ int RunCopy(Session& session, const Arguments& arguments) {
     Progress progress(std::nullopt);
     ProgressLabel label(library, progress);
     const TreeWork work(
-        library, [&](const std::string& message) { session.Report(message); }, &progress);
+        library, [&](const Said& message) { session.Report(message); }, &progress);
     library.CopyTree(source, destination, extensions, arguments.ValueOf(kSkip), label.Control(),
                      ProgressLabel::kMostWidth);
     counts = work.Count();
   }
-  session.out.Write(Counted(counts.files, "file") + ", " + Counted(counts.bytes, "byte") + " copied\n");
+  session.out.Write(
+      Say({"{0}, {1} copied\n", "copiate: {0}, {1}\n"}, Counted(counts.files, kFiles), Counted(counts.bytes, kBytes)));
   return counts.failures == 0 ? kDone : kBadInput;
 }
 
-constexpr Command kCommand = {"copy", "Copy a folder tree", "SRC DST [EXT...]", 2, kAnyNumber, kOptions, kDetails,
+constexpr Command kCommand = {"copy",
+                              {"Copy a folder tree", "Copiază un dosar cu tot ce cuprinde"},
+                              "SRC DST [EXT...]",
+                              2,
+                              kAnyNumber,
+                              kOptions,
+                              kDetails,
                               RunCopy};
 const Registration kRegistered(kCommand);
 

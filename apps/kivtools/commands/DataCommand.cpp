@@ -12,9 +12,10 @@
 namespace kivtools {
 namespace {
 
-constexpr std::array<Option, 1> kOptions = {{{"json", "", "for machines: an object for the file"}}};
+constexpr std::array<Option, 1> kOptions = {
+    {{"json", "", {"for machines: an object for the file", "pentru programe: un obiect pentru fișier"}}}};
 
-constexpr std::string_view kDetails =
+constexpr Phrase kDetails = {
     "FILE.kdp is what applications save of a dataset, or a delta that they send. A journal beside it, FILE.kdp.log,\n"
     "is read with it.\n\n"
     "  show      the rows, \"*\" before changed and \"+\" before new ones\n"
@@ -24,7 +25,18 @@ constexpr std::string_view kDetails =
     "Examples:\n"
     "  kivtools data show lines.kdp\n"
     "  kivtools data changes --json to-send.kdp\n"
-    "  kivtools data check lines.kdp\n";
+    "  kivtools data check lines.kdp\n",
+    "FILE.kdp este ce salvează aplicațiile dintr-un set de date, sau o deltă pe care o trimit. Un jurnal alături,\n"
+    "FILE.kdp.log, se citește cu el.\n\n"
+    "  show      rândurile, cu \"*\" înaintea celor modificate și \"+\" înaintea celor noi\n"
+    "  changes   fiecare rând care nu mai este cum a fost încărcat: era -> este\n"
+    "  check     fiecare sumă de control și regulă; codul de ieșire este 1 și se spune locul unde fișierul este "
+    "stricat sau\n"
+    "            jurnalul lui este retezat\n\n"
+    "Exemple:\n"
+    "  kivtools data show lines.kdp\n"
+    "  kivtools data changes --json to-send.kdp\n"
+    "  kivtools data check lines.kdp\n"};
 
 constexpr std::array<std::string_view, 4> kStates = {"unmodified", "inserted", "modified", "deleted"};
 constexpr std::array<std::string_view, 4> kMarks = {"  ", "+ ", "* ", "- "};
@@ -38,32 +50,36 @@ std::string ForMachines(const DataFile::Shown& value) {
   return value ? JsonString(*value) : "null";
 }
 
-std::string Counted(std::uint64_t count, std::string_view one, std::string_view many) {
-  return std::to_string(count) + " " + std::string(count == 1 ? one : many);
-}
+/// What a person reads for kKinds, of one row and of several.
+constexpr std::array<Phrase, 3> kRowWas = {{{"inserted", "adăugat"}, {"modified", "modificat"}, {"deleted", "șters"}}};
+constexpr std::array<Phrase, 3> kRowsWere = {
+    {{"inserted", "adăugate"}, {"modified", "modificate"}, {"deleted", "șterse"}}};
 
 /// What the file is, in one line. Example: "linii: 3 rows (1 inserted), 4 changes in the log".
 std::string Summary(const DataFile& file) {
   if (file.IsDelta()) {
-    return ShownName(file.Name()) + ": a delta";
+    return ShownName(file.Name()) + ": " + Say({"a delta", "o deltă"}).Text();
   }
   const std::size_t rows =
       file.CountOf(KIV_ROW_UNMODIFIED) + file.CountOf(KIV_ROW_INSERTED) + file.CountOf(KIV_ROW_MODIFIED);
-  std::string summary = ShownName(file.Name()) + ": " + Counted(rows, "row", "rows");
+  std::string summary = ShownName(file.Name()) + ": " + Counted(rows, {{"row", "rând"}, {"rows", "rânduri"}}).Text();
   std::string separator = " (";
   for (std::int32_t state = KIV_ROW_INSERTED; state <= KIV_ROW_DELETED; ++state) {
     if (const std::size_t count = file.CountOf(state); count > 0) {
-      summary += separator + std::to_string(count) + " " + std::string(kStates.at(static_cast<std::size_t>(state)));
+      summary += separator;
+      summary += Say({"{0} {1}", "{1}: {0}"}, count, kRowsWere.at(static_cast<std::size_t>(state) - 1));
       separator = ", ";
     }
   }
   summary += separator == ", " ? ")" : "";
-  summary += ", " + Counted(file.LogLength(), "change", "changes") + " in the log";
+  summary += Say({", {0} in the log", ", {0} în istoric"},
+                 Counted(file.LogLength(), {{"change", "modificare"}, {"changes", "modificări"}}));
   if (file.Replayed() > 0) {
-    summary += ", " + Counted(file.Replayed(), "edit", "edits") + " from the journal";
+    summary += Say({", {0} from the journal", ", {0} din jurnal"},
+                   Counted(file.Replayed(), {{"edit", "operație"}, {"edits", "operații"}}));
   }
   if (file.LostBytes() > 0) {
-    summary += ", " + Counted(file.LostBytes(), "byte", "bytes") + " of the journal lost";
+    summary += Say({", {0} of the journal lost", ", {0} din jurnal pierduți"}, Counted(file.LostBytes(), kBytes));
   }
   return summary;
 }
@@ -155,7 +171,7 @@ std::string KeyOf(const DataFile& file, const DataFile::Change& change) {
 void ShowChanges(Output& out, const DataFile& file) {
   std::uint64_t count = 0;
   file.ForEachChange([&](const DataFile::Change& change) {
-    std::string shown = KeyOf(file, change) + "  " + std::string(kKinds.at(static_cast<std::size_t>(change.kind)));
+    std::string shown = KeyOf(file, change) + "  " + Say(kRowWas.at(static_cast<std::size_t>(change.kind))).Text();
     for (const DataFile::Change::Value& value : change.values) {
       const DataFile::Field& field = file.Fields()[value.field];
       if (value.isChanged && !(field.isKey && change.kind == KIV_CHANGE_INSERT)) {
@@ -167,7 +183,8 @@ void ShowChanges(Output& out, const DataFile& file) {
     out.Write(shown + "\n");
     ++count;
   });
-  out.Write(Counted(count, "row has", "rows have") + " changed\n");
+  out.Write(Say({"{0} changed\n", "{0} modificat\n"},
+                Counted(count, {{"row has", "rând s-a"}, {"rows have", "rânduri s-au"}})));
 }
 
 void ShowChangesAsJson(Output& out, const DataFile& file) {
@@ -191,7 +208,9 @@ void ShowChangesAsJson(Output& out, const DataFile& file) {
 int RunShow(Session& session, const std::string& name, bool json) {
   const DataFile file(session.Lib(), PathFromUtf8(name));
   if (file.IsDelta()) {
-    throw InputError(ShownName(name) + " is a delta; \"kivtools data changes\" shows it");
+    throw InputError(Say(
+        {"{0} is a delta; \"kivtools data changes\" shows it", "{0} este o deltă; o arată \"kivtools data changes\""},
+        ShownName(name)));
   }
   (json ? ShowRowsAsJson : ShowRows)(session.out, file);
   return kDone;
@@ -208,15 +227,16 @@ int RunCheck(Session& session, const std::string& name, bool json) {
   try {
     const DataFile file(session.Lib(), PathFromUtf8(name));
     const bool isWhole = file.LostBytes() == 0;
-    session.out.Write(json ? beginning + (isWhole ? "true" : "false") +
-                                 ", \"replayed\": " + std::to_string(file.Replayed()) +
-                                 ", \"lost\": " + std::to_string(file.LostBytes()) + "}\n"
-                           : ShownName(name) + ": " + (isWhole ? "whole; " : "") + Summary(file) + "\n");
+    session.out.Write(
+        json ? beginning + (isWhole ? "true" : "false") + ", \"replayed\": " + std::to_string(file.Replayed()) +
+                   ", \"lost\": " + std::to_string(file.LostBytes()) + "}\n"
+             : ShownName(name) + ": " + (isWhole ? Say({"whole; ", "întreg; "}).Text() : "") + Summary(file) + "\n");
     return isWhole ? kDone : kCheckSaidNo;
   } catch (const DamagedFile& damaged) {
-    session.out.Write(json ? beginning + "false, \"chunk\": " + std::to_string(damaged.chunk) + ", \"offset\": " +
-                                 std::to_string(damaged.offset) + ", \"message\": " + JsonString(damaged.what()) + "}\n"
-                           : ShownName(name) + ": damaged; " + damaged.what() + "\n");
+    session.out.Write(
+        json ? beginning + "false, \"chunk\": " + std::to_string(damaged.chunk) + ", \"offset\": " +
+                   std::to_string(damaged.offset) + ", \"message\": " + JsonString(damaged.what()) + "}\n"
+             : Say({"{0}: damaged; {1}\n", "{0}: stricat; {1}\n"}, ShownName(name), damaged.what()).Text());
     return kCheckSaidNo;
   }
 }
@@ -237,23 +257,25 @@ int RunData(Session& session, const Arguments& arguments) {
   const std::string& file = arguments.Values().back();
   const auto* const found = std::ranges::find(kActions, action, &Action::name);
   if (found == kActions.end()) {
-    throw InputError(Shown(action) + " is none of show, changes, check");
+    throw InputError(
+        Say({"{0} is none of show, changes, check", "{0} nu este show, changes sau check"}, Shown(action)));
   }
   // Says why a file cannot be read in the system's words, and never waits for the writer of a pipe.
   InputStream::Open(PathFromUtf8(file), InputStream::What::File);
   return found->run(session, file, arguments.Has("json"));
 }
 
-constexpr Command kCommand = {"data",
-                              "Show and check the datasets that applications save",
-                              "ACTION FILE.kdp",
-                              2,
-                              2,
-                              kOptions,
-                              kDetails,
-                              RunData,
-                              false,
-                              kActionNames};
+constexpr Command kCommand = {
+    "data",
+    {"Show and check the datasets that applications save", "Arată și verifică seturile de date salvate de aplicații"},
+    "ACTION FILE.kdp",
+    2,
+    2,
+    kOptions,
+    kDetails,
+    RunData,
+    false,
+    kActionNames};
 
 const Registration kRegistered(kCommand);
 

@@ -31,16 +31,23 @@ constexpr std::array<std::string_view, 16> kForms = {
     "TimeToStrRo2",
 };
 
-constexpr auto kOptions = WithValueOptions<1>({{{"form", "NAME", "only this form; without it all of them", kForms}}});
+constexpr auto kOptions = WithValueOptions<1>(
+    {{{"form", "NAME", {"only this form; without it all of them", "numai forma aceasta; altfel toate"}, kForms}}});
 
-constexpr std::string_view kDetails =
+constexpr Phrase kDetails = {
     "DATE is written 2024-03-05, 05.03.2024 or \"5 martie 2024\"; T14:07:09 after it is the time of day. The forms "
     "bear\n"
     "the names of the library's operations; for the values of files it is DateToRoText unless --form says another "
     "one.\n\n"
     "Examples:\n"
     "  kivtools date 2024-03-05\n"
-    "  kivtools date 2024-03-05T14:07:09 --form TimeToStrRo2    Ora 14 07 minute 09 sec\n";
+    "  kivtools date 2024-03-05T14:07:09 --form TimeToStrRo2    Ora 14 07 minute 09 sec\n",
+    "DATE se scrie 2024-03-05, 05.03.2024 sau \"5 martie 2024\"; T14:07:09 după ea este ora. Formele au numele "
+    "operațiilor\n"
+    "bibliotecii; pentru valorile din fișiere forma este DateToRoText, dacă --form nu cere alta.\n\n"
+    "Exemple:\n"
+    "  kivtools date 2024-03-05\n"
+    "  kivtools date 2024-03-05T14:07:09 --form TimeToStrRo2    Ora 14 07 minute 09 sec\n"};
 
 class Date final : public ValueWork {
  public:
@@ -93,15 +100,16 @@ int RunDate(Session& session, const Arguments& arguments) {
   const auto form = arguments.ValueOf("form");
   if (form && std::ranges::find(kForms, *form) == kForms.end()) {
     const std::string meant = DidYouMean(*form, kForms);
-    throw InputError(Shown(*form) + " is not a form" + (meant.empty() ? ";" : meant) +
-                     " kivtools date without --form shows them all");
+    throw InputError(Say({"{0} is not a form{1} kivtools date without --form shows them all",
+                          "{0} nu este o formă{1} kivtools date fără --form le arată pe toate"},
+                         Shown(*form), meant.empty() ? ";" : meant));
   }
   const ValueRules rules{.what = "DATE", .inParagraphs = !form};
   return AnswerValues(session, arguments, arguments.Values(), Date(session.Lib(), form), rules);
 }
 
 constexpr Command kCommand = {"date",
-                              "Write a date in Romanian, in every form",
+                              {"Write a date in Romanian, in every form", "Scrie o dată în română, în toate formele"},
                               "DATE ...|-|FILE ...",
                               0,
                               kAnyNumber,

@@ -10,9 +10,9 @@
 namespace kivtools {
 namespace {
 
-constexpr std::array kOptions = {Option{"yes", "", "do not ask"}};
+constexpr std::array kOptions = {Option{"yes", "", {"do not ask", "nu întreabă"}}};
 
-constexpr std::string_view kDetails =
+constexpr Phrase kDetails = {
     "Deletes a folder with all that is in it, protected files too. It says on the terminal how much that is and asks; "
     "without\n"
     "a terminal it needs --yes. Of a link only the link goes. Root folders, the home folder and what it is in are "
@@ -20,7 +20,15 @@ constexpr std::string_view kDetails =
     "however they are written. What cannot be deleted is told, and the rest goes on.\n"
     "Exit code: 0 all is deleted, 1 the answer was no, 2 something is left.\n\n"
     "Example:\n"
-    "  kivtools delete /tmp/lucru\n";
+    "  kivtools delete /tmp/lucru\n",
+    "Șterge un dosar cu tot ce este în el, și fișierele protejate. Spune pe terminal cât este de șters și întreabă; "
+    "fără\n"
+    "terminal cere --yes. Dintr-o legătură dispare numai legătura. Dosarele rădăcină, dosarul personal și cele care "
+    "îl\n"
+    "cuprind sunt refuzate, oricum ar fi scrise. Ce nu se poate șterge se spune, iar restul merge mai departe.\n"
+    "Codul de ieșire: 0 s-a șters tot, 1 răspunsul a fost nu, 2 a rămas ceva.\n\n"
+    "Exemplu:\n"
+    "  kivtools delete /tmp/lucru\n"};
 
 /// By what the system says it is: neither links nor "." and ".." make it another one.
 bool IsSame(const std::filesystem::path& a, const std::filesystem::path& b) {
@@ -37,7 +45,8 @@ void RefuseHome(const std::filesystem::path& root, const std::string& shown) {
     }
     for (std::filesystem::path at = known; at.has_relative_path(); at = at.parent_path()) {
       if (IsSame(root, at)) {
-        throw InputError(shown + (at == known ? " is the home folder" : " has the home folder in it"));
+        throw InputError(at == known ? Say({"{0} is the home folder", "{0} este dosarul personal"}, shown)
+                                     : Say({"{0} has the home folder in it", "{0} cuprinde dosarul personal"}, shown));
       }
     }
   }
@@ -45,24 +54,24 @@ void RefuseHome(const std::filesystem::path& root, const std::string& shown) {
 
 void RefuseProtected(const std::filesystem::path& root, const std::string& shown) {
   if (!root.has_relative_path() || IsSame(root, std::filesystem::absolute(root).root_path())) {
-    throw InputError(shown + " is a root folder");
+    throw InputError(Say({"{0} is a root folder", "{0} este un dosar rădăcină"}, shown));
   }
   RefuseHome(root, shown);
 }
 
 std::string Size(const TreeWork::Counts& counts) {
-  return Counted(counts.files, "file") + ", " + Counted(counts.folders, "folder") + ", " +
-         Counted(counts.bytes, "byte");
+  return Counted(counts.files, kFiles).Text() + ", " + Counted(counts.folders, kFolders).Text() + ", " +
+         Counted(counts.bytes, kBytes).Text();
 }
 
 /// What is there, as far as it can be read; what cannot is told when it cannot be deleted.
 std::string SizeOf(const Library& library, const std::filesystem::path& root) {
-  const TreeWork work(library, [](const std::string&) {});
+  const TreeWork work(library, [](const Said&) {});
   library.MeasureTree(root);
   return Size(work.Count());
 }
 
-bool IsYes(const std::string& question) {
+bool IsYes(std::string_view question) {
   WriteAll(StandardStream::Error, question);
   std::string answer;
   InputStream input = InputStream::Standard();
@@ -75,7 +84,9 @@ bool IsYes(const std::string& question) {
       answer.push_back(letter);
     }
   }
-  return answer == "y" || answer == "Y" || answer == "yes";
+  const bool romanian = CurrentSpeech().language == Language::Romanian;
+  return answer == "y" || answer == "Y" || answer == "yes" ||
+         (romanian && (answer == "d" || answer == "D" || answer == "da"));
 }
 
 int RunDelete(Session& session, const Arguments& arguments) {
@@ -86,20 +97,24 @@ int RunDelete(Session& session, const Arguments& arguments) {
   const std::string size = SizeOf(library, root);
   if (!arguments.Has("yes")) {
     if (!TerminalWidth(StandardStream::Input) || !TerminalWidth(StandardStream::Error)) {
-      throw InputError(shown + " (" + size + ") is deleted with --yes only: there is no terminal to ask on");
+      throw InputError(Say({"{0} ({1}) is deleted with --yes only: there is no terminal to ask on",
+                            "{0} ({1}) se șterge numai cu --yes: nu este un terminal pe care să se întrebe"},
+                           shown, size));
     }
-    if (!IsYes("Delete " + shown + " (" + size + ")? [y/N] ")) {
-      session.out.Write("nothing is deleted\n");
+    if (!IsYes(Say({"Delete {0} ({1})? [y/N] ", "Se șterge {0} ({1})? [d/N] "}, shown, size))) {
+      session.out.Write(Say({"nothing is deleted\n", "nu s-a șters nimic\n"}));
       return kCheckSaidNo;
     }
   }
-  const TreeWork work(library, [&](const std::string& message) { session.Report(message); });
+  const TreeWork work(library, [&](const Said& message) { session.Report(message); });
   library.DeleteTree(root);
-  session.out.Write(Size(work.Count()) + " deleted\n");
+  session.out.Write(Say({"{0} deleted\n", "s-au șters: {0}\n"}, Size(work.Count())));
   return work.Count().failures == 0 ? kDone : kBadInput;
 }
 
-constexpr Command kCommand = {"delete", "Delete a folder tree", "ROOT", 1, 1, kOptions, kDetails, RunDelete};
+constexpr Command kCommand = {
+    "delete", {"Delete a folder tree", "Șterge un dosar cu tot ce cuprinde"}, "ROOT", 1, 1, kOptions, kDetails,
+    RunDelete};
 const Registration kRegistered(kCommand);
 
 }  // namespace

@@ -13,10 +13,13 @@ namespace kivtools {
 namespace {
 
 constexpr std::array<Option, 1> kOptions = {{
-    {"root", "FOLDER", "the folder that stands for drive A: (elsewhere than on Windows)"},
+    {"root",
+     "FOLDER",
+     {"the folder that stands for drive A: (elsewhere than on Windows)",
+      "dosarul care ține locul unității A: (în afara Windows)"}},
 }};
 
-constexpr std::string_view kDetails =
+constexpr Phrase kDetails = {
     "state prints what drive A: holds: \"ready\", \"unreadable\" or \"no diskette\". copy puts files onto the "
     "diskette;\n"
     "with several files, or where DST ends with a separator or is A: alone, DST is a folder. Every copy is read back.\n"
@@ -25,7 +28,20 @@ constexpr std::string_view kDetails =
     "Exit code: 0 ready, or copied; 1 not ready, or given up; 2 bad usage, or a copy that failed.\n\n"
     "Examples:\n"
     "  kivtools floppy copy D100.xml D112.xml A:\n"
-    "  kivtools floppy copy --root /media/floppy D100.xml A:/D100.xml\n";
+    "  kivtools floppy copy --root /media/floppy D100.xml A:/D100.xml\n",
+    "state spune ce este în unitatea A: \"ready\" (gata), \"unreadable\" (nu se poate citi) sau \"no diskette\" (nicio "
+    "dischetă).\n"
+    "copy pune fișiere pe dischetă; cu mai multe fișiere, sau unde DST se încheie cu un separator ori este numai A:, "
+    "DST este\n"
+    "un dosar. Fiecare copie se recitește.\n"
+    "Ce este de întrebat se întreabă la ieșirea pentru erori; se răspunde la intrarea standard cu un cuvânt sau cu "
+    "prima lui\n"
+    "literă, iar unde intrarea s-a încheiat, răspunsul este nu.\n\n"
+    "Codul de ieșire: 0 gata, sau copiat; 1 nu este gata, sau s-a renunțat; 2 folosire greșită, sau o copie "
+    "nereușită.\n\n"
+    "Exemple:\n"
+    "  kivtools floppy copy D100.xml D112.xml A:\n"
+    "  kivtools floppy copy --root /media/floppy D100.xml A:/D100.xml\n"};
 
 /// What is answered on standard input, a line at a time.
 class Answers {
@@ -56,7 +72,7 @@ class Answers {
 };
 
 struct Choice {
-  std::string_view word;
+  Phrase word;
   std::int32_t answer;
 };
 /// The two buttons of a question; the second one gives up.
@@ -65,11 +81,11 @@ using Choices = std::array<Choice, 2>;
 Choices ChoicesOf(std::int32_t buttons) {
   switch (buttons) {
     case KIV_BUTTONS_OK_CANCEL:
-      return {{{"ok", KIV_ANSWER_OK}, {"cancel", KIV_ANSWER_CANCEL}}};
+      return {{{{"ok", "ok"}, KIV_ANSWER_OK}, {{"cancel", "anulez"}, KIV_ANSWER_CANCEL}}};
     case KIV_BUTTONS_YES_NO:
-      return {{{"yes", KIV_ANSWER_YES}, {"no", KIV_ANSWER_NO}}};
+      return {{{{"yes", "da"}, KIV_ANSWER_YES}, {{"no", "nu"}, KIV_ANSWER_NO}}};
     default:
-      return {{{"retry", KIV_ANSWER_RETRY}, {"cancel", KIV_ANSWER_CANCEL}}};
+      return {{{{"retry", "repet"}, KIV_ANSWER_RETRY}, {{"cancel", "anulez"}, KIV_ANSWER_CANCEL}}};
   }
 }
 
@@ -90,14 +106,15 @@ class TerminalDialogs {
  private:
   std::int32_t Choose(const Choices& choices) {
     for (;;) {
-      WriteError("[" + std::string(choices[0].word) + " or " + std::string(choices[1].word) + "]");
+      WriteError(Say({"[{0} or {1}]", "[{0} sau {1}]"}, choices[0].word, choices[1].word));
       const std::optional<std::string> line = answers_.Next();
       if (!line) {
         return choices[1].answer;
       }
       std::string typed = *line;
       std::ranges::transform(typed, typed.begin(), kiv::ascii::ToLower<char>);
-      for (const auto& [word, answer] : choices) {
+      for (const auto& [phrase, answer] : choices) {
+        const std::string word = Say(phrase).Text();
         if (!typed.empty() && (typed == word || typed == word.substr(0, 1))) {
           return answer;
         }
@@ -125,7 +142,7 @@ std::vector<std::filesystem::path> DestinationsOf(std::span<const std::filesyste
   for (const std::filesystem::path& source : sources) {
     const std::string name = Utf8FromPath(source.filename());
     if (!names.insert(source.filename()).second) {
-      throw InputError("two of the files are called " + Shown(name));
+      throw InputError(Say({"two of the files are called {0}", "două dintre fișiere se numesc {0}"}, Shown(name)));
     }
     destinations.push_back(PathFromUtf8(given + (separated ? "" : "/") + name).make_preferred());
   }
@@ -141,7 +158,7 @@ int State(Session& session) {
 
 int Copy(Session& session, std::span<const std::string> values) {
   if (values.size() < 2) {
-    throw InputError("copy takes SRC... DST");
+    throw InputError(Say({"copy takes SRC... DST", "copy cere SRC... DST"}));
   }
   std::vector<std::filesystem::path> sources;
   for (const std::string& source : values.first(values.size() - 1)) {
@@ -161,10 +178,10 @@ int RunFloppy(Session& session, const Arguments& arguments) {
   const std::string& action = arguments.Values().front();
   const auto rest = std::span(arguments.Values()).subspan(1);
   if (std::ranges::find(kActions, action) == kActions.end()) {
-    throw InputError(Shown(action) + " is neither state nor copy");
+    throw InputError(Say({"{0} is neither state nor copy", "{0} nu este nici state, nici copy"}, Shown(action)));
   }
   if (action == "state" && !rest.empty()) {
-    throw InputError("state takes no files");
+    throw InputError(Say({"state takes no files", "state nu primește fișiere"}));
   }
   if (const auto root = arguments.ValueOf("root")) {
     session.Lib().SetFloppyRoot(PathFromUtf8(*root));
@@ -173,7 +190,7 @@ int RunFloppy(Session& session, const Arguments& arguments) {
 }
 
 constexpr Command kCommand = {"floppy",
-                              "Copy files onto a diskette",
+                              {"Copy files onto a diskette", "Copiază fișiere pe o dischetă"},
                               "state | copy SRC... DST",
                               1,
                               kAnyNumber,

@@ -20,10 +20,13 @@ namespace kivtools {
 namespace {
 
 constexpr std::array<Option, 1> kOptions = {{
-    {"html", "OUT.html", "write a page to print instead, A4; - is standard output"},
+    {"html",
+     "OUT.html",
+     {"write a page to print instead, A4; - is standard output",
+      "scrie în schimb o pagină A4 de tipărit; - este ieșirea standard"}},
 }};
 
-constexpr std::string_view kDetails =
+constexpr Phrase kDetails = {
     "FILE.csv holds one invoice; - is standard input, a folder stands for its *.csv files in the order of their\n"
     "names. The file says who sells and buys, then the lines:\n\n"
     "  seller,Moara Veche SRL                          fields are separated by , or ; (or tabulators) and quoted\n"
@@ -47,7 +50,37 @@ constexpr std::string_view kDetails =
     "repeats its heading on every sheet. OUT.html is replaced when the page is whole.\n\n"
     "Examples:\n"
     "  kivtools invoice examples/invoice.csv\n"
-    "  kivtools invoice examples/invoice.csv --html factura.html\n";
+    "  kivtools invoice examples/invoice.csv --html factura.html\n",
+    "FILE.csv cuprinde o factură; - este intrarea standard, iar un dosar înseamnă fișierele lui *.csv în ordinea "
+    "numelor.\n"
+    "Fișierul spune cine vinde și cine cumpără, apoi rândurile:\n\n"
+    "  seller,Moara Veche SRL                          câmpurile sunt despărțite prin , sau ; (sau tabulatori) și "
+    "stau\n"
+    "  seller_code,RO12345674                          între \" unde cuprind un asemenea semn; UTF-8\n"
+    "  seller_account,RO95ZZBK0001506072834001         poate lipsi\n"
+    "  buyer,Cofetăria Țuțuianu SRL\n"
+    "  buyer_code,RO121212125                          poate lipsi\n"
+    "  buyer_account,RO26ZZBK0002917364500122          poate lipsi\n"
+    "  number,MV 1024\n"
+    "  date,2026-03-05                                 sau 05.03.2026\n"
+    "  due_date,2026-04-04                             poate lipsi, la fel seller_address, seller_register\n"
+    "  currency,EUR                                    (RON, EUR sau USD), buyer_address și buyer_register\n"
+    "  description,unit,quantity,unit_price,vat_rate\n"
+    "  Făină albă,kg,\"1.250,5\",\"3,20\",11\n\n"
+    "Sumele sunt românești (1.234,50) sau simple (1234.50), cu cel mult patru zecimale; 1.234 poate fi oricare și "
+    "este\n"
+    "refuzat. Valoarea unui rând este cantitatea înmulțită cu prețul, rotunjită la bani (jumătățile, dinspre zero); "
+    "TVA\n"
+    "se calculează la suma fiecărei cote. Restul îl spune docs/invoice.md.\n\n"
+    "Un fișier care nu este în regulă se anunță, cu rândul, și nu se tipărește; codul de ieșire este atunci 2. Un cod "
+    "fiscal\n"
+    "sau un IBAN greșit se anunță și se însemnează pe factură; codul de ieșire este atunci 1.\n\n"
+    "O pagină din --html nu are nevoie de nimic pe lângă ea. Dintre mai multe facturi, fiecare începe pe o foaie nouă, "
+    "iar\n"
+    "una lungă își repetă capul de tabel pe fiecare foaie. OUT.html se înlocuiește când pagina este întreagă.\n\n"
+    "Exemple:\n"
+    "  kivtools invoice examples/invoice.csv\n"
+    "  kivtools invoice examples/invoice.csv --html factura.html\n"};
 
 bool EndsInCsv(const std::filesystem::path& path) {
   std::string extension = Utf8FromPath(path.extension());
@@ -67,10 +100,10 @@ std::vector<std::string> FilesIn(const std::string& folder) {
     }
   }
   if (error) {
-    throw SystemError(ShownName(folder) + ": cannot be listed", error);
+    throw SystemError(Say({"{0}: cannot be listed", "{0}: nu se poate enumera"}, ShownName(folder)), error);
   }
   if (files.empty()) {
-    throw InputError(Shown(folder) + " holds no *.csv file");
+    throw InputError(Say({"{0} holds no *.csv file", "{0} nu cuprinde niciun fișier *.csv"}, Shown(folder)));
   }
   std::sort(files.begin(), files.end());
   return files;
@@ -83,22 +116,25 @@ Invoice ReadInvoiceFile(const std::string& file, const std::string& shownName) {
 
 /// Says which numbers of the parties are wrong.
 int ReportFaults(Session& session, const Invoice& invoice, const InvoiceFaults& faults, const std::string& shownName) {
+  static constexpr Phrase kCode = {"a valid fiscal code", "un cod fiscal valid"};
+  static constexpr Phrase kAccount = {"a valid account number", "un IBAN valid"};
   const struct {
     bool wrong;
     const char* field;
     const std::string& value;
-    const char* what;
+    const Phrase& what;
   } kNumbers[] = {
-      {faults.seller.code, "seller_code", invoice.seller.code, "a valid fiscal code"},
-      {faults.seller.account, "seller_account", invoice.seller.account, "a valid account number"},
-      {faults.buyer.code, "buyer_code", invoice.buyer.code, "a valid fiscal code"},
-      {faults.buyer.account, "buyer_account", invoice.buyer.account, "a valid account number"},
+      {faults.seller.code, "seller_code", invoice.seller.code, kCode},
+      {faults.seller.account, "seller_account", invoice.seller.account, kAccount},
+      {faults.buyer.code, "buyer_code", invoice.buyer.code, kCode},
+      {faults.buyer.account, "buyer_account", invoice.buyer.account, kAccount},
   };
   int result = kDone;
   for (const auto& [wrong, field, value, what] : kNumbers) {
     if (wrong) {
       session.out.Flush();  // so that the message comes after the invoice
-      session.Report(shownName + ": " + field + ": " + Shown(value) + " is not " + what);
+      session.Report(
+          Say({"{0}: {1}: {2} is not {3}", "{0}: {1}: {2} nu este {3}"}, shownName, field, Shown(value), what));
       result = kCheckSaidNo;
     }
   }
@@ -119,7 +155,7 @@ class Shower {
     try {
       totals = ComputeTotals(invoice);
     } catch (const InputError& error) {
-      throw InputError(shownName + ": " + error.what());
+      throw InputError(AsItIs(shownName + ": " + error.what()));
     }
     const InvoiceFaults faults = FindFaults(invoice, session_.Lib());
     const InvoiceTexts texts(invoice, totals, faults, session_.Lib());
@@ -150,7 +186,8 @@ class Shower {
   void RefuseAsPage(const std::string& file) const {
     std::error_code unknown;  // what cannot be asked is not the same
     if (page_ && file != "-" && std::filesystem::equivalent(PathFromUtf8(file), PathFromUtf8(*page_), unknown)) {
-      throw InputError(ShownName(*page_) + " is an invoice that is read");
+      throw InputError(
+          Say({"{0} is an invoice that is read", "{0} este o factură care se citește"}, ShownName(*page_)));
     }
   }
 
@@ -174,7 +211,7 @@ int RunInvoice(Session& session, const Arguments& arguments) {
   int result = kDone;
   const auto report = [&](const InputError& error) {
     session.out.Flush();  // so that the message comes after the invoices before it
-    session.Report(error.what());
+    session.Report(AsItIs(error.what()));
     result = kBadInput;
   };
   Shower shower(session, arguments.ValueOf("html"));
@@ -199,9 +236,14 @@ int RunInvoice(Session& session, const Arguments& arguments) {
   return result;
 }
 
-constexpr Command kCommand = {
-    "invoice", "Print an invoice from a CSV file", "FILE.csv|FOLDER|- ...", 1, kAnyNumber, kOptions, kDetails,
-    RunInvoice};
+constexpr Command kCommand = {"invoice",
+                              {"Print an invoice from a CSV file", "Tipărește o factură dintr-un fișier CSV"},
+                              "FILE.csv|FOLDER|- ...",
+                              1,
+                              kAnyNumber,
+                              kOptions,
+                              kDetails,
+                              RunInvoice};
 
 const Registration kRegistered(kCommand);
 

@@ -13,19 +13,30 @@ namespace kivtools {
 namespace {
 
 constexpr std::array<Option, 3> kOptions = {{
-    {"depth", "N", "no folders deeper than N; 0 is ROOT alone"},
-    {"json", "", "for machines: an array of the paths"},
-    {"null", "", "for machines: each path ends with a zero byte, not with the line"},
+    {"depth", "N", {"no folders deeper than N; 0 is ROOT alone", "fără dosare mai adânci de N; 0 este numai ROOT"}},
+    {"json", "", {"for machines: an array of the paths", "pentru programe: un tablou cu căile"}},
+    {"null",
+     "",
+     {"for machines: each path ends with a zero byte, not with the line",
+      "pentru programe: fiecare cale se încheie cu un octet zero, nu cu rândul"}},
 }};
 
-constexpr std::string_view kDetails =
+constexpr Phrase kDetails = {
     "Prints the paths of the files in ROOT and below it, in the file system's order. With one EXT or more they are "
     "those\n"
     "with such an extension, written without the dot, in small or capital letters; an empty one takes files without\n"
     "any. A link is a file here, and nobody goes where it leads. What cannot be read is told at the end.\n\n"
     "Examples:\n"
     "  kivtools list /date dbf mdb\n"
-    "  kivtools list --null /date tmp | xargs -0 ls -l\n";
+    "  kivtools list --null /date tmp | xargs -0 ls -l\n",
+    "Scrie căile fișierelor din ROOT și de sub el, în ordinea sistemului de fișiere. Cu unul sau mai multe EXT sunt "
+    "cele cu o\n"
+    "asemenea extensie, scrisă fără punct, cu litere mici sau mari; una goală înseamnă fișierele fără extensie. O "
+    "legătură\n"
+    "este aici un fișier, iar unde duce ea nu se merge. Ce nu se poate citi se spune la sfârșit.\n\n"
+    "Exemple:\n"
+    "  kivtools list /date dbf mdb\n"
+    "  kivtools list --null /date tmp | xargs -0 ls -l\n"};
 
 /// Writes a path as the options have it. A person's terminal gets no control characters.
 class PathWriter {
@@ -40,7 +51,7 @@ class PathWriter {
     if (json_) {
       out_.Write((first_ ? "[" : ",\n ") + JsonString(path));
     } else {
-      out_.Write((seen_ && !WhyNotPrintable(path).empty() ? Shown(path, path.size()) : path) + end_);
+      out_.Write((seen_ && WhyNotPrintable(path) != nullptr ? Shown(path, path.size()) : path) + end_);
     }
     first_ = false;
   }
@@ -68,26 +79,30 @@ int RunList(Session& session, const Arguments& arguments) {
   }
   std::optional<std::int32_t> depth;
   if (const auto text = arguments.ValueOf("depth")) {
-    depth = ReadWholeNumber(*text, 0, std::numeric_limits<std::int32_t>::max(), "a depth");
+    depth = ReadWholeNumber(*text, 0, std::numeric_limits<std::int32_t>::max(), {"a depth", "o adâncime"});
   }
   if (arguments.Has("json") && arguments.Has("null")) {
-    throw InputError("\"--json\" and \"--null\" do not go together");
+    throw InputError(
+        Say({"\"--json\" and \"--null\" do not go together", "\"--json\" și \"--null\" nu merg împreună"}));
   }
-  std::vector<std::string> failures;
+  std::vector<Said> failures;
   PathWriter writer(session.out, arguments);
   {
-    const TreeWork work(session.Lib(), [&](const std::string& message) { failures.push_back(message); });
+    const TreeWork work(session.Lib(), [&](const Said& message) { failures.push_back(message); });
     session.Lib().ForEachFile(root, extensions, depth, [&](const std::string& path) { writer.Write(path); });
   }
   writer.Finish();
-  for (const std::string& failure : failures) {
+  for (const Said& failure : failures) {
     session.Report(failure);
   }
   return failures.empty() ? kDone : kBadInput;
 }
 
 constexpr Command kCommand = {
-    "list", "List the files of a folder tree", "ROOT [EXT...]", 1, kAnyNumber, kOptions, kDetails, RunList};
+    "list",          {"List the files of a folder tree", "Enumeră fișierele unui dosar și de sub el"},
+    "ROOT [EXT...]", 1,
+    kAnyNumber,      kOptions,
+    kDetails,        RunList};
 const Registration kRegistered(kCommand);
 
 }  // namespace

@@ -10,12 +10,14 @@ namespace kivtools {
 namespace {
 
 constexpr auto kOptions = WithValueOptions<3>({{
-    {"decimals", "N", "decimals to show, 0 to 4 (2); further ones are cut"},
-    {"no-space", "", "no blank after the comma"},
-    {"parse", "TEXT", "read a Romanian amount and print it plainly"},
+    {"decimals",
+     "N",
+     {"decimals to show, 0 to 4 (2); further ones are cut", "câte zecimale, de la 0 la 4 (2); cele de după se taie"}},
+    {"no-space", "", {"no blank after the comma", "fără spațiu după virgulă"}},
+    {"parse", "TEXT", {"read a Romanian amount and print it plainly", "citește o sumă românească și o scrie simplu"}},
 }});
 
-constexpr std::string_view kDetails =
+constexpr Phrase kDetails = {
     "AMOUNT is written 1.234,56, 1234,56 or 1234.56, with at most four decimals and with lei, RON or EUR behind it or\n"
     "not; 1.234 alone could be either number and is refused. TEXT is read as the library reads amounts: a comma "
     "before\n"
@@ -23,14 +25,24 @@ constexpr std::string_view kDetails =
     "Examples:\n"
     "  kivtools money 1234567.89                  1.234.567, 89\n"
     "  kivtools money --no-space -1234.5          -1.234,50\n"
-    "  kivtools money --parse \"1.234,5\"           1234.5\n";
+    "  kivtools money --parse \"1.234,5\"           1234.5\n",
+    "AMOUNT se scrie 1.234,56, 1234,56 sau 1234.56, cu cel mult patru zecimale, cu sau fără lei, RON sau EUR în urmă; "
+    "1.234\n"
+    "singur poate fi oricare dintre două numere și este refuzat. TEXT se citește cum citește biblioteca sumele: "
+    "virgulă\n"
+    "înaintea zecimalelor; peste puncte și spații se trece, zecimalele de după a patra se taie.\n\n"
+    "Exemple:\n"
+    "  kivtools money 1234567,89                  1.234.567, 89\n"
+    "  kivtools money --no-space -1234,5          -1.234,50\n"
+    "  kivtools money --parse \"1.234,5\"           1234.5\n"};
 
 class Money final : public ValueWork {
  public:
   Money(const Library& library, const Arguments& arguments)
       : ValueWork("money"),
         library_(library),
-        decimals_(ReadWholeNumber(arguments.ValueOf("decimals").value_or("2"), 0, 4, "a number of decimals")),
+        decimals_(ReadWholeNumber(arguments.ValueOf("decimals").value_or("2"), 0, 4,
+                                  {"a number of decimals", "un număr de zecimale"})),
         noSpace_(arguments.Has("no-space")) {}
 
   bool AppendAnswer(std::string_view value, TextBuffer& out) const override {
@@ -48,7 +60,7 @@ class Money final : public ValueWork {
 std::string Parse(const Library& library, const Arguments& arguments) {
   const auto isGiven = [&](const Option& option) { return option.name != "parse" && arguments.Has(option.name); };
   if (!arguments.Values().empty() || std::ranges::any_of(kOptions, isGiven)) {
-    throw InputError("\"--parse\" goes with nothing but its TEXT");
+    throw InputError(Say({"\"--parse\" goes with nothing but its TEXT", "\"--parse\" merge numai cu TEXT"}));
   }
   return WritePlainAmount(library.ReadMoney(*arguments.ValueOf("parse")));
 }
@@ -61,15 +73,16 @@ int RunMoney(Session& session, const Arguments& arguments) {
   return AnswerValues(session, arguments, arguments.Values(), Money(session.Lib(), arguments), {"AMOUNT"});
 }
 
-constexpr Command kCommand = {"money",
-                              "Write an amount with Romanian separators, or read one",
-                              "AMOUNT ...|-|FILE ...",
-                              0,
-                              kAnyNumber,
-                              kOptions,
-                              kDetails,
-                              RunMoney,
-                              true};
+constexpr Command kCommand = {
+    "money",
+    {"Write an amount with Romanian separators, or read one", "Scrie o sumă cu separatorii românești sau citește una"},
+    "AMOUNT ...|-|FILE ...",
+    0,
+    kAnyNumber,
+    kOptions,
+    kDetails,
+    RunMoney,
+    true};
 
 const Registration kRegistered(kCommand);
 

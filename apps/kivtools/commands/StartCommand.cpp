@@ -4,14 +4,21 @@
 namespace kivtools {
 namespace {
 
-constexpr std::string_view kDetails =
+constexpr Phrase kDetails = {
     "Starts a program in its own folder and does not wait for it. PROGRAM is the path of its file; the folders of "
     "PATH\n"
     "are not searched. PARAMETERS is one argument with everything that the program gets; quote it as a whole. "
     "Elsewhere\n"
     "than on Windows it is split at blanks, and double quotes within it keep a parameter together.\n\n"
     "Example:\n"
-    "  kivtools start /usr/bin/xdg-open '\"/home/ana/Raport anual.pdf\"'\n";
+    "  kivtools start /usr/bin/xdg-open '\"/home/ana/Raport anual.pdf\"'\n",
+    "Pornește un program în dosarul lui și nu îl așteaptă. PROGRAM este calea fișierului; în dosarele din PATH nu se "
+    "caută.\n"
+    "PARAMETERS este un singur argument cu tot ce primește programul; puneți-l între ghilimele cu totul. În afara "
+    "Windows\n"
+    "este despărțit la spații, iar ghilimelele din el țin un parametru la un loc.\n\n"
+    "Exemplu:\n"
+    "  kivtools start /usr/bin/xdg-open '\"/home/ana/Raport anual.pdf\"'\n"};
 
 int RunStart(Session& session, const Arguments& arguments) {
   const std::string& program = arguments.Values().front();
@@ -19,8 +26,14 @@ int RunStart(Session& session, const Arguments& arguments) {
   return kDone;
 }
 
-constexpr Command kCommand = {
-    "start", "Start a program and do not wait for it", "PROGRAM [PARAMETERS]", 1, 2, {}, kDetails, RunStart};
+constexpr Command kCommand = {"start",
+                              {"Start a program and do not wait for it", "Pornește un program și nu îl așteaptă"},
+                              "PROGRAM [PARAMETERS]",
+                              1,
+                              2,
+                              {},
+                              kDetails,
+                              RunStart};
 
 const Registration kRegistered(kCommand);
 

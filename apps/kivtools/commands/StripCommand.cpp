@@ -3,11 +3,16 @@
 namespace kivtools {
 namespace {
 
-constexpr std::string_view kDetails =
+constexpr Phrase kDetails = {
     "Letters outside Windows-1250 are refused. A question mark becomes a t: it is taken for a letter that an earlier\n"
     "conversion lost.\n\n"
     "Example:\n"
-    "  kivtools strip \"Țara Românească\"    Tara Romaneasca\n";
+    "  kivtools strip \"Țara Românească\"    Tara Romaneasca\n",
+    "Literele din afara Windows-1250 sunt refuzate. Un semn de întrebare devine t: este luat drept o literă pierdută "
+    "la o\n"
+    "conversie de mai demult.\n\n"
+    "Exemplu:\n"
+    "  kivtools strip \"Țara Românească\"    Tara Romaneasca\n"};
 
 class Strip final : public ValueWork {
  public:
@@ -26,15 +31,16 @@ int RunStrip(Session& session, const Arguments& arguments) {
   return AnswerValues(session, arguments, arguments.Values(), Strip(session.Lib()), {"TEXT"});
 }
 
-constexpr Command kCommand = {"strip",
-                              "Take the Romanian diacritics off a text",
-                              "TEXT ...|-|FILE ...",
-                              0,
-                              kAnyNumber,
-                              kValueOptions,
-                              kDetails,
-                              RunStrip,
-                              true};
+constexpr Command kCommand = {
+    "strip",
+    {"Take the Romanian diacritics off a text", "Scoate diacriticele românești dintr-un text"},
+    "TEXT ...|-|FILE ...",
+    0,
+    kAnyNumber,
+    kValueOptions,
+    kDetails,
+    RunStrip,
+    true};
 
 const Registration kRegistered(kCommand);
 

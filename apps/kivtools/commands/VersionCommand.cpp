@@ -11,14 +11,23 @@
 namespace kivtools {
 namespace {
 
-constexpr std::array<Option, 1> kOptions = {{{"json", "", "for machines: an array with an object for each file"}}};
+constexpr std::array<Option, 1> kOptions = {{{"json",
+                                              "",
+                                              {"for machines: an array with an object for each file",
+                                               "pentru programe: un tablou cu câte un obiect de fișier"}}}};
 
-constexpr std::string_view kDetails =
+constexpr Phrase kDetails = {
     "Reads the version resource of Windows programs and libraries, on every system. What has none, or is damaged,\n"
     "shows \"<info not available>\".\n\n"
     "Examples:\n"
     "  kivtools version app.exe\n"
-    "  kivtools version --json *.dll\n";
+    "  kivtools version --json *.dll\n",
+    "Citește resursa de versiune a programelor și bibliotecilor Windows, pe orice sistem. Ce nu are una, sau o are "
+    "stricată,\n"
+    "arată \"<info not available>\".\n\n"
+    "Exemple:\n"
+    "  kivtools version app.exe\n"
+    "  kivtools version --json *.dll\n"};
 
 using Fields = std::vector<Library::VersionField>;
 
@@ -56,7 +65,7 @@ int RunVersion(Session& session, const Arguments& arguments) {
       separator = json ? ",\n " : "\n";
     } catch (const InputError& error) {
       session.out.Flush();  // so that the message comes after the files before it
-      session.Report(error.what());
+      session.Report(AsItIs(error.what()));
       result = kBadInput;
     }
   }
@@ -67,8 +76,10 @@ int RunVersion(Session& session, const Arguments& arguments) {
 }
 
 constexpr Command kCommand = {
-    "version", "Show the version resources of Windows programs", "FILE...", 1, kAnyNumber, kOptions, kDetails,
-    RunVersion};
+    "version",  {"Show the version resources of Windows programs", "Arată versiunea programelor Windows"},
+    "FILE...",  1,
+    kAnyNumber, kOptions,
+    kDetails,   RunVersion};
 
 const Registration kRegistered(kCommand);
 

@@ -14,13 +14,19 @@ namespace kivtools {
 namespace {
 
 constexpr auto kOptions = WithValueOptions<4>({{
-    {"compact", "", "the compact form: the bani in digits, no blanks"},
-    {"number", "", "AMOUNT is a whole number, not money"},
-    {"readable", "", "as people read it: with diacritics and blanks, of any size, EUR too"},
-    {"currency", "CODE", "with --readable: RON, EUR, USD or six fields as \"leu,lei,m,ban,bani,m\""},
+    {"compact", "", {"the compact form: the bani in digits, no blanks", "forma compactă: banii în cifre, fără spații"}},
+    {"number", "", {"AMOUNT is a whole number, not money", "AMOUNT este un număr întreg, nu bani"}},
+    {"readable",
+     "",
+     {"as people read it: with diacritics and blanks, of any size, EUR too",
+      "cum se citește: cu diacritice și spații, de orice mărime, și în EUR"}},
+    {"currency",
+     "CODE",
+     {"with --readable: RON, EUR, USD or six fields as \"leu,lei,m,ban,bani,m\"",
+      "cu --readable: RON, EUR, USD sau șase câmpuri ca \"leu,lei,m,ban,bani,m\""}},
 }});
 
-constexpr std::string_view kDetails =
+constexpr Phrase kDetails = {
     "AMOUNT is written 1.234,56, 1234,56 or 1234.56, with at most four decimals and with lei or RON behind it or not;\n"
     "1.234 alone could be either number and is refused. What is below a ban is cut.\n"
     "Amounts of a billion or more and negative ones have words with --readable only. The six fields of a currency are\n"
@@ -31,7 +37,20 @@ constexpr std::string_view kDetails =
     "  kivtools words --number 21       DOUAZECISIUNU\n"
     "  kivtools words --readable 2304.50 două mii trei sute patru lei și cincizeci de bani\n"
     "  kivtools words --readable --currency EUR -21\n"
-    "  kivtools words --csv total --add in_litere facturi.csv > facturi-litere.csv\n";
+    "  kivtools words --csv total --add in_litere facturi.csv > facturi-litere.csv\n",
+    "AMOUNT se scrie 1.234,56, 1234,56 sau 1234.56, cu cel mult patru zecimale, cu sau fără lei ori RON în urmă; 1.234 "
+    "singur\n"
+    "poate fi oricare dintre două numere și este refuzat. Ce este sub un ban se taie.\n"
+    "Sumele de la un miliard în sus și cele negative au cuvinte numai cu --readable. Cele șase câmpuri ale unei monede "
+    "sunt\n"
+    "singularul, pluralul și genul (m, f sau n) unității și al sutimii ei.\n\n"
+    "Exemple:\n"
+    "  kivtools words 1234,56           UNAMIEDOUASUTETREIZECISIPATRU LEI SI CINCIZECISISASE BANI\n"
+    "  kivtools words --compact 1,05    UNLEU,05BANI\n"
+    "  kivtools words --number 21       DOUAZECISIUNU\n"
+    "  kivtools words --readable 2304,50 două mii trei sute patru lei și cincizeci de bani\n"
+    "  kivtools words --readable --currency EUR -21\n"
+    "  kivtools words --csv total --add in_litere facturi.csv > facturi-litere.csv\n"};
 
 class Words final : public ValueWork {
  public:
@@ -48,9 +67,10 @@ class Words final : public ValueWork {
       out += Of(value);
       return true;
     } catch (const LibraryError& error) {
-      throw InputError(Shown(value) + ": " + error.what());  // the library names only the group of digits it refused
+      throw InputError(
+          AsItIs(Shown(value) + ": " + error.what()));  // the library names only the group of digits it refused
     } catch (const InputError& error) {
-      throw InputError(Shown(value) + " " + error.what());
+      throw InputError(AsItIs(Shown(value) + " " + error.what()));
     }
   }
 
@@ -69,7 +89,7 @@ class Words final : public ValueWork {
 
   [[nodiscard]] std::string Readable(const Amount& amount) const {
     if (currency_ && !amount.currency.empty() && amount.currency != *currency_) {
-      throw InputError("is in " + std::string(amount.currency) + ", not in " + *currency_);
+      throw InputError(Say({"is in {0}, not in {1}", "este în {0}, nu în {1}"}, amount.currency, *currency_));
     }
     const std::string_view own = amount.currency.empty() ? "RON" : amount.currency;
     return library_.SumInReadableWords(amount.value, currency_ ? std::string_view(*currency_) : own);
@@ -80,7 +100,8 @@ class Words final : public ValueWork {
     using Limits = std::numeric_limits<std::int32_t>;
     const std::int64_t number = ReadNumber(value, 0) / kiv::Currency::kPerUnit;
     if (number < Limits::min() || number > Limits::max()) {
-      throw InputError("is not a whole number from -2147483648 to 2147483647");
+      throw InputError(Say({"is not a whole number from -2147483648 to 2147483647",
+                            "nu este un număr întreg de la -2147483648 la 2147483647"}));
     }
     return static_cast<std::int32_t>(number);
   }
@@ -94,14 +115,17 @@ class Words final : public ValueWork {
 
 int RunWords(Session& session, const Arguments& arguments) {
   if (arguments.Has("number") && arguments.Has("compact")) {
-    throw InputError("\"--compact\" is for money and does not go with --number");
+    throw InputError(Say({"\"--compact\" is for money and does not go with --number",
+                          "\"--compact\" este pentru bani și nu merge cu --number"}));
   }
   if (arguments.Has("readable") && arguments.Has("compact")) {
-    throw InputError("\"--readable\" and \"--compact\" are two forms");
+    throw InputError(Say({"\"--readable\" and \"--compact\" are two forms",
+                          "\"--readable\" și \"--compact\" sunt două forme diferite"}));
   }
   const std::optional<std::string> currency = arguments.ValueOf("currency");
   if (currency && (!arguments.Has("readable") || arguments.Has("number"))) {
-    throw InputError("\"--currency\" goes with --readable, for money");
+    throw InputError(
+        Say({"\"--currency\" goes with --readable, for money", "\"--currency\" merge cu --readable, pentru bani"}));
   }
   if (currency) {
     std::ignore = session.Lib().SumInReadableWords(0, *currency);  // refuses one that is none
@@ -109,8 +133,15 @@ int RunWords(Session& session, const Arguments& arguments) {
   return AnswerValues(session, arguments, arguments.Values(), Words(session.Lib(), arguments), {"AMOUNT"});
 }
 
-constexpr Command kCommand = {
-    "words", "Write an amount in words", "AMOUNT ...|-|FILE ...", 0, kAnyNumber, kOptions, kDetails, RunWords, true};
+constexpr Command kCommand = {"words",
+                              {"Write an amount in words", "Scrie o sumă în litere"},
+                              "AMOUNT ...|-|FILE ...",
+                              0,
+                              kAnyNumber,
+                              kOptions,
+                              kDetails,
+                              RunWords,
+                              true};
 
 const Registration kRegistered(kCommand);
 

@@ -25,8 +25,10 @@ void Block::Reserve(std::size_t capacity) {
 }
 
 BlockReader::RecordTooLong::RecordTooLong(RecordKind kind)
-    : InputError(kind == RecordKind::Line ? "a line of more than 16 MiB"
-                                          : "a record of more than 16 MiB; does a quote lack its end?") {}
+    : InputError(kind == RecordKind::Line
+                     ? Say({"a line of more than 16 MiB", "un rând de peste 16 MiB"})
+                     : Say({"a record of more than 16 MiB; does a quote lack its end?",
+                            "o înregistrare de peste 16 MiB; lipsește cumva o ghilimea de încheiere?"})) {}
 
 BlockReader::BlockReader(ByteSource source, RecordKind kind, ByteOrderMark mark)
     : source_(std::move(source)), kind_(kind), startsWithMark_(mark == ByteOrderMark::Drop) {}
@@ -59,7 +61,7 @@ std::string_view BlockReader::PeekFirst() {
     CheckLength(end);
     return {pending_.bytes_.get(), end};
   } catch (const RecordTooLong& error) {
-    throw LineError(firstLine_, error.what());
+    throw LineError(firstLine_, AsItIs(error.what()));
   }
 }
 

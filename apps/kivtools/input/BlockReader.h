@@ -17,7 +17,7 @@ using ByteSource = std::function<std::size_t(char* into, std::size_t capacity)>;
 /// A fault of the input on a line, counted from 1. The message names neither the line nor the file.
 class LineError : public InputError {
  public:
-  LineError(std::uint64_t line, const std::string& message) : InputError(message), line_(line) {}
+  LineError(std::uint64_t line, const Said& message) : InputError(message), line_(line) {}
   [[nodiscard]] std::uint64_t Line() const noexcept { return line_; }
 
  private:

@@ -57,8 +57,8 @@ std::span<char> CsvRecords::TakeRecord() {
   return record;
 }
 
-void CsvRecords::Fail(const char* what) const {
-  throw LineError(line_, "field " + std::to_string(fields_.size() + 1) + ": " + what);
+void CsvRecords::Fail(const Phrase& what) const {
+  throw LineError(line_, Say({"field {0}: {1}", "câmpul {0}: {1}"}, fields_.size() + 1, what));
 }
 
 void CsvRecords::Split(std::string_view record) {
@@ -79,13 +79,13 @@ void CsvRecords::SplitQuoted(std::span<char> record) {
     if (at < text.size() && text[at] == '"') {
       field = TakeQuoted(record, at);
       if (at < text.size() && text[at] != separator_) {
-        Fail("text behind the closing quote");
+        Fail({"text behind the closing quote", "text după ghilimeaua de încheiere"});
       }
     } else {
       const std::size_t end = FindByte(text, separator_, at);
       field = text.substr(at, end - at);
       if (FindByte(field, '"', 0) != field.size()) {
-        Fail("a quote inside a field that is not quoted");
+        Fail({"a quote inside a field that is not quoted", "o ghilimea într-un câmp care nu stă între ghilimele"});
       }
       at = end;
     }
@@ -104,7 +104,7 @@ std::string_view CsvRecords::TakeQuoted(std::span<char> record, std::size_t& at)
   for (;;) {
     const std::size_t quote = FindByte(text, '"', at);
     if (quote == text.size()) {
-      Fail("the closing quote is missing");
+      Fail({"the closing quote is missing", "lipsește ghilimeaua de încheiere"});
     }
     std::memmove(record.data() + written, record.data() + at, quote - at);
     written += quote - at;
@@ -137,7 +137,7 @@ bool CsvReader::NextBlock() {
       return false;
     }
   } catch (const BlockReader::RecordTooLong& error) {
-    throw LineError(records_.NextLine(), error.what());
+    throw LineError(records_.NextLine(), AsItIs(error.what()));
   }
   records_ = CsvRecords(block_.Text(), separator_, records_.NextLine());
   return true;

@@ -41,7 +41,7 @@ class CsvRecords {
   void Split(std::string_view record);
   void SplitQuoted(std::span<char> record);
   std::string_view TakeQuoted(std::span<char> record, std::size_t& at);
-  [[noreturn]] void Fail(const char* what) const;
+  [[noreturn]] void Fail(const Phrase& what) const;
 
   std::span<char> text_;  // what is to come
   std::vector<std::string_view> fields_;

@@ -48,7 +48,7 @@ void ForEachBlock(BlockReader& reader, const Work& work, const Deliver& deliver,
         std::rethrow_exception(task.job.fault);
       }
     } catch (const LineError& error) {
-      throw LineError(line - 1 + error.Line(), error.what());
+      throw LineError(line - 1 + error.Line(), AsItIs(error.what()));
     }
     line += task.lines;
   };
@@ -62,7 +62,7 @@ void ForEachBlock(BlockReader& reader, const Work& work, const Deliver& deliver,
       return reader.Next(block);
     } catch (const BlockReader::RecordTooLong& error) {
       finishAll();
-      throw LineError(line, error.what());
+      throw LineError(line, AsItIs(error.what()));
     } catch (...) {
       finishAll();
       throw;

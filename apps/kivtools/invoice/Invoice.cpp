@@ -14,9 +14,10 @@ constexpr std::int64_t kUnit = kiv::Currency::kPerUnit;
 /// The most bani that are still an amount of money when counted in ten-thousandths.
 constexpr std::int64_t kMostBani = std::numeric_limits<std::int64_t>::max() / 100;
 
-std::int64_t InRange(std::int64_t bani, const char* what) {
+std::int64_t InRange(std::int64_t bani, const Phrase& what) {
   if (bani > kMostBani || bani < -kMostBani) {
-    throw InputError(std::string(what) + " is more than 922.337.203.685.477,58 lei");
+    throw InputError(
+        Say({"{0} is more than 922.337.203.685.477,58 lei", "{0} depășește 922.337.203.685.477,58 lei"}, what));
   }
   return bani;
 }
@@ -42,7 +43,7 @@ std::int64_t LineValue(std::int64_t quantity, std::int64_t unitPrice) {
       __builtin_add_overflow(whole, RoundedQuotient(middle % 100 * kUnit + b * d, 1'000'000), &whole)) {
     whole = std::numeric_limits<std::int64_t>::max();
   }
-  return InRange(whole, "times the quantity");
+  return InRange(whole, {"times the quantity", "înmulțit cu cantitatea"});
 }
 
 std::int64_t VatOn(std::int64_t base, std::int32_t rate) {
@@ -55,14 +56,15 @@ InvoiceTotals ComputeTotals(const Invoice& invoice) {
   InvoiceTotals totals;
   for (const InvoiceItem& item : invoice.items) {
     std::int64_t& base = bases[item.vatRate];
-    base = InRange(base + item.value, "the sum of the lines of one VAT rate");
-    totals.base = InRange(totals.base + item.value, "the sum of the lines");
+    base =
+        InRange(base + item.value, {"the sum of the lines of one VAT rate", "suma rândurilor cu aceeași cotă de TVA"});
+    totals.base = InRange(totals.base + item.value, {"the sum of the lines", "suma rândurilor"});
   }
   for (const auto& [rate, base] : bases) {
     totals.groups.push_back({rate, base, VatOn(base, rate)});
-    totals.vat = InRange(totals.vat + totals.groups.back().vat, "the sum of VAT");
+    totals.vat = InRange(totals.vat + totals.groups.back().vat, {"the sum of VAT", "suma TVA"});
   }
-  totals.total = InRange(totals.base + totals.vat, "the total");
+  totals.total = InRange(totals.base + totals.vat, {"the total", "totalul"});
   return totals;
 }
 

@@ -52,8 +52,8 @@ std::string CleanText(std::string_view field, bool lines) {
       text.erase(at, 1);
     }
   }
-  if (const std::string_view fault = WhyNotPrintable(text, lines); !fault.empty()) {
-    throw InputError(std::string(fault));
+  if (const Phrase* const fault = WhyNotPrintable(text, lines); fault != nullptr) {
+    throw InputError(Say(*fault));
   }
   return text;
 }
@@ -66,7 +66,7 @@ std::chrono::year_month_day ReadInvoiceDate(std::string_view text) {
 
 std::string ReadCurrency(std::string_view text) {
   if (std::ranges::find(kCurrencies, text) == kCurrencies.end()) {
-    throw InputError("is not RON, EUR or USD");
+    throw InputError(Say({"is not RON, EUR or USD", "nu este RON, EUR sau USD"}));
   }
   return std::string(text);
 }
@@ -75,7 +75,7 @@ std::int32_t ReadVatRate(std::string_view text) {
   const bool signedPercent = text.ends_with('%');
   const std::int64_t rate = ReadNumber(signedPercent ? text.substr(0, text.size() - 1) : text, 2);
   if (rate < 0 || rate > 100 * kiv::Currency::kPerUnit) {
-    throw InputError("is not a rate from 0 to 100 percent");
+    throw InputError(Say({"is not a rate from 0 to 100 percent", "nu este o cotă de la 0 la 100 la sută"}));
   }
   return static_cast<std::int32_t>(rate / 100);
 }
@@ -93,11 +93,11 @@ class Reader {
       ReadItem();
     }
     if (invoice_.items.empty()) {
-      throw InputError(name_ + ": there are no lines");
+      throw InputError(Say({"{0}: there are no lines", "{0}: nu are rânduri"}, name_));
     }
     return std::move(invoice_);
   } catch (const LineError& error) {
-    throw InputError(name_ + ":" + std::to_string(error.Line()) + ": " + error.what());
+    throw InputError(AtLine(name_, error.Line(), error.what()));
   }
 
  private:
@@ -121,9 +121,7 @@ class Reader {
     return index < fields.size() ? Trimmed(fields[index]) : std::string_view();
   }
 
-  [[noreturn]] void Fail(const std::string& what) const {
-    throw InputError(name_ + ":" + std::to_string(csv_.Line()) + ": " + what);
-  }
+  [[noreturn]] void Fail(const Said& what) const { throw InputError(AtLine(name_, csv_.Line(), what.Text())); }
 
   /// Reads one field by `read`; a refusal becomes a message with line, field name and value.
   template <class Read>
@@ -131,13 +129,13 @@ class Reader {
     try {
       return read(value);
     } catch (const InputError& error) {
-      Fail(std::string(fieldName) + ": " + Shown(value) + " " + error.what());
+      Fail(AsItIs(std::string(fieldName) + ": " + Shown(value) + " " + error.what()));
     }
   }
 
   std::string TakeText(std::string_view fieldName, std::string_view value, bool required, bool lines = false) const {
     if (required && value.empty()) {
-      Fail(std::string(fieldName) + ": \"\" is empty");
+      Fail(Say({"{0}: \"\" is empty", "{0}: \"\" este gol"}, fieldName));
     }
     return Take(fieldName, value, [lines](std::string_view text) { return CleanText(text, lines); });
   }
@@ -148,8 +146,12 @@ class Reader {
     }
     for (std::size_t i = 0; i < std::max(count_, kItemFields.size()); ++i) {
       if (i >= kItemFields.size() || Field(i) != kItemFields[i]) {
-        Fail("field " + std::to_string(i + 1) + ": " + Shown(Field(i)) + " is not the heading " +
-             (i < kItemFields.size() ? Shown(kItemFields[i]) : "of anything"));
+        Fail(i < kItemFields.size()
+                 ? Say({"field {0}: {1} is not the heading {2}", "câmpul {0}: {1} nu este titlul {2}"}, i + 1,
+                       Shown(Field(i)), Shown(kItemFields[i]))
+                 : Say({"field {0}: {1} is not the heading of anything",
+                        "câmpul {0}: {1} nu este titlul niciunei coloane"},
+                       i + 1, Shown(Field(i))));
       }
     }
     headingSeen_ = true;
@@ -161,13 +163,15 @@ class Reader {
     const auto* const field =
         std::find_if(kHeaderFields.begin(), kHeaderFields.end(), [key](const auto& known) { return known.key == key; });
     if (field == kHeaderFields.end()) {
-      Fail("field 1: " + Shown(key) + " is neither a key (seller, ...) nor the heading \"description\"");
+      Fail(Say({"field 1: {0} is neither a key (seller, ...) nor the heading \"description\"",
+                "câmpul 1: {0} nu este nici o cheie (seller, ...), nici titlul \"description\""},
+               Shown(key)));
     }
     if (std::exchange(seen_[static_cast<std::size_t>(field - kHeaderFields.begin())], true)) {
-      Fail(std::string(key) + ": " + Shown(Field(1)) + " is given a second time");
+      Fail(Say({"{0}: {1} is given a second time", "{0}: {1} este dat a doua oară"}, key, Shown(Field(1))));
     }
     if (count_ > 2) {
-      Fail(std::string(key) + ": " + Shown(Field(2)) + " stands behind the value");
+      Fail(Say({"{0}: {1} stands behind the value", "{0}: {1} stă după valoare"}, key, Shown(Field(2))));
     }
     if (field->date != nullptr) {
       if (field->required || !Field(1).empty()) {
@@ -183,17 +187,20 @@ class Reader {
   void CheckHeader() const {
     for (std::size_t i = 0; i < kHeaderFields.size(); ++i) {
       if (kHeaderFields[i].required && !seen_[i]) {
-        Fail(std::string(kHeaderFields[i].key) + " is missing");
+        Fail(IsMissing(kHeaderFields[i].key));
       }
     }
     if (!headingSeen_) {
-      Fail("the row \"description,unit,quantity,unit_price,vat_rate\" is missing");
+      Fail(Say({"the row \"description,unit,quantity,unit_price,vat_rate\" is missing",
+                "lipsește rândul \"description,unit,quantity,unit_price,vat_rate\""}));
     }
   }
 
   void ReadItem() {
     if (count_ > kItemFields.size()) {
-      Fail("field 6: " + Shown(Field(5)) + " is one too many (is a value with a comma not in quotes?)");
+      Fail(Say({"field 6: {0} is one too many (is a value with a comma not in quotes?)",
+                "câmpul 6: {0} este în plus (stă o valoare cu virgulă fără ghilimele?)"},
+               Shown(Field(5))));
     }
     InvoiceItem item;
     item.description = TakeText(kItemFields[0], Field(0), true, true);

@@ -50,11 +50,15 @@ class Report {
     if (!rules_.isCheck) {
       return;
     }
-    const auto part = [](std::uint64_t count, const char* what) {
-      return count == 0 ? std::string() : ", " + std::to_string(count) + what;
-    };
-    WriteError(std::to_string(counts_.answered) + " checked, " + std::to_string(counts_.invalid) + " invalid" +
-               part(counts_.blank, " blank") + part(counts_.tooShort, " too short"));
+    std::string summary =
+        Say({"{0} checked, {1} invalid", "verificate: {0}, nevalide: {1}"}, counts_.answered, counts_.invalid).Text();
+    if (counts_.blank > 0) {
+      summary += Say({", {0} blank", ", goale: {0}"}, counts_.blank);
+    }
+    if (counts_.tooShort > 0) {
+      summary += Say({", {0} too short", ", prea scurte: {0}"}, counts_.tooShort);
+    }
+    WriteError(summary);
   }
   [[nodiscard]] bool HasAny() const noexcept { return counts_.answered + counts_.blank > 0; }
   [[nodiscard]] int Result() const noexcept {
@@ -90,7 +94,9 @@ Column FindColumn(BlockReader& reader, const std::string& column, const std::opt
   Column found{SeparatorOf(first), 0, 0, std::nullopt};
   const bool byNumber = IsNumber(column);
   if (byNumber) {
-    found.place = static_cast<std::size_t>(ReadWholeNumber(column, 1, kMost, "the number of a column")) - 1;
+    found.place = static_cast<std::size_t>(
+                      ReadWholeNumber(column, 1, kMost, {"the number of a column", "numărul unei coloane"})) -
+                  1;
     if (!added) {
       return found;
     }
@@ -104,10 +110,11 @@ Column FindColumn(BlockReader& reader, const std::string& column, const std::opt
   }
   const auto at = std::ranges::find(fields, column);
   if (at == fields.end()) {
-    throw InputError(Shown(column) + " is not in the first row");
+    throw InputError(Say({"{0} is not in the first row", "{0} nu este în primul rând"}, Shown(column)));
   }
   if (added && std::ranges::find(fields, *added) != fields.end()) {
-    throw InputError("--add " + Shown(*added) + ": the file has such a column");
+    throw InputError(Say({"--add {0}: the file has such a column", "--add {0}: fișierul are deja o asemenea coloană"},
+                         Shown(*added)));
   }
   if (fields.size() == 1 && !added) {
     found.separator = '\n';  // none has been seen: a comma is a part of the value
@@ -219,7 +226,7 @@ void AnswerFile(const std::string& name, const ValueWork& work, const ValueRules
     if (name == "-") {
       throw;
     }
-    throw InputError(ShownName(name) + ":" + std::to_string(error.Line()) + ": " + error.what());
+    throw InputError(AtLine(ShownName(name), error.Line(), error.what()));
   }
 }
 
@@ -256,11 +263,15 @@ void AnswerTyped(const Session& session, std::span<const std::string> values, co
     try {
       answerer.Typed(value, answers);
     } catch (const InputError& error) {
-      throw InputError(error.what() + std::string(IsFile(value) ? "; it is a file, which --files reads" : ""));
+      throw InputError(IsFile(value) ? Say({"{0}; it is a file, which --files reads",
+                                            "{0}; este un fișier, pe care îl citește --files"},
+                                           error.what())
+                                     : AsItIs(error.what()));
     }
     report.Take(answers);
     if (answers.Counts().invalid > 0 && IsFile(value)) {
-      session.Report(Shown(value) + " is a file, which --files reads");
+      session.Report(
+          Say({"{0} is a file, which --files reads", "{0} este un fișier, pe care îl citește --files"}, Shown(value)));
     }
   }
 }
@@ -268,10 +279,10 @@ void AnswerTyped(const Session& session, std::span<const std::string> values, co
 Form ReadForm(const Arguments& arguments) {
   Form form{arguments.ValueOf("csv"), arguments.ValueOf("add"), arguments.Has("files"), arguments.Has("json")};
   if (form.added && !form.column) {
-    throw InputError("\"--add\" goes with --csv only");
+    throw InputError(Say({"\"--add\" goes with --csv only", "\"--add\" merge numai cu --csv"}));
   }
   if (form.added && form.json) {
-    throw InputError("\"--json\" does not go with --add");
+    throw InputError(Say({"\"--json\" does not go with --add", "\"--json\" nu merge cu --add"}));
   }
   return form;
 }
@@ -283,13 +294,13 @@ int AnswerValues(Session& session, const Arguments& arguments, std::span<const s
   const Form form = ReadForm(arguments);
   const bool ofFiles = form.column || form.files;
   if (!ofFiles && values.empty() && !rules.isCheck) {
-    throw InputError(std::string(rules.what) + " is missing");
+    throw InputError(IsMissing(rules.what));
   }
   if (form.added && values.size() > 1) {
-    throw InputError(Shown(values[1]) + ": --add copies one FILE only");
+    throw InputError(Say({"{0}: --add copies one FILE only", "{0}: --add copiază un singur FILE"}, Shown(values[1])));
   }
   if (!ofFiles && values.size() > 1 && std::ranges::find(values, "-") != values.end()) {
-    throw InputError("\"-\" goes with no other " + std::string(rules.what));
+    throw InputError(Say({"\"-\" goes with no other {0}", "\"-\" nu merge cu alt {0}"}, rules.what));
   }
   static const std::string kStandardInput = "-";
   Report report(session.out, rules);

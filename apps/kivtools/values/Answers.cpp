@@ -9,6 +9,10 @@
 namespace kivtools {
 namespace {
 
+Said NoField(std::size_t place) {
+  return Say({"there is no field {0}", "câmpul {0} lipsește"}, place + 1);
+}
+
 constexpr bool IsLineEnd(char character) noexcept {
   return character == '\n' || character == '\r';
 }
@@ -68,7 +72,14 @@ Answerer::Answerer(const ValueWork& work, const ValueRules& rules, bool json, st
     : work_(work),
       rules_(rules),
       json_(json),
+      beforeLine_(Say({"\tline ", "\trândul "})),
       fileMember_(file.empty() ? "" : "\"file\": " + JsonString(file) + ", ") {}
+
+void Answerer::BeginReason(std::uint64_t line, Answers& answers) const {
+  answers.text_ += beforeLine_;
+  answers.lines_.push_back({answers.text_.Size(), line});
+  answers.text_ += ": ";
+}
 
 /// Takes back what was appended where it is not to be seen.
 template <class Append>
@@ -87,7 +98,7 @@ void Answerer::Answer(std::uint64_t line, Answers& answers, const Append& append
     if (line == 0) {
       throw;
     }
-    throw LineError(line, error.what());
+    throw LineError(line, AsItIs(error.what()));
   } catch (...) {
     takeBack();
     throw;
@@ -138,9 +149,7 @@ void Answerer::OnLine(std::string_view value, std::uint64_t line, Answers& answe
     } else if (rules_.isCheck) {
       valid = work_.AppendLine(value, answers.text_);
       if (!valid) {
-        answers.text_ += "\tline ";
-        answers.lines_.push_back({answers.text_.Size(), line});
-        answers.text_ += ": ";
+        BeginReason(line, answers);
         work_.AppendReason(value, answers.text_);
       }
     } else {
@@ -172,7 +181,7 @@ void Answerer::Copied(std::string_view record, Answers& answers) const {
 }
 
 void Answerer::TooShort(std::size_t field, std::uint64_t line, Answers& answers) const {
-  const std::string fault = "there is no field " + std::to_string(field + 1);
+  const Said fault = NoField(field);
   if (!rules_.isCheck) {
     throw LineError(line, fault);
   }
@@ -180,12 +189,11 @@ void Answerer::TooShort(std::size_t field, std::uint64_t line, Answers& answers)
   Answer(line, answers, [&] {
     if (json_) {
       BeginObject(std::nullopt, line, answers);
-      answers.text_ += ", \"valid\": false, \"reason\": " + JsonString(fault) + "}\n";
+      answers.text_ += ", \"valid\": false, \"reason\": " + JsonString(fault.Text()) + "}\n";
     } else {
       work_.AppendLine("", answers.text_);
-      answers.text_ += "\tline ";
-      answers.lines_.push_back({answers.text_.Size(), line});
-      answers.text_ += ": " + fault + "\n";
+      BeginReason(line, answers);
+      answers.text_ += fault.Text() + "\n";
     }
     return false;
   });
@@ -193,10 +201,10 @@ void Answerer::TooShort(std::size_t field, std::uint64_t line, Answers& answers)
 
 void Answerer::Added(const Record& record, std::optional<std::string_view> value, Answers& answers) const {
   if (record.fields > record.width) {
-    throw LineError(record.line, "more fields than the first row has");
+    throw LineError(record.line, Say({"more fields than the first row has", "mai multe câmpuri decât primul rând"}));
   }
   if (!value && !rules_.isCheck) {
-    throw LineError(record.line, "there is no field " + std::to_string(record.place + 1));
+    throw LineError(record.line, NoField(record.place));
   }
   answers.counts_.tooShort += value ? 0 : 1;
   // A short row gets the fields that it lacks, so that the answer stands below its heading.

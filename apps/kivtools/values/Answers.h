@@ -81,11 +81,13 @@ class Answerer {
   }
   template <class Append>
   void Answer(std::uint64_t line, Answers& answers, const Append& append) const;
+  void BeginReason(std::uint64_t line, Answers& answers) const;
   void BeginObject(std::optional<std::string_view> value, std::optional<std::uint64_t> line, Answers& answers) const;
 
   const ValueWork& work_;
   const ValueRules& rules_;
   bool json_;
+  std::string beforeLine_;
   std::string fileMember_;
 };
 

@@ -48,20 +48,25 @@ struct ValueRules {
 
 /// The options of every command that takes values.
 inline constexpr std::array<Option, 4> kValueOptions = {{
-    {"csv", "COLUMN", "take one column of FILEs, by its name in the first row or its number from 1"},
-    {"add", "NAME", "with --csv: copy the FILE with the answers as one more column"},
-    {"files", "", "take the lines of FILEs"},
-    {"json", "", "for machines: an object a line"},
+    {"csv",
+     "COLUMN",
+     {"take one column of FILEs, by its name in the first row or its number from 1",
+      "o coloană a fișierelor, după numele din primul rând sau numărul ei, de la 1"}},
+    {"add",
+     "NAME",
+     {"with --csv: copy the FILE with the answers as one more column",
+      "cu --csv: copiază fișierul, cu răspunsurile într-o coloană în plus"}},
+    {"files", "", {"take the lines of FILEs", "rândurile fișierelor"}},
+    {"json", "", {"for machines: an object a line", "pentru programe: un obiect pe rând"}},
 }};
 
 /// A command's own options and those.
 template <std::size_t N>
 constexpr std::array<Option, N + kValueOptions.size()> WithValueOptions(const std::array<Option, N>& own) {
-  std::array<Option, N + kValueOptions.size()> all{};
-  for (std::size_t i = 0; i < all.size(); ++i) {
-    all[i] = i < N ? own[i] : kValueOptions[i - N];
+  return [&]<std::size_t... I>(std::index_sequence<I...>) {
+    return std::array<Option, N + kValueOptions.size()>{(I < N ? own[I] : kValueOptions[I - N])...};
   }
-  return all;
+  (std::make_index_sequence<N + kValueOptions.size()>());
 }
 
 /// Answers all values that the arguments give, in constant memory and in their order: those typed, the lines of

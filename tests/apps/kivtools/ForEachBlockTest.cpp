@@ -157,7 +157,7 @@ TEST(ForEachBlock, DeliversWhatWasWorkedOutBeforeAFaultAndNamesItsLine) {
             lines.clear();
             return ForEachLine({block.data(), block.size()}, [&](std::string_view line) {
               if (line == "234567") {
-                throw LineError(lines.size() + 1, "no");
+                throw LineError(lines.size() + 1, AsItIs("no"));
               }
               lines.emplace_back(line);
             });

@@ -53,11 +53,12 @@ TEST(PlainAmount, ReadsBackInBothNotations) {
 }
 
 TEST(WholeNumber, TakesItsRangeAndNamesIt) {
-  EXPECT_EQ(ReadWholeNumber("-7", -7, 12, "an hour"), -7);
-  EXPECT_EQ(ReadWholeNumber("0012", -7, 12, "an hour"), 12);
+  constexpr Phrase kHour = {"an hour", "o oră"};
+  EXPECT_EQ(ReadWholeNumber("-7", -7, 12, kHour), -7);
+  EXPECT_EQ(ReadWholeNumber("0012", -7, 12, kHour), 12);
   for (const char* const bad : {"-8", "13", "", "1.0", "9223372036854775808", "x", "-", "+1", " 1"}) {
     try {
-      ReadWholeNumber(bad, -7, 12, "an hour");
+      ReadWholeNumber(bad, -7, 12, kHour);
       ADD_FAILURE() << bad;
     } catch (const InputError& error) {
       EXPECT_EQ(error.what(), "\"" + std::string(bad) + "\" is not an hour from -7 to 12");

@@ -13,7 +13,8 @@ for document in sys.argv[2:]:
     if not blocks:
         sys.exit(f"{document} has no example")
     for command, expected in re.findall(r"^\$ (.*)\n((?:(?!\$ ).*\n)*)", "".join(blocks), flags=re.MULTILINE):
-        environment = os.environ | {"PATH": f"{program.parent}:{os.environ['PATH']}"}
+        language = "ro_RO.UTF-8" if "ro" in pathlib.Path(document).parts else "C.UTF-8"
+        environment = os.environ | {"PATH": f"{program.parent}:{os.environ['PATH']}", "LC_ALL": language}
         ran = subprocess.run(["sh", "-c", command], env=environment, capture_output=True, text=True, encoding="utf-8")
         if ran.stdout != expected:
             print(f"{document}: {command}\n  says {ran.stdout + ran.stderr!r}\n  and not {expected!r}")

@@ -8,6 +8,7 @@ import tempfile
 
 PROGRAM, PAGES = (os.path.abspath(path) for path in sys.argv[1:3])
 COMPLETION = os.path.join(PAGES, "bash-completion", "completions", "kivtools")
+os.environ["LC_ALL"] = "C.UTF-8"  # messages in English
 failures = 0
 
 
@@ -46,7 +47,7 @@ help_text = run("--help")
 commands = re.findall(r"^  ([a-z-]+) +(.*)", help_text.split("Commands:")[1].split("\n\n")[0], re.M)
 names = [name for name, _ in commands]
 expect("pages", sorted(os.listdir(os.path.join(PAGES, "man", "man1"))), sorted(["kivtools.1"] + [f"kivtools-{name}.1" for name in names]))
-expect("commands", sorted(completed("")), sorted([*names, "help", "--help", "--version"]))
+expect("commands", sorted(completed("")), sorted([*names, "help", "--help", "--version", "--lang"]))
 expect("help", sorted(completed("help", "")), sorted([*names, "help"]))
 has_groff = shutil.which("groff") is not None
 if has_groff:
@@ -57,7 +58,7 @@ if has_groff:
 for name in names:
     text = run(name, "--help")
     options = re.findall(r"^  --([a-z-]+)( [A-Z]+)? ", text.split("\nOptions:\n")[1].split("\n\n")[0] if "\nOptions:\n" in text else "", re.M)
-    expect(f"options of {name}", sorted(completed(name, "--")), sorted([f"--{option}" for option, _ in options] + ["--help"]))
+    expect(f"options of {name}", sorted(completed(name, "--")), sorted([f"--{option}" for option, _ in options] + ["--help", "--lang"]))
     if has_groff:
         page = shown(os.path.join(PAGES, "man", "man1", f"kivtools-{name}.1"))
         for line in text.replace("\nOptions:\n", "\n").splitlines()[3:]:
@@ -78,6 +79,12 @@ for words, wanted in [
     (["words", "--csv", "--"], []),
     (["words", "--compact", "--nu"], ["--number"]),
     (["nothing", ""], []),
+    (["--lang", ""], ["en", "ro"]),
+    (["--lang", "=", "r"], ["ro"]),
+    (["--lang", "ro", "wo"], ["words"]),
+    (["--lang", "=", "ro", "check", "c"], ["cnp", "cui"]),
+    (["check", "--lang", "r"], ["ro"]),
+    (["help", "--lang", "ro", "wo"], []),
 ]:
     expect(f"completion of {words}", completed(*words), wanted)
 

@@ -21,6 +21,7 @@ import time
 PROGRAM, LIBRARY = (os.path.abspath(path) for path in sys.argv[1:3])
 CODE = b"12345674\n"  # a valid fiscal code
 BAR = re.compile("(█*░*|) ?[0-9]+ %|[0-9]+ MiB")
+os.environ["LC_ALL"] = "C.UTF-8"  # messages in English
 failures = 0
 
 

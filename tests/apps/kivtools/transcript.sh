@@ -6,6 +6,7 @@
 # With UPDATE=1 in the environment the transcripts are written anew instead, to be read over before they are kept.
 folder=$1
 shift
+export LC_ALL=C.UTF-8  # whatever language the user has; transcripts of others ask for it
 program=$*
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT

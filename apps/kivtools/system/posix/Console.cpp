@@ -94,7 +94,8 @@ void WriteAll(StandardStream stream, std::string_view bytes) {
     if (count >= 0) {
       bytes.remove_prefix(static_cast<std::size_t>(count));
     } else if (const int code = errno; code != EINTR) {
-      const char* const name = stream == StandardStream::Output ? "standard output" : "standard error";
+      const Said name = stream == StandardStream::Output ? Say({"standard output", "ieșirea standard"})
+                                                         : Say({"standard error", "ieșirea pentru erori"});
       if (code == EPIPE) {
         throw ReaderGone(name, code);
       }

@@ -27,22 +27,22 @@ InputStream InputStream::Open(const std::filesystem::path& path, What what) {
     descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | waiting);
   } while (descriptor < 0 && errno == EINTR);
   if (const int code = errno; descriptor < 0) {
-    throw SystemError(name + ": cannot be opened", code);
+    throw SystemError(CannotBeOpened(name), code);
   }
   InputStream stream(descriptor, true, std::move(name));
   struct stat status {};
   if (fstat(descriptor, &status) != 0) {
     const int code = errno;
-    throw SystemError(stream.name_ + ": cannot be opened", code);
+    throw SystemError(CannotBeOpened(stream.name_), code);
   }
   if (S_ISDIR(status.st_mode) || (what == What::File && !S_ISREG(status.st_mode))) {
-    throw InputError(stream.name_ + (S_ISDIR(status.st_mode) ? " is a folder" : " is not a file"));
+    throw InputError(S_ISDIR(status.st_mode) ? IsAFolder(stream.name_) : IsNotAFile(stream.name_));
   }
   return stream;
 }
 
 InputStream InputStream::Standard() {
-  return {STDIN_FILENO, false, "standard input"};
+  return {STDIN_FILENO, false, Say({"standard input", "intrarea standard"}).Text()};
 }
 
 InputStream::InputStream(InputStream&& other) noexcept
@@ -61,7 +61,7 @@ std::size_t InputStream::Read(char* into, std::size_t capacity) {
       return static_cast<std::size_t>(count);
     }
     if (const int code = errno; code != EINTR) {
-      throw SystemError(name_ + ": cannot be read", code);
+      throw SystemError(CannotBeRead(name_), code);
     }
   }
 }

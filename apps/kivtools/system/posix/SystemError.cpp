@@ -2,11 +2,11 @@
 
 namespace kivtools {
 
-SystemError::SystemError(const std::string& context, std::int32_t code)
+SystemError::SystemError(const Said& context, std::int32_t code)
     : SystemError(context, std::error_code(code, std::system_category())) {}
 
-SystemError::SystemError(const std::string& context, const std::error_code& error)
-    : InputError(context + ": " + error.message() + " (error " + std::to_string(error.value()) + ")"),
+SystemError::SystemError(const Said& context, const std::error_code& error)
+    : InputError(Say({"{0}: {1} (error {2})", "{0}: {1} (eroarea {2})"}, context, error.message(), error.value())),
       code_(error.value()) {}
 
 }  // namespace kivtools

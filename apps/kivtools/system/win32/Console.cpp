@@ -70,7 +70,8 @@ std::vector<std::string> ArgumentsAsUtf8(int /*count*/, char** /*arguments*/) {
   wchar_t** const wide = CommandLineToArgvW(GetCommandLineW(), &count);
   if (wide == nullptr) {
     const DWORD code = GetLastError();
-    throw SystemError("the command line cannot be read", static_cast<std::int32_t>(code));
+    throw SystemError(Say({"the command line cannot be read", "linia de comandă nu se poate citi"}),
+                      static_cast<std::int32_t>(code));
   }
   std::vector<std::string> arguments;
   for (int i = 1; i < count; ++i) {
@@ -107,7 +108,8 @@ void WriteAll(StandardStream stream, std::string_view bytes) {
     const bool done = WriteFile(StreamHandle(stream), bytes.data(), wanted, &written, nullptr) != 0;
     const DWORD code = done ? DWORD{ERROR_DISK_FULL} : GetLastError();
     if (!done || written == 0) {
-      const char* const name = stream == StandardStream::Output ? "standard output" : "standard error";
+      const Said name = stream == StandardStream::Output ? Say({"standard output", "ieșirea standard"})
+                                                         : Say({"standard error", "ieșirea pentru erori"});
       if (code == ERROR_BROKEN_PIPE || code == ERROR_NO_DATA || code == ERROR_PIPE_NOT_CONNECTED) {
         throw ReaderGone(name, static_cast<std::int32_t>(code));
       }

@@ -22,23 +22,24 @@ InputStream InputStream::Open(const std::filesystem::path& path, What what) {
   std::string name = ShownName(Utf8FromPath(path));
   const DWORD attributes = GetFileAttributesW(path.c_str());
   if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {
-    throw InputError(name + " is a folder");
+    throw InputError(IsAFolder(name));
   }
   const HANDLE handle = CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
                                     nullptr, OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN, nullptr);
   if (handle == INVALID_HANDLE_VALUE) {
     const DWORD code = GetLastError();
-    throw SystemError(name + ": cannot be opened", static_cast<std::int32_t>(code));
+    throw SystemError(CannotBeOpened(name), static_cast<std::int32_t>(code));
   }
   InputStream stream(reinterpret_cast<std::intptr_t>(handle), true, std::move(name));
   if (what == What::File && GetFileType(handle) != FILE_TYPE_DISK) {
-    throw InputError(stream.name_ + " is not a file");
+    throw InputError(IsNotAFile(stream.name_));
   }
   return stream;
 }
 
 InputStream InputStream::Standard() {
-  return {reinterpret_cast<std::intptr_t>(GetStdHandle(STD_INPUT_HANDLE)), false, "standard input"};
+  return {reinterpret_cast<std::intptr_t>(GetStdHandle(STD_INPUT_HANDLE)), false,
+          Say({"standard input", "intrarea standard"}).Text()};
 }
 
 InputStream::InputStream(InputStream&& other) noexcept
@@ -57,7 +58,7 @@ std::size_t InputStream::Read(char* into, std::size_t capacity) {
   if (ReadFile(AsHandle(handle_), into, wanted, &count, nullptr) == 0) {
     const DWORD code = GetLastError();
     if (code != ERROR_BROKEN_PIPE) {  // the writer of a pipe has closed it: the end
-      throw SystemError(name_ + ": cannot be read", static_cast<std::int32_t>(code));
+      throw SystemError(CannotBeRead(name_), static_cast<std::int32_t>(code));
     }
   }
   return count;

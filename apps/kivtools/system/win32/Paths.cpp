@@ -64,7 +64,9 @@ std::string LibraryPath(const std::filesystem::path& path) {
     text = InWindows1250(ShortName(path));
   }
   if (text.empty()) {
-    throw InputError(Shown(Utf8FromPath(path)) + " has letters outside Windows-1250 and no short name");
+    throw InputError(Say({"{0} has letters outside Windows-1250 and no short name",
+                          "{0} are litere din afara Windows-1250 și nu are nume scurt"},
+                         Shown(Utf8FromPath(path))));
   }
   return text;
 }

@@ -18,16 +18,16 @@ std::string TextOf(std::int32_t code) {
   return Utf8FromWide(text.substr(0, text.find_last_not_of(L" \r\n") + 1));
 }
 
-std::string Message(const std::string& context, const std::string& text, std::int32_t code) {
-  return context + (text.empty() ? "" : ": " + text) + " (error " + std::to_string(code) + ")";
+Said Message(const Said& context, const std::string& text, std::int32_t code) {
+  return Say({"{0}{1} (error {2})", "{0}{1} (eroarea {2})"}, context, text.empty() ? "" : ": " + text, code);
 }
 
 }  // namespace
 
-SystemError::SystemError(const std::string& context, std::int32_t code)
+SystemError::SystemError(const Said& context, std::int32_t code)
     : InputError(Message(context, TextOf(code), code)), code_(code) {}
 
-SystemError::SystemError(const std::string& context, const std::error_code& error)
+SystemError::SystemError(const Said& context, const std::error_code& error)
     : InputError(Message(context, error.category() == std::system_category() ? TextOf(error.value()) : error.message(),
                          error.value())),
       code_(error.value()) {}

@@ -1,0 +1,10 @@
+// reason: no matching function
+#include "apps/kivtools/InputError.h"
+
+void Refuse() {
+#ifdef MUST_NOT_COMPILE
+  throw kivtools::InputError(std::string("it is a folder"));
+#else
+  throw kivtools::InputError(kivtools::Say({"it is a folder", "este un dosar"}));
+#endif
+}

@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <functional>
 #include <thread>
@@ -147,6 +148,28 @@ TEST_F(TreeWatchers, AreToldOfEachFailedCallThatLeavesSomethingUndone) {
                           });
   ExpectEachFailureIsTold([&] { MakeSource(); }, [&] { RecursiveDelete(At("sursa")); },
                           [&] { return !std::filesystem::exists(folder_ / "sursa"); });
+}
+
+TEST_F(TreeWatchers, DoNotHearOfAFileThatGoesWhileATreeIsMeasured) {
+  constexpr std::int32_t kNotFound = 2;  // on both systems
+  std::vector<platform::SystemCall> calls;
+  {
+    const FailingCalls counting(FailingCalls::kNone);
+    static_cast<void>(MeasureTree(At("sursa")));
+    calls = counting.Seen();
+  }
+  std::size_t gone = 0;
+  const auto listed = std::find(calls.begin(), calls.end(), platform::SystemCall::List);
+  for (auto call = listed; call != calls.end(); ++call) {
+    if (*call == platform::SystemCall::Query) {
+      const Recorder watcher;
+      const FailingCalls fails(static_cast<std::size_t>(call - calls.begin()), kNotFound);
+      EXPECT_EQ(MeasureTree(At("sursa")).files, 2U);
+      EXPECT_THAT(watcher.failures, IsEmpty());
+      ++gone;
+    }
+  }
+  EXPECT_EQ(gone, 3U);
 }
 
 TEST_F(TreeWatchers, AreToldOfWhatStaysAndNotOfTheFoldersAroundIt) {

@@ -232,6 +232,13 @@ TEST(Dataset, KeysOfMoreThan32BitsAreTold) {
   }
 }
 
+TEST(Dataset, ADayIsNotFoundByItsNumber) {
+  Dataset days("zile", {{"zi", FieldType::Date, kKey}});
+  days.Insert({{"zi", DateTime(46350.0)}});
+  EXPECT_TRUE(days.Find({DateTime(46350.0)}).has_value());
+  EXPECT_THROW(static_cast<void>(days.Find(46350)), InvalidCast);
+}
+
 TEST(Dataset, RowsAroundTheEdgesOfBlocksAreKept) {
   Dataset dataset("margini", {{"id", FieldType::Int32, kKey},
                               {"yes", FieldType::Boolean},

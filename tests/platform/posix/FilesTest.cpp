@@ -7,6 +7,7 @@
 #include <csignal>
 #include <map>
 
+#include "platform/FailingCalls.h"
 #include "platform/Files.h"
 #include "platform/FolderEntries.h"
 #include "platform/TestFolder.h"
@@ -123,6 +124,16 @@ TEST(PosixFiles, TellOfAFullDisk) {
   File file;
   ASSERT_EQ(file.Open("/dev/full", OpenMode::Append).Code(), 0);
   EXPECT_EQ(file.Write(std::array<std::uint8_t, 1>{}).Code(), ENOSPC);
+}
+
+TEST(PosixFolders, CountAsFlushedWhereTheFileSystemHasNoSuchThing) {
+  const TestFolder folder;
+  Folder open;
+  ASSERT_EQ(open.Open(Folder::Working(), folder.Path()).Code(), 0);
+  for (const auto& [code, told] : {std::pair{EINVAL, 0}, {EIO, EIO}}) {
+    const FailingCalls failing(0, code);
+    EXPECT_EQ(open.Flush().Code(), told);
+  }
 }
 
 TEST(PosixPaths, AreShownByTheirLetters) {

@@ -250,6 +250,13 @@ Text OfPrograms(std::uint32_t number) {
   return Shown(TerminateProgram(program));
 }
 
+Text OfTextOrder(std::uint32_t number) {
+  const Text left = TextOf(number);
+  const Text right = TextOf(number + 1);
+  return Shown(CompareTexts(left, right, Collation::Romanian)) +
+         Shown(CollationPrefix(left, Collation::RomanianNoCase) < CollationPrefix(right, Collation::RomanianNoCase));
+}
+
 Text OfVersions(std::uint32_t number) {
   const Text version = std::to_string(number % 50) + ".7.1." + std::to_string(number % 9);
   std::int32_t part[4] = {};
@@ -279,6 +286,7 @@ constexpr Operation kOperations[] = {
     OfShaping,
     OfSystem,
     OfText,
+    OfTextOrder,
     OfVersions,
     [](std::uint32_t number) { return FromUtf8(ToUtf8(TextOf(number), DiacriticForm::CommaBelow)); },
     [](std::uint32_t number) { return ToUtf8(TextOf(number)); },

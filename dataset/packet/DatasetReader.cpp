@@ -134,13 +134,14 @@ FieldDef DatasetReader::ReadField(bool& hasHeap) {
   Text name(in_.TakeText(in_.Take<std::uint8_t>()));
   const auto type = in_.Take<FieldType>();
   const auto size = in_.Take<std::int32_t>();
-  const auto flags = in_.Take<FieldFlags>();
+  const unsigned flags = in_.Take<std::uint8_t>();
   const auto heap = in_.Take<std::uint8_t>();
   if (type > kLastType || heap > (TraitsOf(type).storage == Storage::Texts ? 1 : 0)) {
     in_.Refuse("un camp are un tip care nu exista");
   }
   hasHeap = heap != 0;
-  FieldDef field(std::move(name), type, size, flags);
+  FieldDef field(std::move(name), type, size, static_cast<FieldFlags>(flags & ((1U << kCollationShift) - 1)));
+  field.collation = static_cast<Collation>(flags >> kCollationShift);
   field.defaultValue = ReadDefault(field);
   return field;
 }

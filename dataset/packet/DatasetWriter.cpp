@@ -167,7 +167,8 @@ void DatasetWriter::PutField(std::size_t index) {
   PutName(out_, field.name);
   out_.Put(field.type);
   out_.Put(field.size);
-  out_.Put(field.flags);
+  out_.Put(static_cast<std::uint8_t>(static_cast<unsigned>(field.collation) << kCollationShift |
+                                     static_cast<unsigned>(field.flags)));
   out_.Put(static_cast<std::uint8_t>(cells_.HasHeap(index)));
   PutDefault(field);
 }

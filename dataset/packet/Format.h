@@ -65,6 +65,9 @@ inline constexpr ChunkType kRows = TypeOf("ROWS");
 inline constexpr ChunkType kRecords = TypeOf("LOGR");
 inline constexpr ChunkType kEnd = TypeOf("DONE");
 
+/// The flags of a field stand in the lower bits of their byte, its collation from this one on.
+inline constexpr unsigned kCollationShift = 5;
+
 /// What a piece of a BLOB belongs to.
 enum class PieceOf : std::uint8_t {
   LargeValue,  ///< of a memo or blob

@@ -76,6 +76,10 @@ void CheckField(const FieldDef& field) {
   if (static_cast<std::size_t>(field.type) >= kTraits.size() || !Has(kAllFlags, field.flags)) {
     Refuse(field, "are un tip sau un indicator care nu exista");
   }
+  const bool hasCollation = field.type == FieldType::Text || field.type == FieldType::Memo;
+  if (field.collation > (hasCollation ? Collation::Binary : Collation::Romanian)) {
+    Refuse(field, "are o ordine a textelor nepermisa");
+  }
   const std::int32_t most = field.type == FieldType::WideText ? kMostWideUnits : kMostTextBytes;
   if (field.size < 0 || (HasSize(field.type) ? field.size > most : field.size != 0)) {
     Text why = "are lungimea nepermisa ";

@@ -144,11 +144,12 @@ KivStatus KivSchemaAddField(KivSchema* schema, const char* name, size_t length, 
     if (!IsOneOf(type, KIV_FIELD_AUTO_INC)) {
       throw ArgumentError("type: valoare necunoscuta");
     }
-    if (!IsOneOf(flags, 31)) {
+    if (!IsOneOf(flags, 127)) {
       throw ArgumentError("flags: valoare necunoscuta");
     }
     fields.emplace_back(kiv::Text(KIV_TEXT(name, length)), static_cast<kiv::FieldType>(type), size,
-                        static_cast<kiv::FieldFlags>(flags));
+                        static_cast<kiv::FieldFlags>(flags % KIV_FLAG_NO_CASE));
+    fields.back().collation = static_cast<kiv::Collation>(flags / KIV_FLAG_NO_CASE);
   });
 }
 

@@ -62,7 +62,8 @@ void GiveField(const kiv::Schema& schema, std::size_t field, std::int32_t* type,
   };
   give(type, static_cast<std::int32_t>(definition.type));
   give(size, definition.size);
-  give(flags, static_cast<std::int32_t>(definition.flags));
+  give(flags, static_cast<std::int32_t>(definition.flags) +
+                  static_cast<std::int32_t>(definition.collation) * KIV_FLAG_NO_CASE);
 }
 
 kiv::Value ValueOf(const KivDelta& delta, std::uint32_t ticket, std::size_t field, std::int32_t original) {

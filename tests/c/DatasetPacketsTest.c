@@ -33,7 +33,7 @@ static KivDataset* MakeLines(void) {
   KivSchema* schema = KivSchemaNew();
   KivDataset* lines = NULL;
   EXPECT(KivSchemaAddField(schema, "id", 2, KIV_FIELD_AUTO_INC, 0, KIV_FLAG_KEY) == KIV_OK);
-  EXPECT(KivSchemaAddField(schema, "nume", 4, KIV_FIELD_TEXT, 10, 0) == KIV_OK);
+  EXPECT(KivSchemaAddField(schema, "nume", 4, KIV_FIELD_TEXT, 10, KIV_FLAG_BINARY) == KIV_OK);
   EXPECT(KivSchemaAddField(schema, "suma", 4, KIV_FIELD_CURRENCY, 0, 0) == KIV_OK);
   EXPECT(KivDatasetNew("linii", 5, schema, &lines) == KIV_OK);
   KivSchemaFree(schema);
@@ -61,6 +61,7 @@ static void Streams(void) {
   EXPECT(KivDatasetFieldName(read, 3, NULL, 0) == -KIV_ERROR_LIST_INDEX);
   EXPECT(KivDatasetFieldInfo(read, 0, &number, NULL, &flags) == KIV_OK);
   EXPECT(number == KIV_FIELD_AUTO_INC && flags == KIV_FLAG_KEY);
+  EXPECT(KivDatasetFieldInfo(read, 1, NULL, NULL, &flags) == KIV_OK && flags == KIV_FLAG_BINARY);
   EXPECT(KivDatasetCountOf(read, KIV_ROW_MODIFIED) == 1 && KivDatasetCountOf(read, 4) == -KIV_ERROR_ARGUMENT);
   GIVES("5.0000", KivDatasetValueText, read, 0, 2);
   GIVES("", KivDatasetValueText, read, 0, 1);

@@ -30,7 +30,7 @@ void DatasetTest(void) {
   EXPECT(KivDatasetField(lines, "SUMA", 4) == 2 && KivDatasetField(lines, "x", 1) == -KIV_ERROR_GENERAL);
 
   EXPECT(KivSchemaAddField(schema, "x", 1, -1, 0, 0) == -KIV_ERROR_ARGUMENT);
-  EXPECT(KivSchemaAddField(schema, "x", 1, KIV_FIELD_TEXT, 0, 32) == -KIV_ERROR_ARGUMENT);
+  EXPECT(KivSchemaAddField(schema, "x", 1, KIV_FIELD_TEXT, 0, 128) == -KIV_ERROR_ARGUMENT);
   EXPECT(LastMessageIs("KivSchemaAddField: flags: valoare necunoscuta"));
   EXPECT(KivDatasetInsert(lines) == KIV_OK && KivDatasetInsert(lines) == -KIV_ERROR_ARGUMENT);
   EXPECT(LastMessageIs("KivDatasetInsert: dataset: alt rand este deschis"));

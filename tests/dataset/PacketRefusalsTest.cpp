@@ -127,7 +127,7 @@ TEST(PacketRefusals, AreTheseForWhatASealedPacketMayHold) {
       R"(Dataset "": urmatorul numar temporar este deja folosit)",
       R"(Schema: campul "" apare de doua ori)",
       R"(Schema: campul "" are lungimea nepermisa #)",
-      R"(Schema: campul "" are un tip sau un indicator care nu exista)",
+      R"(Schema: campul "" are o ordine a textelor nepermisa)",
       R"(Schema: campul "" de tip Blob nu poate fi cheie)",
       R"(Schema: campul "" de tip Double nu poate fi cheie)",
       R"(Schema: campul "" de tip Int16 nu poate tine valoarea #)",

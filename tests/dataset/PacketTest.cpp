@@ -17,8 +17,8 @@ void ExpectSame(Dataset& written, Dataset& read) {
   for (std::size_t i = 0; i < written.GetSchema().Fields().size(); ++i) {
     const FieldDef& left = written.GetSchema().Fields()[i];
     const FieldDef& right = read.GetSchema().Fields()[i];
-    EXPECT_EQ(std::tie(left.name, left.type, left.size, left.flags, left.defaultValue),
-              std::tie(right.name, right.type, right.size, right.flags, right.defaultValue));
+    EXPECT_EQ(std::tie(left.name, left.type, left.size, left.flags, left.defaultValue, left.collation),
+              std::tie(right.name, right.type, right.size, right.flags, right.defaultValue, right.collation));
   }
   ExpectSameRows(written, read);
   for (int undone = 0; written.Changes().UndoLast(); ++undone) {
@@ -42,6 +42,13 @@ TEST(Packet, HoldsEverythingOnBothSidesOfTheEdgeOfABlock) {
       ExpectSame(dataset, read);
     }
   }
+}
+
+TEST(Packet, HoldsTheOrderOfTexts) {
+  Dataset dataset("ordini", {{"a", FieldType::Text, 4, kKey | kNoCheck, {}, Collation::Binary},
+                             {"b", FieldType::Memo, 0, FieldFlags::None, {}, Collation::RomanianNoCase}});
+  Dataset read = ReadBack(Written(dataset));
+  ExpectSame(dataset, read);
 }
 
 TEST(Packet, HoldsTextsWithoutDictionary) {

@@ -51,6 +51,10 @@ TEST(Schema, RefusesWhatNoDatasetCanHold) {
       {{"a", FieldType::Double, kKey}, "Schema: campul \"a\" de tip Double nu poate fi cheie"},
       {{"a", FieldType::Memo, kKey}, "Schema: campul \"a\" de tip Memo nu poate fi cheie"},
       {{"a", FieldType::Int32, kCheck | kNoCheck}, "Schema: campul \"a\" are doi indicatori care se contrazic"},
+      {{"a", FieldType::Date, 0, kKey, {}, Collation::Binary},
+       "Schema: campul \"a\" are o ordine a textelor nepermisa"},
+      {{"a", FieldType::Text, 0, kKey, {}, static_cast<Collation>(3)},
+       "Schema: campul \"a\" are o ordine a textelor nepermisa"},
       {{"a", static_cast<FieldType>(15)}, "Schema: campul \"a\" are un tip sau un indicator care nu exista"},
       {{"a", FieldType::Text, 2, kRequired, Text("abc")}, "Schema: campul \"a\" tine cel mult 2 octeti, nu 3"},
   };

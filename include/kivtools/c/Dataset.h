@@ -51,7 +51,9 @@ enum {
   KIV_FLAG_REQUIRED = 2,  /**< never null */
   KIV_FLAG_READ_ONLY = 4, /**< set when its row is inserted, never by an update */
   KIV_FLAG_CHECK = 8,     /**< takes part in the detection of conflicts; Memo and Blob only so */
-  KIV_FLAG_NO_CHECK = 16  /**< takes no part in it */
+  KIV_FLAG_NO_CHECK = 16, /**< takes no part in it */
+  KIV_FLAG_NO_CASE = 32,  /**< its texts are in Romanian order without case; otherwise in that with case */
+  KIV_FLAG_BINARY = 64    /**< its texts are in the order of their bytes */
 };
 
 /** The states of a row. */

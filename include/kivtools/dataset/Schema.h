@@ -12,6 +12,7 @@
 
 #include "kivtools/Export.h"
 #include "kivtools/Types.h"
+#include "kivtools/dataset/Collation.h"
 #include "kivtools/dataset/Value.h"
 
 namespace kiv {
@@ -68,7 +69,8 @@ inline constexpr FieldFlags kReadOnly = FieldFlags::ReadOnly;
 inline constexpr FieldFlags kCheck = FieldFlags::Check;
 inline constexpr FieldFlags kNoCheck = FieldFlags::NoCheck;
 
-/// One field. Example: `{"partener", FieldType::Text, 40, kRequired}`.
+/// One field. Examples: `{"partener", FieldType::Text, 40, kRequired}`,
+/// `{"cod", FieldType::Text, 12, kKey, {}, Collation::Binary}`.
 struct FieldDef {
   /// Windows-1250 letters, digits and "_", not a digit first; 1 to 63 bytes.
   Text name;
@@ -78,16 +80,19 @@ struct FieldDef {
   FieldFlags flags = FieldFlags::None;
   /// What a new row gets where nothing is given.
   Value defaultValue;
+  /// The order of its texts; Romanian for every type but Text and Memo, which may have another.
+  Collation collation = Collation::Romanian;
 
   FieldDef(Text fieldName, FieldType fieldType, FieldFlags fieldFlags = FieldFlags::None, Value fieldDefault = {})
       : name(std::move(fieldName)), type(fieldType), flags(fieldFlags), defaultValue(std::move(fieldDefault)) {}
   FieldDef(Text fieldName, FieldType fieldType, std::int32_t fieldSize, FieldFlags fieldFlags = FieldFlags::None,
-           Value fieldDefault = {})
+           Value fieldDefault = {}, Collation textOrder = Collation::Romanian)
       : name(std::move(fieldName)),
         type(fieldType),
         size(fieldSize),
         flags(fieldFlags),
-        defaultValue(std::move(fieldDefault)) {}
+        defaultValue(std::move(fieldDefault)),
+        collation(textOrder) {}
 
   /// Whether it takes part in the detection of conflicts. Example: false for a Memo without flags.
   [[nodiscard]] bool IsChecked() const noexcept {
@@ -105,8 +110,8 @@ struct FieldDef {
 class Schema {
  public:
   /// Throws Error, naming the field, for a name that is no identifier or occurs twice (case does not count), a size
-  /// that the type does not have, a key of Double, Memo or Blob, a default that the field could not hold; and for no
-  /// field at all or more than 1,024.
+  /// that the type does not have, a key of Double, Memo or Blob, a collation of what is no Text or Memo, a default that
+  /// the field could not hold; and for no field at all or more than 1,024.
   ///
   ///     Schema({{"id", FieldType::AutoInc, kKey}, {"suma", FieldType::Currency}})
   KIV_API Schema(std::initializer_list<FieldDef> fields);  // NOLINT: reads as the list that it is

@@ -16,6 +16,9 @@ class Store::Compactor {
     return to_;
   }
 
+  /// For each row that is kept its number.
+  [[nodiscard]] const Plane& Numbers() const noexcept { return numbers_; }
+
  private:
   Cell Take(std::size_t field, const Cell& cell) {
     Cell taken = from_.Resolve(field, cell);
@@ -101,6 +104,7 @@ void Store::Compact() {
   textSeed_ = compacted.textSeed_;
   keys_.TakeOver(compacted.keys_);
   appendEnd_ = 0;
+  TellFollowers([&compactor](Follower& follower) { follower.Renumbered(compactor.Numbers()); });
   TellOfAll();
 }
 

@@ -63,10 +63,12 @@ void Store::UndoDownTo(std::uint32_t records) {
     return;
   }
   MakeRoomForUndo(records);
+  PrepareFollowers(contents_.log.Count() - records);
   Announce({Edit::Kind::UndoTo, records});
   while (contents_.log.Count() > records) {
     Undo();
   }
+  TellDone();
   std::erase_if(marks_, [records](const MarkedPoint& mark) { return mark.records > records; });
   TellOfAll();
 }
@@ -92,15 +94,32 @@ void Store::PutOldValues(std::uint32_t record) noexcept {
   }
 }
 
+std::span<const std::uint16_t> Store::ChangedFields(std::uint32_t record) noexcept {
+  changedFields_.clear();
+  for (RecordReader old(contents_.log, record, *contents_.schemaData); old.Next();) {
+    changedFields_.push_back(old.Field());
+  }
+  return changedFields_;
+}
+
 void Store::Undo() noexcept {
   const std::uint32_t record = contents_.log.Last();
   const Log::Header header = contents_.log.HeaderAt(record);
-  const std::uint32_t row = header.row;
-  const bool wasPresent = header.kind == ChangeKind::Update || header.kind == ChangeKind::Delete;
+  // As the row is now, and as it was before the change.
   const bool isPresent = header.kind != ChangeKind::Delete;
+  const bool wasPresent = header.kind == ChangeKind::Update || header.kind == ChangeKind::Delete;
+  const RowChange change{header.row, isPresent, wasPresent, ChangedFields(record)};
+  TellBefore(change);
+  TakeBack(record, change);
+  TellAfter(change);
+}
+
+void Store::TakeBack(std::uint32_t record, const RowChange& change) noexcept {
+  const Log::Header header = contents_.log.HeaderAt(record);
+  const std::uint32_t row = header.row;
   const bool movesKey =
-      keys_.Exists() && (wasPresent != isPresent || HoldsKey(contents_.log, record, *contents_.schemaData));
-  if (movesKey && isPresent) {
+      keys_.Exists() && (change.wasThere != change.isThere || HoldsKey(contents_.log, record, *contents_.schemaData));
+  if (movesKey && change.wasThere) {
     keys_.Erase(PlaceOfKey(row).tag, row);
   }
   PutOldValues(record);
@@ -108,7 +127,7 @@ void Store::Undo() noexcept {
     contents_.shadows.Put(row, std::uint32_t{0});
     --contents_.shadowCount;
   }
-  if (movesKey && wasPresent) {
+  if (movesKey && change.isThere) {
     const KeyPlace place = PlaceOfKey(row);
     keys_.Insert(place.tag, place.key, row);
   }

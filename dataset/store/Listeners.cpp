@@ -50,11 +50,15 @@ void Store::Tell(const ChangeNotice& notice) noexcept {
 }
 
 void Store::TellOf(ChangeKind kind, std::uint32_t row) noexcept {
+  Tell({kind, static_cast<RowId>(row), ChangedFields()});
+}
+
+std::span<const std::uint16_t> Store::ChangedFields() noexcept {
   changedFields_.clear();
   for (const Change& change : changes_) {
     changedFields_.push_back(change.field);
   }
-  Tell({kind, static_cast<RowId>(row), changedFields_});
+  return changedFields_;
 }
 
 void Store::RemoveListener(DatasetListener& listener) noexcept {

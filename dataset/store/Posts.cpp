@@ -214,6 +214,7 @@ std::uint32_t Store::Insert(std::span<const FieldValue> values) {
   }
   AskListeners(ChangeKind::Insert, row);
   MakeRoomForInsert(row, place);
+  PrepareFollowers(1);
   if (recorder_ != nullptr) {
     changes_.clear();
     for (std::size_t i = 0; i < proposed_.size(); ++i) {
@@ -222,6 +223,8 @@ std::uint32_t Store::Insert(std::span<const FieldValue> values) {
     Announce({Edit::Kind::Insert, row, changes_});
   }
 
+  const RowChange change{row, false, true, {}};
+  TellBefore(change);
   for (std::size_t i = 0; i < proposed_.size(); ++i) {
     contents_.columns[i].Store(row, proposed_[i]);
   }
@@ -237,6 +240,8 @@ std::uint32_t Store::Insert(std::span<const FieldValue> values) {
     keys_.Insert(place.tag, place.key, row);
   }
   changes_.clear();
+  TellAfter(change);
+  TellDone();
   TellOf(ChangeKind::Insert, row);
   return row;
 }
@@ -305,8 +310,11 @@ void Store::PostChanges(std::uint32_t row, ChangeKind kind) {
     MakeShadowRoom(row);
   }
   MakeRoomForUpdate(row);
+  PrepareFollowers(1);
   Announce(isBack ? Edit{Edit::Kind::Restore, row} : Edit{Edit::Kind::Update, row, changes_});
 
+  const RowChange change{row, !isBack, true, ChangedFields()};
+  TellBefore(change);
   if (needsShadow) {
     MakeShadow(row);
   }
@@ -318,13 +326,15 @@ void Store::PostChanges(std::uint32_t row, ChangeKind kind) {
   }
   const bool isNew = contents_.StateOf(row) == StoredState::Inserted;
   Record(row, kind, static_cast<std::uint16_t>(changes_.size()), needsShadow ? Log::kMadeShadow : 0);
-  for (const Change& change : changes_) {
-    contents_.columns[change.field].Store(row, change.cell);
-    if (contents_.columns[change.field].type == FieldType::AutoInc) {
-      NoteTemporary(change.cell);
+  for (const Change& value : changes_) {
+    contents_.columns[value.field].Store(row, value.cell);
+    if (contents_.columns[value.field].type == FieldType::AutoInc) {
+      NoteTemporary(value.cell);
     }
   }
   SetState(row, isNew ? StoredState::Inserted : StateByValues(row));
+  TellAfter(change);
+  TellDone();
   TellOf(kind, row);
 }
 
@@ -340,8 +350,11 @@ void Store::DeletePresent(std::uint32_t row) {
   contents_.states.MakeWritable(row);
   contents_.heads.MakeWritable(row);
   contents_.log.MakeRoom(0);
+  PrepareFollowers(1);
   Announce({Edit::Kind::Delete, row});
 
+  const RowChange change{row, true, false, {}};
+  TellBefore(change);
   if (keys_.Exists()) {
     keys_.Erase(PlaceOfKey(row).tag, row);
   }
@@ -350,6 +363,8 @@ void Store::DeletePresent(std::uint32_t row) {
   Record(row, ChangeKind::Delete, 0);
   SetState(row, isNew ? StoredState::Gone : StoredState::Deleted);
   changes_.clear();
+  TellAfter(change);
+  TellDone();
   TellOf(ChangeKind::Delete, row);
 }
 

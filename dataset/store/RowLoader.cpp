@@ -92,6 +92,7 @@ void RowLoader::Finish() {
   store_.pendingRows_ = 0;
   store_.isLoading_ = false;
   isDone_ = true;
+  store_.TellFollowers([](Follower& follower) { follower.RowsAdded(); });
   store_.TellOfAll();
 }
 

@@ -34,6 +34,19 @@ Store::Store(TextView name, const Schema& schema)
   payload_.reserve(payload);
 }
 
+Store::~Store() {
+  if (followers_ != nullptr) {
+    followers_->StoreIsGone();
+  }
+}
+
+std::shared_ptr<Followers> Store::GetFollowers() {
+  if (followers_ == nullptr) {
+    followers_ = std::make_shared<Followers>(*this);
+  }
+  return followers_;
+}
+
 void Store::SetRecorder(EditRecorder* recorder) {
   if (recorder != nullptr && recorder_ != nullptr) {
     throw Error(contents_.owner + ": are deja un jurnal");

@@ -9,6 +9,7 @@
 
 #include "dataset/store/Contents.h"
 #include "dataset/store/EditRecorder.h"
+#include "dataset/store/Followers.h"
 #include "dataset/store/HashIndex.h"
 #include "dataset/store/KeyIndex.h"
 #include "kivtools/dataset/Dataset.h"
@@ -22,6 +23,7 @@ namespace kiv::store {
 class Store {
  public:
   Store(TextView name, const Schema& schema);
+  ~Store();
   Store(const Store&) = delete;
   Store& operator=(const Store&) = delete;
 
@@ -51,6 +53,9 @@ class Store {
   [[nodiscard]] bool HasRecorder() const noexcept { return recorder_ != nullptr; }
   /// A copy that shares everything and stays as it is.
   [[nodiscard]] std::shared_ptr<const Contents> CopyContents();
+
+  /// Those that go with its rows.
+  [[nodiscard]] std::shared_ptr<Followers> GetFollowers();
 
   void AddListener(DatasetListener& listener) { listeners_.push_back(&listener); }
   void RemoveListener(DatasetListener& listener) noexcept;
@@ -101,6 +106,30 @@ class Store {
   void MakeRoomForUndo(std::uint32_t records);
   void MakeShadowRoom(std::uint32_t row);
 
+  // Followers.
+  void PrepareFollowers(std::uint32_t changes) {
+    if (followers_ != nullptr) {
+      followers_->Prepare(changes);
+    }
+  }
+  template <class Tell>
+  void TellFollowers(Tell&& tell) noexcept {
+    if (followers_ != nullptr) {
+      followers_->ForEach(tell);
+    }
+  }
+  void TellBefore(const RowChange& change) noexcept {
+    TellFollowers([&change](Follower& follower) { follower.Before(change); });
+  }
+  void TellAfter(const RowChange& change) noexcept {
+    TellFollowers([&change](Follower& follower) { follower.After(change); });
+  }
+  void TellDone() noexcept {
+    TellFollowers([](Follower& follower) { follower.Done(); });
+  }
+  std::span<const std::uint16_t> ChangedFields() noexcept;
+  std::span<const std::uint16_t> ChangedFields(std::uint32_t record) noexcept;
+
   // Writing, once the recorder has nothing against it.
   void Announce(const Edit& edit) {
     if (recorder_ != nullptr) {
@@ -120,6 +149,7 @@ class Store {
   void PostChanges(std::uint32_t row, ChangeKind kind);
   void PutOldValues(std::uint32_t record) noexcept;
   void Undo() noexcept;
+  void TakeBack(std::uint32_t record, const RowChange& change) noexcept;
   void UndoDownTo(std::uint32_t records);
   void ForgetHistory() noexcept;
 
@@ -156,6 +186,7 @@ class Store {
   std::vector<MarkedPoint> marks_;
   std::uint32_t lastMark_ = 0;
 
+  std::shared_ptr<Followers> followers_;  // null until one is asked for
   EditRecorder* recorder_ = nullptr;
   std::vector<DatasetListener*> listeners_;
   std::vector<std::uint16_t> changedFields_;

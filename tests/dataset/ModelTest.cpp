@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <map>
 #include <optional>
@@ -8,6 +9,7 @@
 #include <vector>
 
 #include "BlockCopy.h"
+#include "dataset/store/Store.h"
 #include "kivtools/dataset/Loader.h"
 
 // Random edits of a dataset and of a model that is as plain as can be: rows in a vector, and for each change a full
@@ -57,9 +59,82 @@ Dataset MakeDataset() {
   return dataset;
 }
 
+/// Has the model's rows that are there, from what a follower is told alone.
+class Mirror : public store::Follower {
+ public:
+  explicit Mirror(Dataset& dataset) : followers_(dataset.GetStore().GetFollowers()), contents_(dataset.GetContents()) {
+    followers_->Add(*this);
+    RowsAdded();
+  }
+  ~Mirror() override { followers_->Remove(*this); }
+  Mirror(const Mirror&) = delete;
+  Mirror& operator=(const Mirror&) = delete;
+
+  void Prepare(std::uint32_t changes) override { room_ = changes; }
+  void Before(const store::RowChange& change) noexcept override {
+    EXPECT_GT(room_--, 0U);
+    EXPECT_EQ(rows_.contains(change.row), change.wasThere);
+    if (change.wasThere) {
+      EXPECT_EQ(rows_[change.row], Read(change.row));
+    }
+  }
+  void After(const store::RowChange& change) noexcept override {
+    if (change.wasThere && change.isThere) {
+      const Values now = Read(change.row);
+      for (std::uint16_t f = 0; f < kFields; ++f) {
+        EXPECT_EQ(now[f] != rows_[change.row][f], std::ranges::find(change.fields, f) != change.fields.end());
+      }
+    }
+    rows_.erase(change.row);
+    if (change.isThere) {
+      rows_[change.row] = Read(change.row);
+    }
+  }
+  void Done() noexcept override { EXPECT_EQ(room_, 0U); }
+  void RowsAdded() noexcept override {
+    rows_.clear();
+    for (std::uint32_t row = kBase; row < contents_.rowCount; ++row) {
+      if (contents_.IsPresent(row)) {
+        rows_[row] = Read(row);
+      }
+    }
+  }
+  void Renumbered(const store::Plane& numbers) noexcept override {
+    std::map<std::uint32_t, Values> renumbered;
+    for (auto& [row, values] : rows_) {
+      renumbered[numbers.At<std::uint32_t>(row)] = std::move(values);
+    }
+    rows_ = std::move(renumbered);
+  }
+
+  void Check(const Rows& rows) const {
+    std::map<std::uint32_t, Values> expected;
+    for (std::uint32_t i = 0; i < rows.size(); ++i) {
+      if (rows[i].isPresent) {
+        expected[kBase + i] = rows[i].values;
+      }
+    }
+    ASSERT_EQ(rows_, expected);
+  }
+
+ private:
+  [[nodiscard]] Values Read(std::uint32_t row) const {
+    Values values;
+    for (std::size_t f = 0; f < kFields; ++f) {
+      values.push_back(store::ValueOf(contents_.columns[f].type, contents_.Read(row, f)));
+    }
+    return values;
+  }
+
+  std::shared_ptr<store::Followers> followers_;
+  const store::Contents& contents_;
+  std::map<std::uint32_t, Values> rows_;
+  std::uint32_t room_ = 0;
+};
+
 class Walk {
  public:
-  explicit Walk(std::uint32_t seed) : random_(seed), dataset_(MakeDataset()) {}
+  explicit Walk(std::uint32_t seed) : random_(seed), dataset_(MakeDataset()), mirror_(std::in_place, dataset_) {}
 
   void Step() {
     const std::uint32_t what = Below(1000);
@@ -86,12 +161,14 @@ class Walk {
       Compact();
     } else {
       dataset_ = Dataset(CopyByBlocks(dataset_.GetContents()));
+      mirror_.emplace(dataset_);
       marks_.clear();
     }
   }
 
   void Check() const {
     CheckRows(dataset_, rows_);
+    mirror_->Check(rows_);
     ASSERT_EQ(dataset_.GetContents().log.Count(), history_.size());
     for (int i = 0; i < 3; ++i) {
       CheckKey(i == 0 ? RandomKeyOf(7) : RandomKeyOf(0));
@@ -366,6 +443,7 @@ class Walk {
 
   mutable std::mt19937_64 random_;
   Dataset dataset_;
+  std::optional<Mirror> mirror_;
   Rows rows_;
   std::vector<Before> history_;
   std::vector<ModelMark> marks_;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "core/Letters.h"
 #include "core/Numbers.h"
 #include "dataset/store/Cell.h"
 
@@ -12,53 +13,6 @@ namespace {
 constexpr std::size_t kLongestName = 63;
 constexpr std::int32_t kMostTextBytes = 32'000;
 constexpr std::int32_t kMostWideUnits = 16'000;
-
-/// The lower-case form of an upper-case letter of Windows-1250, other bytes as they are.
-constexpr unsigned char LowerCase(unsigned char byte) noexcept {
-  if ((byte >= 'A' && byte <= 'Z') || (byte >= 0xC0 && byte <= 0xDE && byte != 0xD7)) {
-    return static_cast<unsigned char>(byte + 0x20);
-  }
-  switch (byte) {
-    case 0x8A:
-    case 0x8C:
-    case 0x8D:
-    case 0x8E:
-    case 0x8F:
-    case 0xA3:
-    case 0xAA:
-    case 0xAF:
-      return static_cast<unsigned char>(byte + 0x10);
-    case 0xA5:
-      return 0xB9;
-    case 0xBC:
-      return 0xBE;
-    default:
-      return byte;
-  }
-}
-
-constexpr bool IsLetter(unsigned char byte) noexcept {
-  switch (LowerCase(byte)) {
-    case 0x9A:
-    case 0x9C:
-    case 0x9D:
-    case 0x9E:
-    case 0x9F:
-    case 0xB3:
-    case 0xB9:
-    case 0xBA:
-    case 0xBE:
-    case 0xBF:
-    case 0xDF:
-      return true;
-    case 0xD7:
-    case 0xF7:
-    case 0xFF:
-      return false;
-    default:
-      return (LowerCase(byte) >= 'a' && LowerCase(byte) <= 'z') || LowerCase(byte) >= 0xE0;
-  }
-}
 
 [[noreturn]] void Refuse(const FieldDef& field, TextView why) {
   throw Error("Schema: campul " + Quoted(field.name) + " " + Text(why));

@@ -5,8 +5,8 @@
 
 #include "Expect.h"
 #include "WinUtil/CodeFaultRules.h"
+#include "core/PersonalNumericCode.h"
 #include "kivtools/WinUtil.h"
-#include "tools/WinUtil/CnpCounters.h"
 
 namespace kiv {
 namespace {

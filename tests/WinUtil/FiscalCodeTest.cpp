@@ -4,8 +4,8 @@
 #include <tuple>
 
 #include "WinUtil/IdentifierRules.h"
+#include "core/PersonalNumericCode.h"
 #include "kivtools/WinUtil/FiscalCode.h"
-#include "tools/WinUtil/CnpCounters.h"
 
 namespace kiv {
 namespace {

@@ -7,8 +7,8 @@
 #include "Expect.h"
 #include "FixedClock.h"
 #include "WinUtil/IdentifierRules.h"
+#include "core/PersonalNumericCode.h"
 #include "kivtools/WinUtil/PersonalNumericCode.h"
-#include "tools/WinUtil/CnpCounters.h"
 
 namespace kiv {
 namespace {

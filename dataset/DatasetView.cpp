@@ -7,6 +7,7 @@ namespace kiv {
 
 using store::Cell;
 using store::Contents;
+using store::RequireRow;
 using store::StoredState;
 
 namespace {
@@ -16,28 +17,6 @@ constexpr std::uint8_t BitOf(StoredState state) noexcept {
 }
 constexpr std::uint8_t kPresent =
     BitOf(StoredState::Unmodified) | BitOf(StoredState::Inserted) | BitOf(StoredState::Modified);
-
-[[noreturn]] void RefuseRow(const Contents& contents, std::uint32_t row, TextView why) {
-  Text message = contents.owner + ": randul ";
-  AppendDecimal(message, row);
-  throw Error(message.append(why));
-}
-
-[[noreturn]] void RefuseState(const Contents& contents, std::uint32_t row) {
-  const bool isDeleted = row < contents.rowCount && contents.StateOf(row) == StoredState::Deleted;
-  RefuseRow(contents, row, isDeleted ? " este sters" : " nu exista");
-}
-
-/// The row's number. Throws for one that is not there.
-std::uint32_t RequireRow(const Contents& contents, RowId id, bool mayBeDeleted = false) {
-  const auto row = static_cast<std::uint32_t>(id);
-  const bool isThere =
-      mayBeDeleted ? row < contents.rowCount && contents.StateOf(row) < StoredState::Gone : contents.IsPresent(row);
-  if (!isThere) {
-    RefuseState(contents, row);
-  }
-  return row;
-}
 
 }  // namespace
 
@@ -185,7 +164,7 @@ Value DatasetView::Original(RowId row, FieldSelector field) const {
   const std::size_t index = Resolve(GetContents(), field);
   const std::uint32_t number = RequireRow(GetContents(), row, true);
   if (GetContents().StateOf(number) == StoredState::Inserted) {
-    RefuseRow(GetContents(), number, " este nou si nu are valori initiale");
+    store::RefuseRow(GetContents(), number, " este nou si nu are valori initiale");
   }
   return store::ValueOf(GetContents().columns[index].type, GetContents().ReadOriginal(number, index));
 }

@@ -1,5 +1,6 @@
 #include "dataset/store/Contents.h"
 
+#include "core/Numbers.h"
 #include "dataset/store/SchemaData.h"
 
 namespace kiv::store {
@@ -35,6 +36,31 @@ Cell ContentsMembers::Resolve(std::size_t field, Cell cell) const noexcept {
 Cell ContentsMembers::ReadOriginal(std::uint32_t row, std::size_t field) const noexcept {
   const std::uint32_t shadow = ShadowOf(row);
   return shadow == kNone ? Read(row, field) : Resolve(field, originals[field].Load(shadow));
+}
+
+void RefuseRow(const Contents& contents, std::uint32_t row, TextView why) {
+  Text message = contents.owner + ": randul ";
+  AppendDecimal(message, row);
+  throw Error(message.append(why));
+}
+
+namespace {
+
+[[noreturn]] void RefuseState(const Contents& contents, std::uint32_t row) {
+  const bool isDeleted = row < contents.rowCount && contents.StateOf(row) == StoredState::Deleted;
+  RefuseRow(contents, row, isDeleted ? " este sters" : " nu exista");
+}
+
+}  // namespace
+
+std::uint32_t RequireRow(const Contents& contents, RowId id, bool mayBeDeleted) {
+  const auto row = static_cast<std::uint32_t>(id);
+  const bool isThere =
+      mayBeDeleted ? row < contents.rowCount && contents.StateOf(row) < StoredState::Gone : contents.IsPresent(row);
+  if (!isThere) {
+    RefuseState(contents, row);
+  }
+  return row;
 }
 
 }  // namespace kiv::store

@@ -113,6 +113,11 @@ struct Contents : ContentsMembers {
   }
 };
 
+/// Throws Error: what is wrong with the row.
+[[noreturn]] void RefuseRow(const Contents& contents, std::uint32_t row, TextView why);
+/// The row's number. Throws Error for one that is not there.
+std::uint32_t RequireRow(const Contents& contents, RowId id, bool mayBeDeleted = false);
+
 }  // namespace kiv::store
 
 namespace kiv {

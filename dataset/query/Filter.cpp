@@ -1,0 +1,44 @@
+#include "kivtools/dataset/Filter.h"
+
+#include "dataset/query/Evaluator.h"
+#include "dataset/query/Parser.h"
+#include "dataset/query/TreeBuilder.h"
+
+namespace kiv {
+
+FilterError::FilterError(std::size_t position, const std::string& message) : Error(message), position_(position) {}
+FilterError::~FilterError() = default;
+
+namespace {
+
+std::shared_ptr<const query::Tree> Compile(const DatasetView& rows, TextView text, const FilterParameters& parameters) {
+  return std::make_shared<const query::Tree>(query::Parse(*rows.GetContents().schemaData, text, parameters));
+}
+
+}  // namespace
+
+Expression::Expression(const DatasetView& rows, TextView text, const FilterParameters& parameters)
+    : contents_(&rows.GetContents()), tree_(Compile(rows, text, parameters)) {}
+
+FieldType Expression::Type() const noexcept {
+  return query::TypeOf(tree_->ResultKind());
+}
+
+Value Expression::Evaluate(RowId row) const {
+  const std::uint32_t number = store::RequireRow(*contents_, row);
+  return store::ValueOf(Type(), query::Evaluator(*tree_).Evaluate(tree_->Root(), *contents_, number));
+}
+
+Filter::Filter(const DatasetView& rows, TextView text, const FilterParameters& parameters)
+    : contents_(&rows.GetContents()), tree_(Compile(rows, text, parameters)) {
+  query::RequireCondition(*tree_, tree_->Root());
+}
+
+bool Filter::Test(RowId row) const {
+  const std::uint32_t number = store::RequireRow(*contents_, row);
+  query::Evaluator evaluator(*tree_);
+  const store::Cell& truth = evaluator.Evaluate(tree_->Root(), *contents_, number);
+  return !truth.isNull && truth.bits != 0;
+}
+
+}  // namespace kiv

@@ -42,11 +42,7 @@ std::size_t DatasetView::ResolveName(const Contents& contents, FieldSelector fie
     throw Error(contents.owner + ": campul este al altui set de date");
   }
   const TextView name(static_cast<const char*>(field.owner_), field.size_);
-  const auto found = contents.schemaData->IndexOf(name);
-  if (!found) {
-    throw Error(contents.owner + ": campul " + store::Quoted(name) + " nu exista");
-  }
-  return *found;
+  return store::RequireField(contents, name);
 }
 
 FieldRef DatasetView::Field(TextView name) const {

@@ -39,10 +39,19 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
   if (!value) {
     return 0;
   }
+  std::vector<kiv::RowId> passed;
+  bool isWhole = condition.has_value();
   for (const kiv::RowId row : Rows().Rows()) {
     const auto is = Tried(size, [&] { return value->Evaluate(row); });
     REQUIRE(!condition || Tried(size, [&] { return condition->Test(row); }) ==
                               (is ? std::optional(*is == kiv::Value(true)) : std::nullopt));
+    isWhole = isWhole && is;
+    if (is && *is == kiv::Value(true)) {
+      passed.push_back(row);
+    }
+  }
+  if (condition) {
+    REQUIRE(Tried(size, [&] { return condition->Select(); }) == (isWhole ? std::optional(passed) : std::nullopt));
   }
   return 0;
 }

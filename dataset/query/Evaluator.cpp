@@ -157,6 +157,11 @@ const Cell& Evaluator::Evaluate(Place root, const store::Contents& contents, std
   return values_[root];
 }
 
+const Cell* Evaluator::TryEvaluate(Place root, const store::Contents& contents, std::uint32_t row) {
+  const Fault fault = Run(root, [&](std::uint32_t field) { return contents.Read(row, field); });
+  return fault == Fault::None ? &values_[root] : nullptr;
+}
+
 bool Evaluator::EvaluateFor(Place root, const Cell& field, const Cell*& result) {
   result = &values_[root];
   return Run(root, [&](std::uint32_t) -> const Cell& { return field; }) == Fault::None;

@@ -22,6 +22,8 @@ class Evaluator {
   /// The value of the subtree that ends at `root`, borrowed until the next call. Throws FilterError, naming the node
   /// and the row, where there is none.
   const store::Cell& Evaluate(Place root, const store::Contents& contents, std::uint32_t row);
+  /// The same; null in place of a FilterError.
+  const store::Cell* TryEvaluate(Place root, const store::Contents& contents, std::uint32_t row);
   /// The same where every field of the subtree has one value, for all rows that have it. False in place of a
   /// FilterError.
   bool EvaluateFor(Place root, const store::Cell& field, const store::Cell*& result);

@@ -2,6 +2,7 @@
 
 #include "dataset/query/Evaluator.h"
 #include "dataset/query/Parser.h"
+#include "dataset/query/Selection.h"
 #include "dataset/query/TreeBuilder.h"
 
 namespace kiv {
@@ -39,6 +40,18 @@ bool Filter::Test(RowId row) const {
   query::Evaluator evaluator(*tree_);
   const store::Cell& truth = evaluator.Evaluate(tree_->Root(), *contents_, number);
   return !truth.isNull && truth.bits != 0;
+}
+
+std::vector<RowId> Filter::Select() const {
+  return query::SelectRows(*tree_, *contents_, query::BestKernels());
+}
+
+std::size_t Filter::Count() const {
+  return query::CountRows(*tree_, *contents_, query::BestKernels());
+}
+
+Value Filter::Sum(TextView field) const {
+  return query::SumRows(*tree_, *contents_, store::RequireField(*contents_, field), query::BestKernels());
 }
 
 }  // namespace kiv

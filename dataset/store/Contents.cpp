@@ -38,6 +38,14 @@ Cell ContentsMembers::ReadOriginal(std::uint32_t row, std::size_t field) const n
   return shadow == kNone ? Read(row, field) : Resolve(field, originals[field].Load(shadow));
 }
 
+std::size_t RequireField(const Contents& contents, TextView name) {
+  const auto found = contents.schemaData->IndexOf(name);
+  if (!found) {
+    throw Error(contents.owner + ": campul " + Quoted(name) + " nu exista");
+  }
+  return *found;
+}
+
 void RefuseRow(const Contents& contents, std::uint32_t row, TextView why) {
   Text message = contents.owner + ": randul ";
   AppendDecimal(message, row);

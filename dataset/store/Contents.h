@@ -113,6 +113,8 @@ struct Contents : ContentsMembers {
   }
 };
 
+/// The place of the field of that name. Throws Error where there is none.
+std::size_t RequireField(const Contents& contents, TextView name);
 /// Throws Error: what is wrong with the row.
 [[noreturn]] void RefuseRow(const Contents& contents, std::uint32_t row, TextView why);
 /// The row's number. Throws Error for one that is not there.

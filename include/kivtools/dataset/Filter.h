@@ -81,6 +81,17 @@ class Filter {
 
   /// Whether the row passes. Throws as Expression::Evaluate() does.
   [[nodiscard]] KIV_API bool Test(RowId row) const;
+  /// The rows that pass, in their order. It goes through columns, not rows: many times faster than Test() for each.
+  /// Throws FilterError as Test() does for the first row that has no value.
+  [[nodiscard]] KIV_API std::vector<RowId> Select() const;
+  /// How many pass. Throws as Select() does. Example: `Filter(linii, "suma > 1000").Count()`.
+  [[nodiscard]] KIV_API std::size_t Count() const;
+  /// The sum of a field of integers, amounts or doubles over the rows that pass: an integer, an amount or a double;
+  /// null where none of them has a value. Throws as Select() does, Error for a field that does not exist and where the
+  /// type cannot hold the sum, InvalidCast for a field of another type.
+  ///
+  ///     Filter(linii, "data >= {2026-01-01}").Sum("suma")   // Value(1234.56_lei)
+  [[nodiscard]] KIV_API Value Sum(TextView field) const;
 
   /// For the library's own parts.
   [[nodiscard]] const query::Tree& GetTree() const noexcept { return *tree_; }

@@ -10,10 +10,9 @@ constexpr Phrase kHelpOfValues = {
     "--csv the arguments are FILEs, standard input where there is none. A file of separated values has , or ; or tabs\n"
     "between its fields; a column given by its number has no heading.\n\n",
     "Fiecare valoare primește răspunsul pe un rând al ei; - singur înseamnă rândurile intrării standard. Cu --files\n"
-    "sau --csv argumentele sunt fișiere (FILE), iar fără niciunul se citește intrarea standard. Într-un fișier de "
-    "valori\n"
-    "separate, câmpurile sunt despărțite prin , sau ; sau tabulatori; o coloană dată prin numărul ei nu are cap de\n"
-    "tabel.\n\n"};
+    "sau --csv argumentele sunt fișiere (FILE), iar fără niciunul se citește intrarea standard. Într-un fișier\n"
+    "de valori separate, câmpurile sunt despărțite prin , sau ; sau tabulatori; o coloană dată prin numărul ei nu\n"
+    "are cap de tabel.\n\n"};
 
 }  // namespace
 

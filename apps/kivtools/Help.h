@@ -27,8 +27,7 @@ inline constexpr Phrase kProgramSummary = {"Romanian business text and checks on
                                            "Texte și verificări pentru firme, la linia de comandă"};
 inline constexpr Phrase kExitCodes = {
     "Exit code: 0 done, 1 a check said no, 2 bad usage or input, or output that nobody takes.\n\n",
-    "Codul de ieșire: 0 gata, 1 o verificare a spus nu, 2 folosire sau date greșite, ori nimeni nu preia ce se "
-    "scrie.\n\n"};
+    "Codul de ieșire: 0 gata, 1 o verificare a spus nu, 2 folosire sau date greșite, ori nimeni nu preia scrisul.\n\n"};
 inline constexpr Phrase kEnvironment = {
     "The environment variable KIVTOOLS_LIBRARY names the library to load; without it, it is the one that the\n"
     "program was installed with.\n\n",

@@ -96,7 +96,7 @@ class Piece {
  public:
   // NOLINTBEGIN(google-explicit-constructor): whatever has a place in a message
   Piece(std::string_view text) : text_(text) {}
-  Piece(const std::string& text) : text_(text) {}
+  Piece(std::string text) : text_(std::move(text)) {}
   Piece(const char* text) : text_(text) {}
   Piece(const Said& said) : text_(said.Text()) {}
   Piece(const Phrase& phrase);

@@ -15,7 +15,7 @@ constexpr Phrase kDetails = {
     "IN.bmp is an uncompressed picture of 1 to 32 bits a pixel, OUT.bmp gets 24. Both may be the same file.\n\n"
     "Example:\n"
     "  kivtools blur fond.bmp neted.bmp --level 3\n",
-    "IN.bmp este o imagine necomprimată de 1 până la 32 de biți pe punct, OUT.bmp primește 24. Pot fi același "
+    "IN.bmp este o imagine necomprimată de 1 până la 32 de biți pe punct, OUT.bmp primește 24. Pot fi același\n"
     "fișier.\n\n"
     "Exemplu:\n"
     "  kivtools blur fond.bmp neted.bmp --level 3\n"};

@@ -8,16 +8,15 @@ namespace {
 constexpr auto kOptions = WithValueOptions<1>({{{"age", "", {"the age alone", "numai vârsta"}}}});
 
 constexpr Phrase kDetails = {
-    "Blanks in the code are passed over, and single dashes. The age counts calendar years. A code that is not valid\n"
-    "gives \"CNP incorect\" and the exit code 1.\n"
+    "Blanks in the code are passed over, and single dashes. The age counts calendar years. A code that is not\n"
+    "valid gives \"CNP incorect\" and the exit code 1.\n"
     "Values of files give birth date and age on one line with a tab between, a column the birth date.\n\n"
     "Example:\n"
     "  kivtools cnp 1800101221144\n",
-    "Peste spațiile din cod se trece, și peste câte o cratimă. Vârsta numără anii calendaristici. Un cod care nu este\n"
-    "valid dă \"CNP incorect\" și codul de ieșire 1.\n"
-    "Pentru valorile din fișiere se scriu data nașterii și vârsta pe un rând, cu un tabulator între ele, iar într-o "
-    "coloană\n"
-    "data nașterii.\n\n"
+    "Peste spațiile din cod se trece, și peste câte o cratimă. Vârsta numără anii calendaristici. Un cod care nu\n"
+    "este valid dă \"CNP incorect\" și codul de ieșire 1.\n"
+    "Pentru valorile din fișiere se scriu data nașterii și vârsta pe un rând, cu un tabulator între ele, iar\n"
+    "într-o coloană data nașterii.\n\n"
     "Exemplu:\n"
     "  kivtools cnp 1800101221144\n"};
 

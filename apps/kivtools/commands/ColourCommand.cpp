@@ -13,9 +13,8 @@ constexpr Phrase kDetails = {
     "anything, leaves them out.\n\n"
     "Example:\n"
     "  kivtools colour '#0080FF'\n",
-    "Semnul # poate lipsi. Pe un terminal care arată culori, fiecare rând începe cu o mostră; NO_COLOR, cu orice "
-    "valoare,\n"
-    "le lasă deoparte.\n\n"
+    "Semnul # poate lipsi. Pe un terminal care arată culori, fiecare rând începe cu o mostră; NO_COLOR, cu orice\n"
+    "valoare, le lasă deoparte.\n\n"
     "Exemplu:\n"
     "  kivtools colour '#0080FF'\n"};
 

@@ -5,9 +5,8 @@ namespace kivtools {
 namespace {
 
 constexpr Phrase kDetails = {
-    "Compares two files byte by byte and says whether they are equal, or whether it is their sizes or their bytes "
-    "that\n"
-    "differ. Exit code: 0 they are equal, 1 they differ, 2 one of them cannot be read.\n\n"
+    "Compares two files byte by byte and says whether they are equal, or whether it is their sizes or their bytes\n"
+    "that differ. Exit code: 0 they are equal, 1 they differ, 2 one of them cannot be read.\n\n"
     "Example:\n"
     "  kivtools compare firme.dbf /salvare/firme.dbf\n",
     "Compară două fișiere octet cu octet și spune dacă sunt la fel sau dacă diferă mărimile ori octeții.\n"

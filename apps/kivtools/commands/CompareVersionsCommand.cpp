@@ -6,13 +6,14 @@ namespace kivtools {
 namespace {
 
 constexpr Phrase kDetails = {
-    "A version has at most four numbers joined by dots. The difference of the first numbers that differ is printed.\n"
-    "Exit code: 0 the versions are equal, 10 A is below B, 11 A is above B, 2 one of them is no version.\n\n"
+    "A version has at most four numbers joined by dots. The difference of the first numbers that differ is\n"
+    "printed. Exit code: 0 the versions are equal, 10 A is below B, 11 A is above B, 2 one of them is no version.\n\n"
     "Examples:\n"
     "  kivtools compare-versions 1.10 1.9       1\n"
     "  kivtools compare-versions 1.2 1.2.0.0    0\n",
-    "O versiune are cel mult patru numere legate prin puncte. Se scrie diferența primelor numere care nu sunt la fel.\n"
-    "Codul de ieșire: 0 versiunile sunt la fel, 10 A este sub B, 11 A este peste B, 2 una nu este o versiune.\n\n"
+    "O versiune are cel mult patru numere legate prin puncte. Se scrie diferența primelor numere care nu sunt la\n"
+    "fel. Codul de ieșire: 0 versiunile sunt la fel, 10 A este sub B, 11 A este peste B, 2 una nu este o\n"
+    "versiune.\n\n"
     "Exemple:\n"
     "  kivtools compare-versions 1.10 1.9       1\n"
     "  kivtools compare-versions 1.2 1.2.0.0    0\n"};

@@ -36,22 +36,17 @@ constexpr std::array<Option, 4> kOptions = {{
 }};
 
 constexpr Phrase kDetails = {
-    "Converts standard input to standard output. Code pages have their names, such as utf-8, windows-1250, ibm852 or\n"
-    "iso-8859-2, or the numbers of Windows. The comma and the cedilla letters stand for one another where the code "
-    "page\n"
-    "has only one of them; any other letter that it lacks is refused, and so are bytes that mean nothing where they "
-    "come\n"
-    "from, unless --lossy is given.\n"
+    "Converts standard input to standard output. Code pages have their names, such as utf-8, windows-1250, ibm852\n"
+    "or iso-8859-2, or the numbers of Windows. The comma and the cedilla letters stand for one another where the\n"
+    "code page has only one of them; any other letter that it lacks is refused, and so are bytes that mean\n"
+    "nothing where they come from, unless --lossy is given.\n"
     "In UTF-8 the letters keep their form unless --letters comma or --letters cedilla chooses one.\n\n"
     "Example:\n"
     "  kivtools convert --from windows-1250 --to utf-8 --letters comma < vechi.txt > nou.txt\n",
-    "Trece intrarea standard, convertită, la ieșirea standard. Paginile de coduri au nume, ca utf-8, windows-1250, "
-    "ibm852\n"
-    "sau iso-8859-2, ori numerele din Windows. Literele cu virgulă și cele cu sedilă țin unele locul celorlalte unde "
-    "pagina\n"
-    "are numai un fel; orice altă literă care îi lipsește este refuzată, la fel octeții fără înțeles în pagina din "
-    "care vin,\n"
-    "afară de cazul că se dă --lossy.\n"
+    "Trece intrarea standard, convertită, la ieșirea standard. Paginile de coduri au nume, ca utf-8,\n"
+    "windows-1250, ibm852 sau iso-8859-2, ori numerele din Windows. Literele cu virgulă și cele cu sedilă țin\n"
+    "unele locul celorlalte unde pagina are numai un fel; orice altă literă care îi lipsește este refuzată, la\n"
+    "fel octeții fără înțeles în pagina din care vin, afară de cazul că se dă --lossy.\n"
     "În UTF-8 literele își păstrează forma, dacă nu alege una --letters comma sau --letters cedilla.\n\n"
     "Exemplu:\n"
     "  kivtools convert --from windows-1250 --to utf-8 --letters comma < vechi.txt > nou.txt\n"};

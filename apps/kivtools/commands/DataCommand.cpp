@@ -16,8 +16,8 @@ constexpr std::array<Option, 1> kOptions = {
     {{"json", "", {"for machines: an object for the file", "pentru programe: un obiect pentru fișier"}}}};
 
 constexpr Phrase kDetails = {
-    "FILE.kdp is what applications save of a dataset, or a delta that they send. A journal beside it, FILE.kdp.log,\n"
-    "is read with it.\n\n"
+    "FILE.kdp is what applications save of a dataset, or a delta that they send. A journal beside it,\n"
+    "FILE.kdp.log, is read with it.\n\n"
     "  show      the rows, \"*\" before changed and \"+\" before new ones\n"
     "  changes   each row that is not as it was when it was loaded: was -> is\n"
     "  check     every checksum and rule; the exit code is 1 and the place is told where the file is damaged, or its\n"
@@ -30,9 +30,8 @@ constexpr Phrase kDetails = {
     "FILE.kdp.log, se citește cu el.\n\n"
     "  show      rândurile, cu \"*\" înaintea celor modificate și \"+\" înaintea celor noi\n"
     "  changes   fiecare rând care nu mai este cum a fost încărcat: era -> este\n"
-    "  check     fiecare sumă de control și regulă; codul de ieșire este 1 și se spune locul unde fișierul este "
-    "stricat sau\n"
-    "            jurnalul lui este retezat\n\n"
+    "  check     fiecare sumă de control și regulă; codul de ieșire este 1 și se spune locul unde fișierul este\n"
+    "            stricat sau jurnalul lui este retezat\n\n"
     "Exemple:\n"
     "  kivtools data show lines.kdp\n"
     "  kivtools data changes --json to-send.kdp\n"

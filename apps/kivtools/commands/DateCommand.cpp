@@ -35,16 +35,14 @@ constexpr auto kOptions = WithValueOptions<1>(
     {{{"form", "NAME", {"only this form; without it all of them", "numai forma aceasta; altfel toate"}, kForms}}});
 
 constexpr Phrase kDetails = {
-    "DATE is written 2024-03-05, 05.03.2024 or \"5 martie 2024\"; T14:07:09 after it is the time of day. The forms "
-    "bear\n"
-    "the names of the library's operations; for the values of files it is DateToRoText unless --form says another "
-    "one.\n\n"
+    "DATE is written 2024-03-05, 05.03.2024 or \"5 martie 2024\"; T14:07:09 after it is the time of day. The forms\n"
+    "bear the names of the library's operations; for the values of files it is DateToRoText unless --form says\n"
+    "another one.\n\n"
     "Examples:\n"
     "  kivtools date 2024-03-05\n"
     "  kivtools date 2024-03-05T14:07:09 --form TimeToStrRo2    Ora 14 07 minute 09 sec\n",
-    "DATE se scrie 2024-03-05, 05.03.2024 sau \"5 martie 2024\"; T14:07:09 după ea este ora. Formele au numele "
-    "operațiilor\n"
-    "bibliotecii; pentru valorile din fișiere forma este DateToRoText, dacă --form nu cere alta.\n\n"
+    "DATE se scrie 2024-03-05, 05.03.2024 sau \"5 martie 2024\"; T14:07:09 după ea este ora. Formele au numele\n"
+    "operațiilor bibliotecii; pentru valorile din fișiere forma este DateToRoText, dacă --form nu cere alta.\n\n"
     "Exemple:\n"
     "  kivtools date 2024-03-05\n"
     "  kivtools date 2024-03-05T14:07:09 --form TimeToStrRo2    Ora 14 07 minute 09 sec\n"};

@@ -13,20 +13,16 @@ namespace {
 constexpr std::array kOptions = {Option{"yes", "", {"do not ask", "nu întreabă"}}};
 
 constexpr Phrase kDetails = {
-    "Deletes a folder with all that is in it, protected files too. It says on the terminal how much that is and asks; "
-    "without\n"
-    "a terminal it needs --yes. Of a link only the link goes. Root folders, the home folder and what it is in are "
-    "refused,\n"
-    "however they are written. What cannot be deleted is told, and the rest goes on.\n"
+    "Deletes a folder with all that is in it, protected files too. It says on the terminal how much that is and\n"
+    "asks; without a terminal it needs --yes. Of a link only the link goes. Root folders, the home folder and\n"
+    "what it is in are refused, however they are written. What cannot be deleted is told, and the rest goes on.\n"
     "Exit code: 0 all is deleted, 1 the answer was no, 2 something is left.\n\n"
     "Example:\n"
     "  kivtools delete /tmp/lucru\n",
-    "Șterge un dosar cu tot ce este în el, și fișierele protejate. Spune pe terminal cât este de șters și întreabă; "
-    "fără\n"
-    "terminal cere --yes. Dintr-o legătură dispare numai legătura. Dosarele rădăcină, dosarul personal și cele care "
-    "îl\n"
-    "cuprind sunt refuzate, oricum ar fi scrise. Ce nu se poate șterge se spune, iar restul merge mai departe.\n"
-    "Codul de ieșire: 0 s-a șters tot, 1 răspunsul a fost nu, 2 a rămas ceva.\n\n"
+    "Șterge un dosar cu tot ce este în el, și fișierele protejate. Spune pe terminal cât este de șters și\n"
+    "întreabă; fără terminal cere --yes. Dintr-o legătură dispare numai legătura. Dosarele rădăcină, dosarul\n"
+    "personal și cele care îl cuprind sunt refuzate, oricum ar fi scrise. Ce nu se poate șterge se spune, iar\n"
+    "restul merge mai departe. Codul de ieșire: 0 s-a șters tot, 1 răspunsul a fost nu, 2 a rămas ceva.\n\n"
     "Exemplu:\n"
     "  kivtools delete /tmp/lucru\n"};
 

@@ -9,9 +9,8 @@ constexpr Phrase kDetails = {
     "connection string that goes with it. The database itself is not opened and need not exist yet.\n\n"
     "Example:\n"
     "  kivtools dsn firma/firma.mdb    Provider=MSDASQL.1;...FILEDSN=firma/auto_dsn.dsn;...\n",
-    "Scrie sursa de date auto_dsn.dsn în dosarul bazei de date, în locul uneia de dinainte, și tipărește șirul de "
-    "conectare\n"
-    "care merge cu ea. Baza de date nu se deschide și poate nici nu există încă.\n\n"
+    "Scrie sursa de date auto_dsn.dsn în dosarul bazei de date, în locul uneia de dinainte, și tipărește șirul de\n"
+    "conectare care merge cu ea. Baza de date nu se deschide și poate nici nu există încă.\n\n"
     "Exemplu:\n"
     "  kivtools dsn firma/firma.mdb    Provider=MSDASQL.1;...FILEDSN=firma/auto_dsn.dsn;...\n"};
 

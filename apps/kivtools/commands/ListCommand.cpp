@@ -22,18 +22,17 @@ constexpr std::array<Option, 3> kOptions = {{
 }};
 
 constexpr Phrase kDetails = {
-    "Prints the paths of the files in ROOT and below it, in the file system's order. With one EXT or more they are "
-    "those\n"
-    "with such an extension, written without the dot, in small or capital letters; an empty one takes files without\n"
-    "any. A link is a file here, and nobody goes where it leads. What cannot be read is told at the end.\n\n"
+    "Prints the paths of the files in ROOT and below it, in the file system's order. With one EXT or more they\n"
+    "are those with such an extension, written without the dot, in small or capital letters; an empty one takes\n"
+    "files without any. A link is a file here, and nobody goes where it leads. What cannot be read is told at the\n"
+    "end.\n\n"
     "Examples:\n"
     "  kivtools list /date dbf mdb\n"
     "  kivtools list --null /date tmp | xargs -0 ls -l\n",
-    "Scrie căile fișierelor din ROOT și de sub el, în ordinea sistemului de fișiere. Cu unul sau mai multe EXT sunt "
-    "cele cu o\n"
-    "asemenea extensie, scrisă fără punct, cu litere mici sau mari; una goală înseamnă fișierele fără extensie. O "
-    "legătură\n"
-    "este aici un fișier, iar unde duce ea nu se merge. Ce nu se poate citi se spune la sfârșit.\n\n"
+    "Scrie căile fișierelor din ROOT și de sub el, în ordinea sistemului de fișiere. Cu unul sau mai multe EXT\n"
+    "sunt cele cu o asemenea extensie, scrisă fără punct, cu litere mici sau mari; una goală înseamnă fișierele\n"
+    "fără extensie. O legătură este aici un fișier, iar unde duce ea nu se merge. Ce nu se poate citi se spune la\n"
+    "sfârșit.\n\n"
     "Exemple:\n"
     "  kivtools list /date dbf mdb\n"
     "  kivtools list --null /date tmp | xargs -0 ls -l\n"};

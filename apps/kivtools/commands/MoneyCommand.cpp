@@ -18,19 +18,17 @@ constexpr auto kOptions = WithValueOptions<3>({{
 }});
 
 constexpr Phrase kDetails = {
-    "AMOUNT is written 1.234,56, 1234,56 or 1234.56, with at most four decimals and with lei, RON or EUR behind it or\n"
-    "not; 1.234 alone could be either number and is refused. TEXT is read as the library reads amounts: a comma "
-    "before\n"
-    "the decimals; dots and blanks are passed over, decimals after the fourth are cut.\n\n"
+    "AMOUNT is written 1.234,56, 1234,56 or 1234.56, with at most four decimals and with lei, RON or EUR behind\n"
+    "it or not; 1.234 alone could be either number and is refused. TEXT is read as the library reads amounts: a\n"
+    "comma before the decimals; dots and blanks are passed over, decimals after the fourth are cut.\n\n"
     "Examples:\n"
     "  kivtools money 1234567.89                  1.234.567, 89\n"
     "  kivtools money --no-space -1234.5          -1.234,50\n"
     "  kivtools money --parse \"1.234,5\"           1234.5\n",
-    "AMOUNT se scrie 1.234,56, 1234,56 sau 1234.56, cu cel mult patru zecimale, cu sau fără lei, RON sau EUR în urmă; "
-    "1.234\n"
-    "singur poate fi oricare dintre două numere și este refuzat. TEXT se citește cum citește biblioteca sumele: "
-    "virgulă\n"
-    "înaintea zecimalelor; peste puncte și spații se trece, zecimalele de după a patra se taie.\n\n"
+    "AMOUNT se scrie 1.234,56, 1234,56 sau 1234.56, cu cel mult patru zecimale, cu sau fără lei, RON sau EUR în\n"
+    "urmă; 1.234 singur poate fi oricare dintre două numere și este refuzat. TEXT se citește cum citește\n"
+    "biblioteca sumele: virgulă înaintea zecimalelor; peste puncte și spații se trece, zecimalele de după a patra\n"
+    "se taie.\n\n"
     "Exemple:\n"
     "  kivtools money 1234567,89                  1.234.567, 89\n"
     "  kivtools money --no-space -1234,5          -1.234,50\n"

@@ -4,13 +4,12 @@ namespace kivtools {
 namespace {
 
 constexpr Phrase kDetails = {
-    "Letters outside Windows-1250 are refused. A question mark becomes a t: it is taken for a letter that an earlier\n"
-    "conversion lost.\n\n"
+    "Letters outside Windows-1250 are refused. A question mark becomes a t: it is taken for a letter that an\n"
+    "earlier conversion lost.\n\n"
     "Example:\n"
     "  kivtools strip \"Țara Românească\"    Tara Romaneasca\n",
-    "Literele din afara Windows-1250 sunt refuzate. Un semn de întrebare devine t: este luat drept o literă pierdută "
-    "la o\n"
-    "conversie de mai demult.\n\n"
+    "Literele din afara Windows-1250 sunt refuzate. Un semn de întrebare devine t: este luat drept o literă\n"
+    "pierdută la o conversie de mai demult.\n\n"
     "Exemplu:\n"
     "  kivtools strip \"Țara Românească\"    Tara Romaneasca\n"};
 

@@ -22,9 +22,8 @@ constexpr Phrase kDetails = {
     "Examples:\n"
     "  kivtools version app.exe\n"
     "  kivtools version --json *.dll\n",
-    "Citește resursa de versiune a programelor și bibliotecilor Windows, pe orice sistem. Ce nu are una, sau o are "
-    "stricată,\n"
-    "arată \"<info not available>\".\n\n"
+    "Citește resursa de versiune a programelor și bibliotecilor Windows, pe orice sistem. Ce nu are una, sau o\n"
+    "are stricată, arată \"<info not available>\".\n\n"
     "Exemple:\n"
     "  kivtools version app.exe\n"
     "  kivtools version --json *.dll\n"};

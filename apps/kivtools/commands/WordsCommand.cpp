@@ -27,10 +27,10 @@ constexpr auto kOptions = WithValueOptions<4>({{
 }});
 
 constexpr Phrase kDetails = {
-    "AMOUNT is written 1.234,56, 1234,56 or 1234.56, with at most four decimals and with lei or RON behind it or not;\n"
-    "1.234 alone could be either number and is refused. What is below a ban is cut.\n"
-    "Amounts of a billion or more and negative ones have words with --readable only. The six fields of a currency are\n"
-    "singular, plural and gender (m, f or n) of its unit and of its hundredth.\n\n"
+    "AMOUNT is written 1.234,56, 1234,56 or 1234.56, with at most four decimals and with lei or RON behind it or\n"
+    "not; 1.234 alone could be either number and is refused. What is below a ban is cut.\n"
+    "Amounts of a billion or more and negative ones have words with --readable only. The six fields of a currency\n"
+    "are singular, plural and gender (m, f or n) of its unit and of its hundredth.\n\n"
     "Examples:\n"
     "  kivtools words 1234.56           UNAMIEDOUASUTETREIZECISIPATRU LEI SI CINCIZECISISASE BANI\n"
     "  kivtools words --compact 1.05    UNLEU,05BANI\n"
@@ -38,12 +38,10 @@ constexpr Phrase kDetails = {
     "  kivtools words --readable 2304.50 două mii trei sute patru lei și cincizeci de bani\n"
     "  kivtools words --readable --currency EUR -21\n"
     "  kivtools words --csv total --add in_litere facturi.csv > facturi-litere.csv\n",
-    "AMOUNT se scrie 1.234,56, 1234,56 sau 1234.56, cu cel mult patru zecimale, cu sau fără lei ori RON în urmă; 1.234 "
-    "singur\n"
-    "poate fi oricare dintre două numere și este refuzat. Ce este sub un ban se taie.\n"
-    "Sumele de la un miliard în sus și cele negative au cuvinte numai cu --readable. Cele șase câmpuri ale unei monede "
-    "sunt\n"
-    "singularul, pluralul și genul (m, f sau n) unității și al sutimii ei.\n\n"
+    "AMOUNT se scrie 1.234,56, 1234,56 sau 1234.56, cu cel mult patru zecimale, cu sau fără lei ori RON în urmă;\n"
+    "1.234 singur poate fi oricare dintre două numere și este refuzat. Ce este sub un ban se taie.\n"
+    "Sumele de la un miliard în sus și cele negative au cuvinte numai cu --readable. Cele șase câmpuri ale unei\n"
+    "monede sunt singularul, pluralul și genul (m, f sau n) unității și al sutimii ei.\n\n"
     "Exemple:\n"
     "  kivtools words 1234,56           UNAMIEDOUASUTETREIZECISIPATRU LEI SI CINCIZECISISASE BANI\n"
     "  kivtools words --compact 1,05    UNLEU,05BANI\n"

@@ -110,6 +110,10 @@ std::string Library::SumInWords(std::int64_t amount) const {
   return Text(sumInWords_, amount);
 }
 
+void Library::AppendSumInWords(std::int64_t amount, TextBuffer& out) const {
+  AppendText(out, sumInWords_, amount);
+}
+
 std::string Library::SumInWordsCompact(std::int64_t amount) const {
   return Text(sumInWordsCompact_, amount);
 }
@@ -174,19 +178,14 @@ std::string Library::WithoutDiacritics(std::string_view utf8) const {
   return Text(withoutDiacritics_, text.data(), text.size());
 }
 
-std::string Library::Explain(Explanation* explanation, std::string_view code) const {
+void Library::AppendReason(Explanation* explanation, std::string_view code, TextBuffer& out) const {
   KivCodeFault fault{};
   if (explanation(code.data(), code.size(), &fault) < 0) {
     ThrowLastError();
   }
   const std::int32_t language =
       CurrentSpeech().language == Language::Romanian ? KIV_LANGUAGE_ROMANIAN : KIV_LANGUAGE_ENGLISH;
-  std::array<char, 256> text;  // filled by the library
-  const KivLength length = codeFaultText_(&fault, language, text.data(), text.size());
-  if (length < 0 || static_cast<std::size_t>(length) >= text.size()) {
-    ThrowLastError();
-  }
-  return {text.data(), static_cast<std::size_t>(length)};
+  AppendText(out, codeFaultText_, &fault, language);
 }
 
 std::string Library::BirthDate(std::string_view code) const {

@@ -16,6 +16,8 @@
 
 namespace kivtools {
 
+class TextBuffer;
+
 /// What the library answered to a value it refused: its message as UTF-8.
 class LibraryError : public InputError {
  public:
@@ -40,6 +42,8 @@ class Library {
   [[nodiscard]] std::string NumberInWords(std::int32_t number) const;
   /// A sum in words. Example: 10000 gives "UNU LEI".
   [[nodiscard]] std::string SumInWords(std::int64_t amount) const;
+  /// The same, appended.
+  void AppendSumInWords(std::int64_t amount, TextBuffer& out) const;
   /// A sum in words, the compact form. Example: 10000 gives "UNLEU".
   [[nodiscard]] std::string SumInWordsCompact(std::int64_t amount) const;
   /// A sum in words that people read, in a currency that the library knows or that six fields name. Example: 10000 and
@@ -99,8 +103,8 @@ class Library {
   [[nodiscard]] Explanation* FindExplanation(const std::string& operation) const {
     return package_.Function<Explanation>(("KivExplain" + operation).c_str());
   }
-  /// What it finds, as a part of a sentence in ASCII and in the user's language. Example: "character 3 is not a digit".
-  [[nodiscard]] std::string Explain(Explanation* explanation, std::string_view code) const;
+  /// Appends what it finds, a part of a sentence in the user's language. Example: "character 3 is not a digit".
+  void AppendReason(Explanation* explanation, std::string_view code, TextBuffer& out) const;
 
   /// The birth date that a personal numeric code says, "CNP incorect" for one that is not valid.
   [[nodiscard]] std::string BirthDate(std::string_view code) const;
@@ -177,6 +181,9 @@ class Library {
   /// The text that a function of the C interface gives, as the library has it.
   template <class Function, class... Arguments>
   std::string LibraryText(Function* function, Arguments... arguments) const;
+  /// The same appended as UTF-8.
+  template <class Function, class... Arguments>
+  void AppendText(TextBuffer& out, Function* function, Arguments... arguments) const;
   /// The same as UTF-8.
   template <class Function, class... Arguments>
   std::string Text(Function* function, Arguments... arguments) const;

@@ -3,12 +3,23 @@
 #include <algorithm>
 #include <array>
 #include <string>
+#include <string_view>
 
 #include "apps/kivtools/Library.h"
 #include "apps/kivtools/system/Paths.h"
+#include "apps/kivtools/values/TextBuffer.h"
 
 // How texts come from the functions of the C interface; for the sources of Library and what is built on it.
 namespace kivtools {
+
+/// Whether the text is the same in every encoding that there is here.
+inline bool IsAscii(std::string_view text) noexcept {
+  unsigned char bits = 0;
+  for (const char byte : text) {
+    bits |= static_cast<unsigned char>(byte);
+  }
+  return bits < 0x80;
+}
 
 template <class Function, class... Arguments>
 std::string Library::LibraryText(Function* function, Arguments... arguments) const {
@@ -35,6 +46,19 @@ std::string Library::LibraryText(Function* function, Arguments... arguments) con
 }
 
 template <class Function, class... Arguments>
+void Library::AppendText(TextBuffer& out, Function* function, Arguments... arguments) const {
+  std::array<char, 256> most;  // what a value gives has room in it
+  const KivLength length = function(arguments..., most.data(), most.size());
+  const bool whole = length >= 0 && static_cast<std::size_t>(length) < most.size();
+  const std::string_view text(most.data(), whole ? static_cast<std::size_t>(length) : 0);
+  if (whole && IsAscii(text)) {
+    out += text;
+  } else {
+    out += Text(function, arguments...);  // or its refusal
+  }
+}
+
+template <class Function, class... Arguments>
 std::string Library::PathText(Function* function, Arguments... arguments) const {
   return PathToUtf8(LibraryText(function, arguments...));
 }
@@ -42,11 +66,7 @@ std::string Library::PathText(Function* function, Arguments... arguments) const 
 template <class Function, class... Arguments>
 std::string Library::Text(Function* function, Arguments... arguments) const {
   std::string text = LibraryText(function, arguments...);
-  unsigned char bits = 0;
-  for (const char byte : text) {
-    bits |= static_cast<unsigned char>(byte);
-  }
-  return bits < 0x80 ? text : ToUtf8(text);
+  return IsAscii(text) ? text : ToUtf8(text);
 }
 
 }  // namespace kivtools

@@ -72,8 +72,12 @@ class Check final : public ValueWork {
 
   /// Control characters, which might break the output's lines or act on the terminal, become blanks.
   bool AppendLine(std::string_view value, TextBuffer& out) const override {
-    const bool valid = AppendAnswer(value, out);
-    out += '\t';
+    const bool valid = Ask(value);
+    if (valid) {
+      out += std::string_view("valid\t");
+    } else {
+      out += std::string_view("invalid\t");
+    }
     out.AppendChanged(value, [](char byte) { return kiv::ascii::IsControl(byte) ? ' ' : byte; });
     return valid;
   }
@@ -91,7 +95,7 @@ class Check final : public ValueWork {
   /// The reason has no character that JSON would want escaped.
   void AppendReason(std::string_view value, TextBuffer& out) const override {
     const std::string plain = WithoutGaps(value);
-    out += library_.Explain(explanation_, dropRo_ ? WithoutRo(plain) : std::string_view(plain));
+    library_.AppendReason(explanation_, dropRo_ ? WithoutRo(plain) : std::string_view(plain), out);
   }
 
   bool AppendMembers(std::string_view value, TextBuffer& out) const override {

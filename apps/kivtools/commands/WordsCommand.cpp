@@ -62,7 +62,7 @@ class Words final : public ValueWork {
 
   bool AppendAnswer(std::string_view value, TextBuffer& out) const override {
     try {
-      out += Of(value);
+      AppendWords(value, out);
       return true;
     } catch (const LibraryError& error) {
       throw InputError(
@@ -73,16 +73,17 @@ class Words final : public ValueWork {
   }
 
  private:
-  [[nodiscard]] std::string Of(std::string_view value) const {
+  void AppendWords(std::string_view value, TextBuffer& out) const {
     if (readable_) {
-      return number_ ? library_.NumberInReadableWords(ReadNumber(value, 0) / kiv::Currency::kPerUnit)
+      out += number_ ? library_.NumberInReadableWords(ReadNumber(value, 0) / kiv::Currency::kPerUnit)
                      : Readable(ReadAmount(value));
+    } else if (number_) {
+      out += library_.NumberInWords(ReadInt32(value));
+    } else if (compact_) {
+      out += library_.SumInWordsCompact(ReadLei(value));
+    } else {
+      library_.AppendSumInWords(ReadLei(value), out);
     }
-    if (number_) {
-      return library_.NumberInWords(ReadInt32(value));
-    }
-    const std::int64_t amount = ReadLei(value);
-    return compact_ ? library_.SumInWordsCompact(amount) : library_.SumInWords(amount);
   }
 
   [[nodiscard]] std::string Readable(const Amount& amount) const {

@@ -32,6 +32,10 @@ bool CsvRecords::Next() {
   return true;
 }
 
+bool CsvRecords::HasQuote(std::span<const char> text) noexcept {
+  return FindByte({text.data(), text.size()}, '"') < text.size();
+}
+
 /// Takes the record at the front, without its line end.
 std::span<char> CsvRecords::TakeRecord() {
   // A line end within quotes has an odd number of them before it.
@@ -42,7 +46,7 @@ std::span<char> CsvRecords::TakeRecord() {
   do {
     const std::size_t newline = FindByte(text, '\n', end);
     const std::string_view piece = text.substr(end, newline - end);
-    quotes += std::ranges::count(piece, '"');
+    quotes += mayHaveQuotes_ ? std::ranges::count(piece, '"') : 0;
     nextLine_ += newline < text.size() ? 1 : 0;
     end = std::min(newline + 1, text.size());
   } while (quotes % 2 != 0 && end < text.size());

@@ -23,7 +23,7 @@ class CsvRecords {
   CsvRecords() = default;
   /// Fields are unquoted in place. `line` is that on which the text begins.
   CsvRecords(std::span<char> text, char separator, std::uint64_t line = 1)
-      : text_(text), separator_(separator), nextLine_(line) {}
+      : text_(text), separator_(separator), nextLine_(line), mayHaveQuotes_(HasQuote(text)) {}
 
   /// Goes to the next record; false at the end. Throws LineError.
   bool Next();
@@ -37,6 +37,7 @@ class CsvRecords {
   [[nodiscard]] std::size_t BytesLeft() const noexcept { return text_.size(); }
 
  private:
+  static bool HasQuote(std::span<const char> text) noexcept;
   std::span<char> TakeRecord();
   void Split(std::string_view record);
   void SplitQuoted(std::span<char> record);
@@ -48,7 +49,8 @@ class CsvRecords {
   char separator_ = ',';
   std::uint64_t line_ = 0;
   std::uint64_t nextLine_ = 1;
-  bool hasQuotes_ = false;
+  bool mayHaveQuotes_ = false;  // the whole text
+  bool hasQuotes_ = false;      // the record
 };
 
 /// Reads records of a whole file in constant memory.

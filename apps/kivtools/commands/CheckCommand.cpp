@@ -13,11 +13,15 @@
 namespace kivtools {
 namespace {
 
-constexpr auto kOptions = WithValueOptions<2>({{
+constexpr auto kOptions = WithValueOptions<3>({{
     {"invalid-only",
      "",
      {"answer only for the codes that are not valid", "răspunde numai pentru codurile care nu sunt valide"}},
     {"ro", "", {"take a leading RO off (fiscal codes of VAT payers)", "scoate RO din față (la plătitorii de TVA)"}},
+    {kReasons,
+     "NAME",
+     {"with --add: one more column, with the reason where a code is not valid",
+      "cu --add: încă o coloană, cu motivul unde un cod nu este valid"}},
 }});
 
 constexpr Phrase kDetails = {
@@ -30,7 +34,7 @@ constexpr Phrase kDetails = {
     "Examples:\n"
     "  kivtools check iban \"RO49 AAAA 1B31 0075 9384 0000\"\n"
     "  kivtools check cui --csv cod_fiscal --invalid-only < parteneri.csv\n"
-    "  kivtools check cui --ro --csv cod_fiscal --add verificat parteneri.csv > verificati.csv\n",
+    "  kivtools check cui --ro --csv cod_fiscal --add verificat --reasons motiv parteneri.csv > verificati.csv\n",
     "KIND este iban, cnp, cui sau siruta. Peste spațiile dintr-un cod se trece, și peste câte o cratimă. Fiecare\n"
     "cod se scrie după \"valid\" sau \"invalid\" și un tabulator, cu spații în locul caracterelor de control. Fără\n"
     "CODE se verifică rândurile intrării standard. Ce vine din fișiere se numără, iar rândurile goale doar se\n"
@@ -40,7 +44,7 @@ constexpr Phrase kDetails = {
     "Exemple:\n"
     "  kivtools check iban \"RO49 AAAA 1B31 0075 9384 0000\"\n"
     "  kivtools check cui --csv cod_fiscal --invalid-only < parteneri.csv\n"
-    "  kivtools check cui --ro --csv cod_fiscal --add verificat parteneri.csv > verificati.csv\n"};
+    "  kivtools check cui --ro --csv cod_fiscal --add verificat --reasons motiv parteneri.csv > verificati.csv\n"};
 
 struct Kind {
   std::string_view name;
@@ -145,7 +149,10 @@ int RunCheck(Session& session, const Arguments& arguments) {
     throw InputError(Say({"\"--ro\" goes with cui only", "\"--ro\" merge numai cu cui"}));
   }
   const Check check(session.Lib(), kind, arguments.Has("ro"));
-  const ValueRules rules{.what = "CODE", .isCheck = true, .invalidOnly = arguments.Has("invalid-only")};
+  const ValueRules rules{.what = "CODE",
+                         .isCheck = true,
+                         .invalidOnly = arguments.Has("invalid-only"),
+                         .reasons = arguments.Has(kReasons)};
   const int result = AnswerValues(session, arguments, std::span(arguments.Values()).subspan(1), check, rules);
   if (check.SawRo()) {
     session.Report(Say({"codes with RO in front are not valid as they are; --ro takes it off",

@@ -3,6 +3,7 @@
 #include <memory>
 #include <optional>
 #include <utility>
+#include <vector>
 
 #include "apps/kivtools/Json.h"
 #include "apps/kivtools/Numbers.h"
@@ -88,7 +89,7 @@ struct Column {
 };
 
 /// A name is in the first record, which is then taken away.
-Column FindColumn(BlockReader& reader, const std::string& column, const std::optional<std::string>& added) {
+Column FindColumn(BlockReader& reader, const std::string& column, std::span<const std::string> added) {
   constexpr std::int32_t kMost = 1'000'000;
   const std::string first(reader.PeekFirst());
   Column found{SeparatorOf(first), 0, 0, std::nullopt};
@@ -97,7 +98,7 @@ Column FindColumn(BlockReader& reader, const std::string& column, const std::opt
     found.place = static_cast<std::size_t>(
                       ReadWholeNumber(column, 1, kMost, {"the number of a column", "numărul unei coloane"})) -
                   1;
-    if (!added) {
+    if (added.empty()) {
       return found;
     }
   }
@@ -112,11 +113,14 @@ Column FindColumn(BlockReader& reader, const std::string& column, const std::opt
   if (at == fields.end()) {
     throw InputError(Say({"{0} is not in the first row", "{0} nu este în primul rând"}, Shown(column)));
   }
-  if (added && std::ranges::find(fields, *added) != fields.end()) {
-    throw InputError(Say({"--add {0}: the file has such a column", "--add {0}: fișierul are deja o asemenea coloană"},
-                         Shown(*added)));
+  for (const std::string& name : added) {
+    if (std::ranges::find(fields, name) != fields.end()) {
+      const std::string_view option = &name == &added.front() ? kAdd : kReasons;
+      throw InputError(Say({"--{0} {1}: the file has such a column", "--{0} {1}: fișierul are deja o asemenea coloană"},
+                           option, Shown(name)));
+    }
   }
-  if (fields.size() == 1 && !added) {
+  if (fields.size() == 1 && added.empty()) {
     found.separator = '\n';  // none has been seen: a comma is a part of the value
   }
   found.place = static_cast<std::size_t>(at - fields.begin());
@@ -167,7 +171,7 @@ std::uint64_t AddColumn(const Answerer& answerer, const Column& column, std::spa
 /// What the options say.
 struct Form {
   std::optional<std::string> column;
-  std::optional<std::string> added;
+  std::vector<std::string> added;  ///< the names of the columns of a copy
   bool files;
   bool json;
 };
@@ -175,15 +179,16 @@ struct Form {
 void AnswerCsv(const Answerer& answerer, ByteSource source, const Form& form, Report& report) {
   BlockReader reader(std::move(source), RecordKind::Csv);
   const Column column = FindColumn(reader, *form.column, form.added);
-  if (form.added) {
+  if (!form.added.empty()) {
     TextBuffer begin;
     begin += reader.HadByteOrderMark() ? "\xEF\xBB\xBF" : "";
     if (column.heading) {
-      AppendWithField(*column.heading, 0, column.separator, *form.added, begin);
+      const std::vector<std::string_view> names(form.added.begin(), form.added.end());
+      AppendWithFields(*column.heading, 0, column.separator, names, begin);
     }
     report.Write(begin.View());
   }
-  const auto work = form.added ? AddColumn : AnswerColumn;
+  const auto work = form.added.empty() ? AnswerColumn : AddColumn;
   ForEachBlock<Answers>(
       reader,
       [&](std::span<char> text, Answers& answers) {
@@ -277,11 +282,23 @@ void AnswerTyped(const Session& session, std::span<const std::string> values, co
 }
 
 Form ReadForm(const Arguments& arguments) {
-  Form form{arguments.ValueOf("csv"), arguments.ValueOf("add"), arguments.Has("files"), arguments.Has("json")};
-  if (form.added && !form.column) {
+  Form form{arguments.ValueOf("csv"), {}, arguments.Has("files"), arguments.Has("json")};
+  for (const std::string_view option : {kAdd, kReasons}) {
+    if (auto name = arguments.ValueOf(option)) {
+      form.added.push_back(*std::move(name));
+    }
+  }
+  if (arguments.Has(kReasons) && !arguments.Has(kAdd)) {
+    throw InputError(Say({"\"--reasons\" goes with --add only", "\"--reasons\" merge numai cu --add"}));
+  }
+  if (form.added.size() == 2 && form.added.front() == form.added.back()) {
+    throw InputError(
+        Say({"{0} cannot name both columns", "{0} nu poate numi amândouă coloanele"}, Shown(form.added.front())));
+  }
+  if (!form.added.empty() && !form.column) {
     throw InputError(Say({"\"--add\" goes with --csv only", "\"--add\" merge numai cu --csv"}));
   }
-  if (form.added && form.json) {
+  if (!form.added.empty() && form.json) {
     throw InputError(Say({"\"--json\" does not go with --add", "\"--json\" nu merge cu --add"}));
   }
   return form;
@@ -296,7 +313,7 @@ int AnswerValues(Session& session, const Arguments& arguments, std::span<const s
   if (!ofFiles && values.empty() && !rules.isCheck) {
     throw InputError(IsMissing(rules.what));
   }
-  if (form.added && values.size() > 1) {
+  if (!form.added.empty() && values.size() > 1) {
     throw InputError(Say({"{0}: --add copies one FILE only", "{0}: --add copiază un singur FILE"}, Shown(values[1])));
   }
   if (!ofFiles && values.size() > 1 && std::ranges::find(values, "-") != values.end()) {

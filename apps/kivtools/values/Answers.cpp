@@ -40,6 +40,19 @@ bool HasAny(std::string_view text, const std::array<char, 4>& wanted) noexcept {
   return found != 0;
 }
 
+void AppendField(std::string_view field, char separator, TextBuffer& out) {
+  if (!HasAny(field, {separator, '"', '\n', '\r'})) {
+    out += field;
+    return;
+  }
+  out += '"';
+  for (const char character : field) {
+    out += std::string_view("\"\"").substr(0, character == '"' ? 1 : 0);
+    out += character;
+  }
+  out += '"';
+}
+
 constexpr bool IsLineEnd(char character) noexcept {
   return character == '\n' || character == '\r';
 }
@@ -71,25 +84,19 @@ void Answers::Print(Output& out, std::uint64_t firstLine) const {
   out.Write(text.substr(printed));
 }
 
-void AppendWithField(std::string_view record, std::size_t gap, char separator, std::string_view field,
-                     TextBuffer& out) {
+void AppendWithFields(std::string_view record, std::size_t gap, char separator,
+                      std::span<const std::string_view> fields, TextBuffer& out) {
   std::size_t end = record.size();
   for (const char ending : {'\n', '\r'}) {
     end -= end > 0 && record[end - 1] == ending ? 1 : 0;
   }
   out += record.substr(0, end);
-  for (std::size_t i = 0; i <= gap; ++i) {
+  for (std::size_t i = 0; i < gap; ++i) {
     out += separator;
   }
-  if (!HasAny(field, {separator, '"', '\n', '\r'})) {
-    out += field;
-  } else {
-    out += '"';
-    for (const char character : field) {
-      out += std::string_view("\"\"").substr(0, character == '"' ? 1 : 0);
-      out += character;
-    }
-    out += '"';
+  for (const std::string_view field : fields) {
+    out += separator;
+    AppendField(field, separator, out);
   }
   out += record.substr(end);
 }
@@ -225,6 +232,14 @@ void Answerer::TooShort(std::size_t field, std::uint64_t line, Answers& answers)
   });
 }
 
+void Answerer::AppendReason(const Record& record, std::optional<std::string_view> value, TextBuffer& out) const {
+  if (value) {
+    work_.AppendReason(*value, out);
+  } else {
+    out += NoField(record.place);
+  }
+}
+
 void Answerer::Added(const Record& record, std::optional<std::string_view> value, Answers& answers) const {
   if (record.fields > record.width) {
     throw LineError(record.line, Say({"more fields than the first row has", "mai multe câmpuri decât primul rând"}));
@@ -236,8 +251,14 @@ void Answerer::Added(const Record& record, std::optional<std::string_view> value
   // A short row gets the fields that it lacks, so that the answer stands below its heading.
   Answer(record.line, answers, [&] {
     answers.answer_.Cut(0);
+    answers.reason_.Cut(0);
     const bool valid = IsNothing(value.value_or("")) || work_.AppendAnswer(value.value_or(""), answers.answer_);
-    AppendWithField(record.raw, record.width - record.fields, record.separator, answers.answer_.View(), answers.text_);
+    if (rules_.reasons && !valid) {
+      AppendReason(record, value, answers.reason_);
+    }
+    const std::array<std::string_view, 2> fields = {answers.answer_.View(), answers.reason_.View()};
+    AppendWithFields(record.raw, record.width - record.fields, record.separator,
+                     std::span(fields).first(rules_.reasons ? 2 : 1), answers.text_);
     return valid;
   });
 }

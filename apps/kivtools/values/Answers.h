@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -41,6 +42,7 @@ class Answers {
   TextBuffer text_;
   std::vector<LineNumber> lines_;
   TextBuffer answer_;  // one that is not ready to be printed yet
+  TextBuffer reason_;
   ValueCounts counts_;
 };
 
@@ -68,7 +70,8 @@ class Answerer {
     char separator;
     std::uint64_t line;
   };
-  /// The record with the answer to its value as one more field, which is empty where the value is. Throws LineError for
+  /// The record with the answer to its value as one more field, which is empty where the value is, and if the rules
+  /// have reasons, with why it is denied as another one. Throws LineError for
   /// one with too many fields and, but for a check, for one without the value.
   void Added(const Record& record, std::optional<std::string_view> value, Answers& answers) const;
   /// A record with nothing on it as it is.
@@ -81,6 +84,7 @@ class Answerer {
   }
   template <class Append>
   void Answer(std::uint64_t line, Answers& answers, const Append& append) const;
+  void AppendReason(const Record& record, std::optional<std::string_view> value, TextBuffer& out) const;
   void BeginReason(std::uint64_t line, Answers& answers) const;
   void BeginObject(std::optional<std::string_view> value, std::optional<std::uint64_t> line, Answers& answers) const;
 
@@ -91,8 +95,9 @@ class Answerer {
   std::string fileMember_;
 };
 
-/// Appends the record with one more field, in quotes where it needs them, before its line end and behind `gap` empty
-/// ones. Example: `AppendWithField("a;b\r\n", 0, ';', "c;d", out)` appends "a;b;\"c;d\"\r\n".
-void AppendWithField(std::string_view record, std::size_t gap, char separator, std::string_view field, TextBuffer& out);
+/// Appends the record with more fields, in quotes where they need them, before its line end and behind `gap` empty
+/// ones. Example: with ';' and the field "c;d" the record "a;b\r\n" becomes "a;b;\"c;d\"\r\n".
+void AppendWithFields(std::string_view record, std::size_t gap, char separator,
+                      std::span<const std::string_view> fields, TextBuffer& out);
 
 }  // namespace kivtools

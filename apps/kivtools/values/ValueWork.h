@@ -43,8 +43,12 @@ struct ValueRules {
   std::string_view what;      ///< what messages call a value: "AMOUNT"
   bool isCheck = false;       ///< counts values, passes over blank lines, reads standard input where none is given
   bool invalidOnly = false;   ///< answers only to what is not valid
+  bool reasons = false;       ///< a copied record gets the reason beside the answer
   bool inParagraphs = false;  ///< what is typed gets several lines, with an empty one between two values
 };
+
+inline constexpr std::string_view kAdd = "add";
+inline constexpr std::string_view kReasons = "reasons";  ///< of a check alone
 
 /// The options of every command that takes values.
 inline constexpr std::array<Option, 4> kValueOptions = {{
@@ -52,7 +56,7 @@ inline constexpr std::array<Option, 4> kValueOptions = {{
      "COLUMN",
      {"take one column of FILEs, by its name in the first row or its number from 1",
       "o coloană a fișierelor, după numele din primul rând sau numărul ei, de la 1"}},
-    {"add",
+    {kAdd,
      "NAME",
      {"with --csv: copy the FILE with the answers as one more column",
       "cu --csv: copiază fișierul, cu răspunsurile într-o coloană în plus"}},

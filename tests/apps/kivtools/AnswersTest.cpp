@@ -1,13 +1,15 @@
 #include <gtest/gtest.h>
 
+#include <array>
 #include <string>
+#include <string_view>
 
 #include "apps/kivtools/values/Answers.h"
 
 namespace kivtools {
 namespace {
 
-TEST(AppendWithField, QuotesWhereItMustAndKeepsTheRecord) {
+TEST(AppendWithFields, QuotesWhereItMustAndKeepsTheRecord) {
   const struct {
     const char* record;
     std::size_t gap;
@@ -22,8 +24,25 @@ TEST(AppendWithField, QuotesWhereItMustAndKeepsTheRecord) {
                 {"\"x\r\n\"\r\n", 0, "c,d", "\"x\r\n\";c,d\r\n"}};
   for (const auto& [record, gap, field, result] : kCases) {
     TextBuffer out;
-    AppendWithField(record, gap, ';', field, out);
+    AppendWithFields(record, gap, ';', std::array<std::string_view, 1>{field}, out);
     EXPECT_EQ(out.View(), result);
+  }
+}
+
+TEST(AppendWithFields, QuotesForOneCharacterAnywhere) {
+  for (std::size_t size = 1; size <= 26; ++size) {
+    for (std::size_t place = 0; place < size; ++place) {
+      for (const char character : {';', '"', '\n', '\r', ',', '\x8A', '\xBB', '\0', ':', '!'}) {
+        std::string field(size, 'x');
+        field[place] = character;
+        const bool quoted = std::string_view(";\"\n\r").find(character) != std::string_view::npos;
+        std::string wanted = field;
+        wanted.insert(place, character == '"' ? "\"" : "");
+        TextBuffer out;
+        AppendWithFields("a\n", 0, ';', std::array<std::string_view, 2>{"b", field}, out);
+        EXPECT_EQ(out.View(), "a;b;" + (quoted ? "\"" + wanted + "\"" : field) + "\n") << size << " " << place;
+      }
+    }
   }
 }
 

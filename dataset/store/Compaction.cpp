@@ -104,7 +104,9 @@ void Store::Compact() {
   textSeed_ = compacted.textSeed_;
   keys_.TakeOver(compacted.keys_);
   appendEnd_ = 0;
-  TellFollowers([&compactor](Follower& follower) { follower.Renumbered(compactor.Numbers()); });
+  if (followers_ != nullptr) {
+    followers_->Renumbered(compactor.Numbers());
+  }
   TellOfAll();
 }
 

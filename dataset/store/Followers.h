@@ -58,6 +58,12 @@ class Followers {
       follower->Prepare(changes);
     }
   }
+  /// How often rows have been given new numbers.
+  [[nodiscard]] std::uint32_t Numbering() const noexcept { return numbering_; }
+  void Renumbered(const Plane& numbers) noexcept {
+    ++numbering_;
+    ForEach([&numbers](Follower& follower) { follower.Renumbered(numbers); });
+  }
   template <class Tell>
   void ForEach(Tell&& tell) noexcept {
     for (Follower* const follower : followers_) {
@@ -68,6 +74,7 @@ class Followers {
  private:
   Store* store_;
   std::vector<Follower*> followers_;
+  std::uint32_t numbering_ = 0;
 };
 
 }  // namespace kiv::store

@@ -8,6 +8,7 @@
 #include "Expect.h"
 #include "PacketBytes.h"
 #include "Show.h"
+#include "kivtools/dataset/Cursor.h"
 #include "kivtools/dataset/Loader.h"
 #include "platform/TestFolder.h"
 
@@ -123,6 +124,74 @@ TEST(Allocations, AFailureAtAnyOfThemChangesNothing) {
           ASSERT_EQ(Show(*snapshot), before) << name;
         }
       }
+    }
+  }
+}
+
+/// The rows that a cursor sees, and where it stands.
+std::string Walked(Cursor& cursor) {
+  std::string seen = std::to_string(static_cast<std::uint32_t>(cursor.Row())) + ":";
+  Cursor clone = cursor;
+  for (clone.First(); !clone.AtEnd(); clone.Next()) {
+    seen += " " + std::to_string(static_cast<std::uint32_t>(clone.Row()));
+  }
+  return seen;
+}
+
+TEST(Allocations, AFailureLeavesOrdersAndCursorsAsTheyWere) {
+  const Operation kMoves[] = {
+      {"order", [](Dataset& d) { Cursor(d).OrderBy("suma desc, text"); }},
+      {"clone",
+       [](Dataset& d) {
+         Cursor cursor(d);
+         cursor.OrderBy("text");
+         cursor.SetRange({"t1"}, {"t3"});
+         const Cursor clone = cursor;
+       }},
+      {"edit",
+       [](Dataset& d) {
+         Cursor cursor(d);
+         cursor.OrderBy("text");
+         cursor.First();
+         static_cast<void>(cursor.Bookmark());
+         cursor.Edit();
+         cursor.Set("text", "un text mai lung");
+         cursor.Post();
+       }},
+  };
+  std::vector<Operation> operations(std::begin(kOperations), std::end(kOperations));
+  operations.insert(operations.end(), std::begin(kMoves), std::end(kMoves));
+  for (const auto& [name, act] : operations) {
+    bool hasFailed = true;
+    for (std::uint64_t failing = 0; hasFailed; ++failing) {
+      ASSERT_LT(failing, 10'000U) << name;
+      Dataset dataset = Edited();
+      {
+        Loader loader(dataset);  // so many that a leaf is full
+        const ValueView null;
+        for (std::int64_t i = 0; i < 1024 - 64 + 1; ++i) {
+          loader.Add({10'000 + i, "t", null, null, null, null});
+        }
+        loader.Finish();
+      }
+      Cursor cursor(dataset);
+      cursor.OrderBy("text, id desc");
+      cursor.GoTo(RowId{5});
+      const std::string before = Walked(cursor);
+      Allocations::FailFrom(failing);
+      try {
+        act(dataset);
+        hasFailed = Allocations::Stop();
+        ASSERT_FALSE(hasFailed) << name << ": a failure went unnoticed";
+      } catch (const std::bad_alloc&) {
+        ASSERT_TRUE(Allocations::Stop());
+        ASSERT_EQ(Walked(cursor), before) << name << " " << failing;
+        act(dataset);
+      }
+      Cursor fresh(dataset);
+      fresh.OrderBy("text, id desc, suma");
+      fresh.GoTo(cursor.Row());
+      ASSERT_EQ(Walked(cursor), Walked(fresh)) << name;
     }
   }
 }

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "BlockCopy.h"
+#include "ModelCursors.h"
 #include "dataset/store/Store.h"
 #include "kivtools/dataset/Loader.h"
 
@@ -17,26 +18,6 @@
 
 namespace kiv {
 namespace {
-
-using Values = std::vector<Value>;
-
-struct ModelRow {
-  Values values;
-  std::optional<Values> original;
-  bool isPresent = true;
-  bool operator==(const ModelRow&) const = default;
-
-  [[nodiscard]] store::StoredState State() const {
-    if (!isPresent) {
-      return original ? store::StoredState::Deleted : store::StoredState::Gone;
-    }
-    return !original             ? store::StoredState::Inserted
-           : values == *original ? store::StoredState::Unmodified
-                                 : store::StoredState::Modified;
-  }
-};
-
-using Rows = std::vector<ModelRow>;
 
 constexpr std::size_t kFields = 7;
 /// Rows before the model's own, so that its rows lie on both sides of the edge of a block.
@@ -71,14 +52,14 @@ class Mirror : public store::Follower {
   Mirror& operator=(const Mirror&) = delete;
 
   void Prepare(std::uint32_t changes) override { room_ = changes; }
-  void Before(const store::RowChange& change) noexcept override {
+  void Before(const store::RowChange& change) noexcept override {  // NOLINT(bugprone-exception-escape)
     EXPECT_GT(room_--, 0U);
     EXPECT_EQ(rows_.contains(change.row), change.wasThere);
     if (change.wasThere) {
       EXPECT_EQ(rows_[change.row], Read(change.row));
     }
   }
-  void After(const store::RowChange& change) noexcept override {
+  void After(const store::RowChange& change) noexcept override {  // NOLINT(bugprone-exception-escape)
     if (change.wasThere && change.isThere) {
       const Values now = Read(change.row);
       for (std::uint16_t f = 0; f < kFields; ++f) {
@@ -91,7 +72,7 @@ class Mirror : public store::Follower {
     }
   }
   void Done() noexcept override { EXPECT_EQ(room_, 0U); }
-  void RowsAdded() noexcept override {
+  void RowsAdded() noexcept override {  // NOLINT(bugprone-exception-escape)
     rows_.clear();
     for (std::uint32_t row = kBase; row < contents_.rowCount; ++row) {
       if (contents_.IsPresent(row)) {
@@ -99,7 +80,7 @@ class Mirror : public store::Follower {
       }
     }
   }
-  void Renumbered(const store::Plane& numbers) noexcept override {
+  void Renumbered(const store::Plane& numbers) noexcept override {  // NOLINT(bugprone-exception-escape)
     std::map<std::uint32_t, Values> renumbered;
     for (auto& [row, values] : rows_) {
       renumbered[numbers.At<std::uint32_t>(row)] = std::move(values);
@@ -134,7 +115,11 @@ class Mirror : public store::Follower {
 
 class Walk {
  public:
-  explicit Walk(std::uint32_t seed) : random_(seed), dataset_(MakeDataset()), mirror_(std::in_place, dataset_) {}
+  explicit Walk(std::uint32_t seed)
+      : random_(seed),
+        dataset_(MakeDataset()),
+        mirror_(std::in_place, dataset_),
+        cursors_(std::in_place, dataset_, kBase) {}
 
   void Step() {
     const std::uint32_t what = Below(1000);
@@ -162,6 +147,7 @@ class Walk {
     } else {
       dataset_ = Dataset(CopyByBlocks(dataset_.GetContents()));
       mirror_.emplace(dataset_);
+      cursors_.emplace(dataset_, kBase);
       marks_.clear();
     }
   }
@@ -169,6 +155,7 @@ class Walk {
   void Check() const {
     CheckRows(dataset_, rows_);
     mirror_->Check(rows_);
+    cursors_->Check(rows_, ++checks_);
     ASSERT_EQ(dataset_.GetContents().log.Count(), history_.size());
     for (int i = 0; i < 3; ++i) {
       CheckKey(i == 0 ? RandomKeyOf(7) : RandomKeyOf(0));
@@ -272,6 +259,7 @@ class Walk {
       return;
     }
     editModel();
+    cursors_->Follow(before, rows_);
     history_.push_back({row, std::move(before)});
   }
 
@@ -349,6 +337,7 @@ class Walk {
         before.push_back(rows_[i]);
         before.back().isPresent = false;
       }
+      cursors_->Follow(rows_, before);
       rows_ = std::move(before);
       history_.pop_back();
     }
@@ -410,6 +399,7 @@ class Walk {
       record.row = numbers[record.row];
     }
     keep(rows_);
+    cursors_->Renumber(numbers);
   }
 
   static void CheckRows(const DatasetView& view, const Rows& rows) {
@@ -444,6 +434,8 @@ class Walk {
   mutable std::mt19937_64 random_;
   Dataset dataset_;
   std::optional<Mirror> mirror_;
+  mutable std::optional<ModelCursors> cursors_;
+  mutable std::uint64_t checks_ = 0;
   Rows rows_;
   std::vector<Before> history_;
   std::vector<ModelMark> marks_;

@@ -24,6 +24,9 @@ namespace store {
 struct Contents;
 class Store;
 }  // namespace store
+namespace query {
+class CursorState;
+}  // namespace query
 
 /// A field of one dataset, looked up once by `Field(name)`. A dataset refuses a reference from another one; it may
 /// outlive its dataset, but not be used then.
@@ -189,6 +192,7 @@ class DatasetView {
   const store::ContentsHead* head_;
 
  private:
+  friend class query::CursorState;
   friend class store::Store;
   /// A bit for each FieldType.
   using TypeSet = std::uint32_t;

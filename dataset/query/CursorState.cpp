@@ -1,0 +1,399 @@
+#include "dataset/query/CursorState.h"
+
+#include <algorithm>
+
+#include "core/Numbers.h"
+
+namespace kiv::query {
+
+using store::Cell;
+using store::Contents;
+using store::RowChange;
+
+namespace {
+
+constexpr std::uint32_t kNone = Contents::kNone;
+
+}  // namespace
+
+CursorState::CursorState(store::Store& store) : followers_(store.GetFollowers()), index_(OrderedIndex::Of(store, {})) {
+  followers_->Add(*this);
+}
+
+CursorState::CursorState(const CursorState& other)
+    : followers_(other.followers_),
+      index_(other.index_),
+      from_(other.LimitOf(std::vector<ValueView>(other.from_.values.begin(), other.from_.values.end()))),
+      to_(other.LimitOf(std::vector<ValueView>(other.to_.values.begin(), other.to_.values.end()))),
+      place_(other.place_),
+      row_(other.row_) {
+  Check();
+  followers_->Add(*this);
+}
+
+CursorState::~CursorState() {
+  followers_->Remove(*this);
+}
+
+store::Store& CursorState::Check() const {
+  if (followers_->GetStore() == nullptr) {
+    throw Error("Cursor: setul de date nu mai exista");
+  }
+  return *followers_->GetStore();
+}
+
+void CursorState::Refuse(TextView why) const {
+  throw Error(Contents().owner + ": cursorul " + Text(why));
+}
+
+std::uint32_t CursorState::RequireRow() const {
+  Check();
+  if (place_ != Place::On) {
+    Refuse("nu sta pe niciun rand");
+  }
+  return row_;
+}
+
+std::uint32_t CursorState::ReadRow() const {
+  Check();
+  if (edit_ == EditOf::LostRow) {
+    Refuse("are in modificare un rand care a fost sters");
+  }
+  return edit_ == EditOf::Row ? editedRow_ : RequireRow();
+}
+
+void CursorState::RequireNoEdit() const {
+  Check();
+  if (IsEditing()) {
+    Refuse("are un rand in modificare");
+  }
+}
+
+void CursorState::Update() {
+  Check();
+  index_->Repair();
+  if (version_ == index_->Version()) {
+    return;
+  }
+  low_ = from_.cells.empty() ? 0 : index_->Search(from_.cells, false);
+  high_ = to_.cells.empty() ? index_->Count() : std::max(low_, index_->Search(to_.cells, true));
+  position_.reset();
+  version_ = index_->Version();
+}
+
+void CursorState::OrderBy(TextView order) {
+  RequireNoEdit();
+  auto index = OrderedIndex::Of(Check(), ParseOrder(Contents(), order));
+  index->Repair();
+  index_ = std::move(index);
+  from_ = {};
+  to_ = {};
+  version_ = ~std::uint64_t{0};
+}
+
+std::uint32_t CursorState::Low() {
+  Update();
+  return low_;
+}
+
+std::uint32_t CursorState::High() {
+  Update();
+  return high_;
+}
+
+std::uint32_t CursorState::Position() {
+  Update();
+  if (!position_) {
+    position_ = index_->PositionOf(RequireRow());
+  }
+  return *position_;
+}
+
+bool CursorState::MoveTo(std::uint32_t position) {
+  RequireNoEdit();
+  Update();
+  if (position >= high_) {
+    place_ = Place::Behind;
+    return false;
+  }
+  row_ = index_->At(position);
+  position_ = position;
+  place_ = Place::On;
+  return true;
+}
+
+bool CursorState::MoveToLast() {
+  RequireNoEdit();
+  if (Low() == High()) {
+    place_ = Place::Before;
+    return false;
+  }
+  return MoveTo(high_ - 1);
+}
+
+bool CursorState::MoveBy(bool forward) {
+  RequireNoEdit();
+  Update();
+  if (forward) {
+    return MoveTo(place_ == Place::Before ? low_ : place_ == Place::Behind ? high_ : Position() + 1);
+  }
+  const std::uint32_t behind = place_ == Place::Before ? low_ : place_ == Place::Behind ? high_ : Position();
+  if (behind == low_) {
+    place_ = Place::Before;
+    return false;
+  }
+  return MoveTo(behind - 1);
+}
+
+bool CursorState::MoveToRow(std::uint32_t row) {
+  RequireNoEdit();
+  if (row >= Contents().rowCount || !Contents().IsPresent(row) || !IsInRange(row)) {
+    return false;
+  }
+  Update();
+  position_.reset();
+  row_ = row;
+  place_ = Place::On;
+  return true;
+}
+
+CursorBookmark CursorState::Bookmark() const {
+  CursorBookmark bookmark;
+  const std::uint32_t row = RequireRow();
+  bookmark.owner_ = followers_.get();
+  bookmark.numbering_ = followers_->Numbering();
+  bookmark.row_ = static_cast<RowId>(row);
+  for (const std::uint16_t field : Contents().schemaData->keyFields) {
+    bookmark.key_.push_back(store::ValueOf(Contents().columns[field].type, Contents().Read(row, field)));
+  }
+  return bookmark;
+}
+
+bool CursorState::GoTo(const CursorBookmark& bookmark) {
+  RequireNoEdit();
+  if (bookmark.owner_ == followers_.get() && bookmark.numbering_ == followers_->Numbering()) {
+    return MoveToRow(static_cast<std::uint32_t>(bookmark.row_));
+  }
+  if (bookmark.key_.empty() || bookmark.key_.size() != Contents().schemaData->keyFields.size()) {
+    return false;
+  }
+  const std::uint32_t found = Check().Find(std::vector<ValueView>(bookmark.key_.begin(), bookmark.key_.end()));
+  return found != kNone && MoveToRow(found);
+}
+
+// Searching.
+
+std::vector<Cell> CursorState::CellsOf(std::span<const ValueView> values) const {
+  const Order& order = index_->GetOrder();
+  if (values.size() > order.size()) {
+    Refuse("are mai putine campuri in ordine decat valorile date");
+  }
+  std::vector<Cell> cells;
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    cells.push_back(store::MakeCell(Contents().schemaData->fields[order[i].field], values[i], Contents().owner));
+  }
+  return cells;
+}
+
+CursorState::Limit CursorState::LimitOf(std::span<const ValueView> values) const {
+  Limit limit;
+  const std::vector<Cell> cells = CellsOf(values);
+  for (std::size_t i = 0; i < cells.size(); ++i) {
+    limit.values.push_back(store::ValueOf(Contents().columns[index_->GetOrder()[i].field].type, cells[i]));
+  }
+  // Of the values that are kept: what was given may be gone when they are compared.
+  limit.cells = CellsOf(std::vector<ValueView>(limit.values.begin(), limit.values.end()));
+  return limit;
+}
+
+void CursorState::SetRange(std::span<const ValueView> from, std::span<const ValueView> to) {
+  RequireNoEdit();
+  Limit first = LimitOf(from);
+  Limit last = LimitOf(to);
+  from_ = std::move(first);
+  to_ = std::move(last);
+  version_ = ~std::uint64_t{0};
+  if (place_ == Place::On && !IsInRange(row_)) {
+    place_ = Place::Before;
+  }
+}
+
+void CursorState::ClearRange() {
+  RequireNoEdit();
+  from_ = {};
+  to_ = {};
+  version_ = ~std::uint64_t{0};
+}
+
+bool CursorState::IsInRange(std::uint32_t row) const noexcept {
+  return (from_.cells.empty() || index_->Compare(row, from_.cells) >= 0) &&
+         (to_.cells.empty() || index_->Compare(row, to_.cells) <= 0);
+}
+
+bool CursorState::LocateNearest(std::span<const ValueView> values) {
+  RequireNoEdit();
+  const std::vector<Cell> cells = CellsOf(values);
+  Update();
+  return MoveTo(std::max(low_, index_->Search(cells, false)));
+}
+
+bool CursorState::Locate(std::span<const FieldValue> values) {
+  RequireNoEdit();
+  std::vector<SoughtField> fields;
+  for (const FieldValue& value : values) {
+    const auto index = static_cast<std::uint16_t>(DatasetView::Resolve(Contents(), value.field));
+    const FieldDef& field = Contents().schemaData->fields[index];
+    fields.push_back({{index, field.collation}, store::MakeCell(field, value.value, Contents().owner)});
+  }
+  Update();
+  const std::uint32_t found = Seek(fields);
+  return found != kNone && MoveTo(found);
+}
+
+bool CursorState::LeadsOrder(std::span<const SoughtField> fields, std::vector<Cell>& cells) const {
+  const Order& order = index_->GetOrder();
+  for (std::size_t i = 0; i < std::min(fields.size(), order.size()); ++i) {
+    const auto found =
+        std::ranges::find(fields, order[i].field, [](const SoughtField& sought) { return sought.by.field; });
+    // Texts that are equal for the one collation need not be so for another.
+    if (found == fields.end() || found->by.collation != order[i].collation) {
+      return false;
+    }
+    cells.push_back(found->cell);
+  }
+  return cells.size() == fields.size();
+}
+
+std::uint32_t CursorState::Seek(std::span<const SoughtField> fields) {
+  std::vector<Cell> cells;
+  if (LeadsOrder(fields, cells)) {
+    const std::uint32_t position = std::max(low_, index_->Search(cells, false));
+    return position < high_ && index_->Compare(index_->At(position), cells) == 0 ? position : kNone;
+  }
+  for (std::uint32_t position = low_; position < high_; ++position) {
+    const std::uint32_t row = index_->At(position);
+    const auto isEqual = [&](const SoughtField& sought) {
+      return CompareCells(sought.by, Contents().columns[sought.by.field].type, Contents().Read(row, sought.by.field),
+                          sought.cell) == 0;
+    };
+    if (std::ranges::all_of(fields, isEqual)) {
+      return position;
+    }
+  }
+  return kNone;
+}
+
+// Edits.
+
+void CursorState::Edit() {
+  RequireNoEdit();
+  editedRow_ = RequireRow();
+  edit_ = EditOf::Row;
+}
+
+void CursorState::Insert() {
+  RequireNoEdit();
+  std::vector<std::pair<std::uint16_t, Value>> defaults;
+  for (std::uint16_t field = 0; field < Contents().columns.size(); ++field) {
+    const FieldDef& definition = Contents().schemaData->fields[field];
+    defaults.emplace_back(
+        field, store::ValueOf(definition.type, store::MakeCell(definition, definition.defaultValue, Contents().owner)));
+  }
+  proposed_ = std::move(defaults);
+  edit_ = EditOf::NewRow;
+}
+
+void CursorState::Set(FieldSelector field, ValueView value) {
+  const auto index = static_cast<std::uint16_t>(DatasetView::Resolve(Contents(), field));
+  if (!IsEditing()) {
+    Refuse("nu are niciun rand in modificare");
+  }
+  const FieldDef& definition = Contents().schemaData->fields[index];
+  Value made = store::ValueOf(definition.type, store::MakeCell(definition, value, Contents().owner));
+  const auto found = std::ranges::find(proposed_, index, &std::pair<std::uint16_t, Value>::first);
+  if (found != proposed_.end()) {
+    found->second = std::move(made);
+  } else {
+    proposed_.emplace_back(index, std::move(made));
+  }
+}
+
+void CursorState::Post() {
+  store::Store& store = Check();
+  if (!IsEditing()) {
+    Refuse("nu are niciun rand in modificare");
+  }
+  const Rows view = View();
+  std::vector<FieldValue> values;
+  for (const auto& [field, value] : proposed_) {
+    values.push_back({view.FieldAt(field), value});
+  }
+  const bool isNew = edit_ == EditOf::NewRow;
+  std::uint32_t row = 0;
+  if (isNew) {
+    row = store.Insert(values);
+  } else {
+    store.Update(ReadRow(), values);
+  }
+  Cancel();
+  if (isNew && IsInRange(row)) {
+    row_ = row;
+    place_ = Place::On;
+    position_.reset();
+  }
+}
+
+void CursorState::Cancel() noexcept {
+  edit_ = EditOf::None;
+  proposed_.clear();
+}
+
+void CursorState::Delete() {
+  RequireNoEdit();
+  const std::uint32_t row = RequireRow();
+  Check().Delete(row);
+}
+
+const Value* CursorState::Proposed(FieldSelector field) const {
+  const std::size_t index = DatasetView::Resolve(Contents(), field);
+  const auto found = std::ranges::find(proposed_, index, &std::pair<std::uint16_t, Value>::first);
+  return found == proposed_.end() ? nullptr : &found->second;
+}
+
+void CursorState::RefuseType(FieldSelector field) const {
+  const std::size_t index = DatasetView::Resolve(Contents(), field);
+  throw InvalidCast(Contents().owner + ": campul " + store::Quoted(Contents().schemaData->fields[index].name) +
+                    " este de tip " + store::TraitsOf(Contents().columns[index].type).name +
+                    " si nu se citeste ca alt fel de valoare");
+}
+
+// Following.
+
+void CursorState::Before(const RowChange& change) noexcept {
+  if (place_ == Place::On && row_ == change.row) {
+    // The index is repaired, and changes only after the row has.
+    const std::uint32_t next = index_->PositionOf(row_) + 1;
+    following_ = next < index_->Count() && IsInRange(index_->At(next)) ? index_->At(next) : kNone;
+  }
+}
+
+void CursorState::After(const RowChange& change) noexcept {
+  if (edit_ == EditOf::Row && editedRow_ == change.row && !change.isThere) {
+    edit_ = EditOf::LostRow;
+  }
+  if (place_ == Place::On && row_ == change.row && (!change.isThere || !IsInRange(row_))) {
+    place_ = following_ == kNone ? Place::Behind : Place::On;
+    row_ = following_;
+  }
+}
+
+void CursorState::Renumbered(const store::Plane& numbers) noexcept {
+  if (place_ == Place::On) {
+    row_ = numbers.At<std::uint32_t>(row_);
+  }
+  if (edit_ == EditOf::Row) {
+    editedRow_ = numbers.At<std::uint32_t>(editedRow_);
+  }
+}
+
+}  // namespace kiv::query

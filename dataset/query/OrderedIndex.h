@@ -1,0 +1,69 @@
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "dataset/query/RowList.h"
+#include "dataset/store/Followers.h"
+#include "dataset/store/Store.h"
+
+namespace kiv::query {
+
+/// The rows of a dataset in an order, which follows every edit. Cursors with the same order share one. After a load or
+/// a compaction it is made anew when it is next asked for something.
+class OrderedIndex final : public store::Follower, public std::enable_shared_from_this<OrderedIndex> {
+ public:
+  /// The index of that order that the store has, or a new one. Throws std::bad_alloc.
+  static std::shared_ptr<OrderedIndex> Of(store::Store& store, const Order& order);
+  /// For Of().
+  OrderedIndex(store::Store& store, const Order& order);
+  ~OrderedIndex() override;
+  OrderedIndex(const OrderedIndex&) = delete;
+  OrderedIndex& operator=(const OrderedIndex&) = delete;
+
+  [[nodiscard]] const Order& GetOrder() const noexcept { return order_; }
+  /// Grows with every change of the rows or of their order.
+  [[nodiscard]] std::uint64_t Version() const noexcept { return version_; }
+  /// Sees to it that the index holds what the columns do. Throws std::bad_alloc. Everything below needs it.
+  void Repair();
+
+  [[nodiscard]] std::uint32_t Count() const noexcept { return rows_.Count(); }
+  /// The row at a position, from 0.
+  [[nodiscard]] std::uint32_t At(std::uint32_t position) const noexcept { return rows_.At(position); }
+  /// The position of a row that is there.
+  [[nodiscard]] std::uint32_t PositionOf(std::uint32_t row) noexcept { return rows_.PositionOf(PlaceOf(row)); }
+  /// The position of the first row whose first fields are not before these cells, or with `after` the first that is
+  /// behind all rows with equal ones. Codes do not count.
+  [[nodiscard]] std::uint32_t Search(std::span<const store::Cell> cells, bool after) const noexcept;
+  /// How the first fields of a row stand to these cells: below 0 before them.
+  [[nodiscard]] int Compare(std::uint32_t row, std::span<const store::Cell> cells) const noexcept;
+
+  void Prepare(std::uint32_t changes) override;
+  void Before(const store::RowChange& change) noexcept override;
+  void After(const store::RowChange& change) noexcept override;
+  void Done() noexcept override { rows_.DropSpares(); }
+  void RowsAdded() noexcept override { BecomeStale(); }
+  void Renumbered(const store::Plane& /*numbers*/) noexcept override { BecomeStale(); }
+
+ private:
+  void BecomeStale() noexcept {
+    isStale_ = true;
+    ++version_;
+  }
+  [[nodiscard]] bool Concerns(const store::RowChange& change) const noexcept;
+  void ReadCells(std::uint32_t row) noexcept;
+  [[nodiscard]] PackedKey KeyOf(std::uint32_t row) noexcept;
+  /// The place of a row or the one that it would have.
+  [[nodiscard]] RowList::Place PlaceOf(std::uint32_t row) noexcept;
+
+  std::shared_ptr<store::Followers> followers_;
+  const store::Contents& contents_;
+  Order order_;
+  RowList rows_;
+  std::vector<store::Cell> cells_;  // of the row that is looked for, so that one allocates nothing for them
+  RowList::Place leaving_;
+  std::uint64_t version_ = 0;
+  bool isStale_ = true;
+};
+
+}  // namespace kiv::query

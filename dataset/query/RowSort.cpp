@@ -1,0 +1,277 @@
+#include "dataset/query/RowSort.h"
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <limits>
+#include <memory>
+
+// Rows are sorted by one number each, which holds as many of the fields as 64 bits have room for: of numbers and days
+// how far they are above the least, of texts in a dictionary the place of the text in it, of other texts what they
+// begin with. Such numbers are dealt out digit by digit. Only rows whose numbers are equal and do not say all are
+// compared.
+
+namespace kiv::query {
+
+using store::Cell;
+using store::Column;
+using store::Contents;
+
+namespace {
+
+std::vector<std::uint32_t> PresentRows(const Contents& contents) {
+  std::vector<std::uint32_t> rows;
+  rows.reserve(contents.rowCount);
+  for (std::uint32_t block = 0; block < contents.BlockCount(); ++block) {
+    const std::uint32_t first = block * store::kBlockRows;
+    const bool isPlain = contents.states.BlockBytes(block).empty();
+    for (std::uint32_t row = first; row < first + contents.RowsIn(block); ++row) {
+      if (isPlain || contents.IsPresent(row)) {
+        rows.push_back(row);
+      }
+    }
+  }
+  return rows;
+}
+
+/// Calls back with the place of each row in `rows` and its element of the column, undefined for a null.
+template <class Element, class Take>
+void ForEachElement(const Column& column, std::span<const std::uint32_t> rows, Take&& take) {
+  const std::byte* block = nullptr;
+  std::uint32_t number = std::numeric_limits<std::uint32_t>::max();
+  for (std::size_t i = 0; i < rows.size(); ++i) {
+    if (store::BlockOf(rows[i]) != number) {
+      number = store::BlockOf(rows[i]);
+      block = column.values.BlockAt(rows[i]);
+    }
+    Element element;
+    std::memcpy(&element, block + store::PlaceInBlock(rows[i]) * sizeof element, sizeof element);
+    take(i, element);
+  }
+}
+
+/// What one field of the order gives to the numbers of the rows.
+class FieldKey {
+ public:
+  FieldKey(const Contents& contents, const OrderField& by, std::span<const std::uint32_t> rows)
+      : contents_(contents), column_(contents.columns[by.field]), by_(by), rows_(rows) {
+    if (store::TraitsOf(column_.type).storage == store::Storage::Texts && column_.texts.HasDictionary()) {
+      RankEntries();
+    }
+    FindRange();
+  }
+
+  /// How many bits it needs, and whether they tell all values apart.
+  [[nodiscard]] unsigned Width() const noexcept { return width_; }
+  [[nodiscard]] bool IsExact() const noexcept { return isExact_; }
+
+  /// Calls back with each place and its number, which has Width() bits.
+  template <class Take>
+  void ForEach(Take&& take) const {
+    ForEachBits([&](std::size_t i, bool isNull, std::uint64_t bits) {
+      const std::uint64_t above = by_.isDescending ? most_ - bits : bits - least_;
+      take(i, isNull ? null_ : above + (hasNull_ && !by_.nullsLast ? 1 : 0));
+    });
+  }
+
+ private:
+  /// Calls back with each place, whether it is null, and the bits in which the values compare.
+  template <class Take>
+  void ForEachBits(Take&& take) const {
+    const auto eachAs = [&]<class Element>(Element /*of*/, auto&& bitsOf) {
+      ForEachElement<Element>(column_, rows_, [&](std::size_t i, Element element) {
+        const bool isNull = column_.IsNull(rows_[i]);
+        take(i, isNull, isNull ? least_ : bitsOf(element));
+      });
+    };
+    if (!ranks_.empty()) {
+      eachAs(std::uint32_t{}, [&](std::uint32_t code) { return std::uint64_t{ranks_[code]}; });
+      return;
+    }
+    switch (column_.type) {
+      case FieldType::Int16:
+        return eachAs(std::int16_t{}, [](std::int16_t value) { return Biased(value); });
+      case FieldType::Int32:
+      case FieldType::Date:
+      case FieldType::Time:
+        return eachAs(std::int32_t{}, [](std::int32_t value) { return Biased(value); });
+      case FieldType::Int64:
+      case FieldType::AutoInc:
+      case FieldType::Currency:
+      case FieldType::DateTime:
+        return eachAs(std::int64_t{}, [](std::int64_t value) { return Biased(value); });
+      default:
+        for (std::size_t i = 0; i < rows_.size(); ++i) {
+          const Cell cell = contents_.Read(rows_[i], by_.field);
+          take(i, cell.isNull, cell.isNull ? least_ : OrderedBitsOf(column_.type, by_.collation, cell).bits);
+        }
+    }
+  }
+
+  static std::uint64_t Biased(std::int64_t value) noexcept {
+    return static_cast<std::uint64_t>(value) ^ std::uint64_t{1} << 63U;
+  }
+
+  /// Gives each text of the dictionary its place in the order; equal ones have the same.
+  void RankEntries() {
+    const std::uint32_t count = column_.texts.EntryCount();
+    std::vector<Cell> cells(count);
+    std::vector<std::pair<std::uint64_t, std::uint32_t>> entries(count);
+    for (std::uint32_t code = 0; code < count; ++code) {
+      cells[code] = contents_.Resolve(by_.field, {.bits = code, .isNull = false});
+      entries[code] = {OrderedBitsOf(column_.type, by_.collation, cells[code]).bits, code};
+    }
+    const OrderField ascending{by_.field, by_.collation};
+    const auto compare = [&](const auto& left, const auto& right) {
+      return left.first != right.first ? (left.first < right.first ? -1 : 1)
+                                       : CompareCells(ascending, column_.type, cells[left.second], cells[right.second]);
+    };
+    std::ranges::sort(entries, [&](const auto& left, const auto& right) { return compare(left, right) < 0; });
+    ranks_.resize(count);
+    std::uint32_t rank = 0;
+    for (std::uint32_t i = 0; i < count; ++i) {
+      rank += i > 0 && compare(entries[i - 1], entries[i]) != 0 ? 1 : 0;
+      ranks_[entries[i].second] = rank;
+    }
+  }
+
+  void FindRange() {
+    std::uint64_t least = std::numeric_limits<std::uint64_t>::max();
+    std::uint64_t most = 0;
+    bool hasValue = false;
+    ForEachBits([&](std::size_t /*i*/, bool isNull, std::uint64_t bits) {
+      if (isNull) {
+        hasNull_ = true;
+        return;
+      }
+      hasValue = true;
+      least = std::min(least, bits);
+      most = std::max(most, bits);
+    });
+    least_ = hasValue ? least : 0;
+    most_ = hasValue ? most : 0;
+    const std::uint64_t range = most_ - least_;
+    isExact_ = !ranks_.empty() || OrderedBitsOf(column_.type, by_.collation, {}).isExact;
+    if (hasNull_ && range == std::numeric_limits<std::uint64_t>::max()) {
+      // No number is left for the nulls: they get that of the value next to them, and the rows are compared.
+      hasNull_ = false;
+      isExact_ = false;
+      null_ = by_.nullsLast ? range : 0;
+      width_ = 64;
+      return;
+    }
+    null_ = by_.nullsLast ? range + 1 : 0;
+    width_ = static_cast<unsigned>(std::bit_width(range + (hasNull_ ? 1 : 0)));
+  }
+
+  const Contents& contents_;
+  const Column& column_;
+  const OrderField& by_;
+  std::span<const std::uint32_t> rows_;
+  std::vector<std::uint32_t> ranks_;  // by code
+  std::uint64_t least_ = 0;
+  std::uint64_t most_ = 0;
+  std::uint64_t null_ = 0;
+  unsigned width_ = 0;
+  bool hasNull_ = false;
+  bool isExact_ = true;
+};
+
+template <class Key>
+struct Item {
+  Key key;
+  std::uint32_t row;
+};
+
+/// Sorts by the lowest `bits` of the keys; what is equal stays in its order. The result is in one of the two, which is
+/// returned.
+template <class Key>
+Item<Key>* SortByKey(Item<Key>* from, Item<Key>* to, std::size_t count, unsigned bits) {
+  constexpr unsigned kMostBits = 11;
+  const unsigned passes = (bits + kMostBits - 1) / kMostBits;
+  for (unsigned pass = 0; pass < passes; ++pass) {
+    const unsigned width = (bits + passes - 1) / passes;
+    const unsigned shift = pass * width;
+    const auto digitOf = [shift, mask = (Key{1} << width) - 1](Key key) {
+      return static_cast<std::size_t>(key >> shift & mask);
+    };
+    std::array<std::uint32_t, std::size_t{1} << kMostBits> ends{};
+    for (std::size_t i = 0; i < count; ++i) {
+      ++ends[digitOf(from[i].key)];
+    }
+    std::uint32_t sum = 0;
+    for (std::uint32_t& end : ends) {
+      sum += std::exchange(end, sum);
+    }
+    for (std::size_t i = 0; i < count; ++i) {
+      to[ends[digitOf(from[i].key)]++] = from[i];
+    }
+    std::swap(from, to);
+  }
+  return from;
+}
+
+template <class Key>
+void SortRows(const Contents& contents, const Order& order, std::span<const FieldKey> fields, bool isExact,
+              unsigned bits, std::vector<std::uint32_t>& rows) {
+  const auto memory = std::make_unique_for_overwrite<Item<Key>[]>(rows.size() * 2);
+  Item<Key>* const items = memory.get();
+  for (std::size_t i = 0; i < rows.size(); ++i) {
+    items[i] = {0, rows[i]};
+  }
+  unsigned left = bits;
+  for (const FieldKey& field : fields) {
+    const unsigned taken = std::min(field.Width(), left);
+    const unsigned dropped = field.Width() - taken;
+    if (taken == 0) {
+      continue;
+    }
+    field.ForEach([&](std::size_t i, std::uint64_t number) {
+      const Key before = taken >= sizeof(Key) * 8 ? 0 : static_cast<Key>(items[i].key << taken);
+      items[i].key = before | static_cast<Key>(number >> dropped);
+    });
+    left -= taken;
+  }
+  Item<Key>* const sorted = SortByKey(items, items + rows.size(), rows.size(), bits);
+  for (std::size_t begin = 0, end = 0; !isExact && begin < rows.size(); begin = end) {
+    while (end < rows.size() && sorted[end].key == sorted[begin].key) {
+      ++end;
+    }
+    std::sort(sorted + begin, sorted + end, [&](const Item<Key>& one, const Item<Key>& other) {
+      return CompareRows(contents, order, one.row, other.row) < 0;
+    });
+  }
+  for (std::size_t i = 0; i < rows.size(); ++i) {
+    rows[i] = sorted[i].row;
+  }
+}
+
+}  // namespace
+
+std::vector<std::uint32_t> SortedRows(const Contents& contents, const Order& order) {
+  std::vector<std::uint32_t> rows = PresentRows(contents);
+  std::vector<FieldKey> fields;
+  fields.reserve(order.size());
+  unsigned bits = 0;
+  bool isExact = true;
+  for (const OrderField& by : order) {
+    if (bits == 64 || !isExact) {
+      isExact = false;
+      break;
+    }
+    const FieldKey& field = fields.emplace_back(contents, by, rows);
+    isExact = field.IsExact() && bits + field.Width() <= 64;
+    bits = std::min(bits + field.Width(), 64U);
+  }
+  if (bits == 0 && isExact) {
+    return rows;
+  }
+  if (bits <= 32) {
+    SortRows<std::uint32_t>(contents, order, fields, isExact, bits, rows);
+  } else {
+    SortRows<std::uint64_t>(contents, order, fields, isExact, bits, rows);
+  }
+  return rows;
+}
+
+}  // namespace kiv::query

@@ -4,7 +4,9 @@
 #include <memory>
 
 #include "bench/Values.h"
+#include "kivtools/Text.h"
 #include "kivtools/WinUtil/NumbersInWords.h"
+#include "kivtools/WinUtil/ReadableWords.h"
 
 namespace {
 
@@ -78,5 +80,20 @@ void MoneyWordsIcu(benchmark::State& state) {
   }
 }
 BENCHMARK(MoneyWordsIcu)->Name("Words/money/icu");
+
+// Both write "douăzeci și unu"; only the first has "de" where the grammar wants it.
+void ReadableWordsKiv(benchmark::State& state) {
+  bench::Require(kiv::ToUtf8(kiv::InCuvinte(21)) == "douăzeci şi unu", "InCuvinte(21)");
+  Ring numbers(kNumbers);
+  for (auto _ : state) {
+    benchmark::DoNotOptimize(kiv::InCuvinte(numbers.Next()));
+  }
+}
+BENCHMARK(ReadableWordsKiv)->Name("Words/readable/kiv");
+
+void ReadableWordsIcu(benchmark::State& state) {
+  WordsIcu(state);
+}
+BENCHMARK(ReadableWordsIcu)->Name("Words/readable/icu");
 
 }  // namespace

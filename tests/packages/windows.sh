@@ -23,9 +23,10 @@ done
 wine "$tree/bin/other.exe" || { echo "the other compiler's program ends with $?" >&2 && exit 1; }
 
 everything >/tmp/before
-installed="/root/prefix/drive_c/Programe/Kiv"
+installed="/root/prefix/drive_c/Programe mele/Kiv"
 for round in first again; do  # the second puts itself in the place of the first
-  wine "$(echo "$packages"/*setup.exe)" /S '/D=C:\Programe\Kiv'
+  # What stands behind /D= is not quoted, and goes to the end of the line.
+  wine "$(echo "$packages"/*setup.exe)" /S '/D=C:\Programe' 'mele\Kiv'
   test -e "$installed/include/kivtools/kiv.h" || { echo "$round: not installed" >&2 && exit 1; }
 done
 program_says "DOUASPREZECE LEI" "$installed/bin/kivtools.exe" words 12
@@ -35,6 +36,6 @@ diff -r "$tree" "$installed" | grep -vxF "Only in $installed: uninstall.exe" >&2
 grep -q 'DisplayName.*KivToolsRePack' /root/prefix/system.reg || wineserver --wait
 wine "$installed/uninstall.exe" /S
 wineserver --wait
-rmdir "/root/prefix/drive_c/Programe"  # the user's own folder, which is empty now
+rmdir "/root/prefix/drive_c/Programe mele"  # the user's own folder, which is empty now
 everything >/tmp/after
 diff /tmp/before /tmp/after

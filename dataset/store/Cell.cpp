@@ -297,7 +297,7 @@ ValueView ViewOf(FieldType type, const Cell& cell) noexcept {
   return Null{};
 }
 
-Value ValueOf(FieldType type, const Cell& cell) {
+Value OwnedValue(const ValueView& view) {
   return std::visit(
       []<class Held>(const Held& held) -> Value {
         if constexpr (std::is_same_v<Held, TextView>) {
@@ -310,7 +310,11 @@ Value ValueOf(FieldType type, const Cell& cell) {
           return held;
         }
       },
-      ViewOf(type, cell).Get());
+      view.Get());
+}
+
+Value ValueOf(FieldType type, const Cell& cell) {
+  return OwnedValue(ViewOf(type, cell));
 }
 
 bool AreEqual(FieldType type, const Cell& left, const Cell& right) noexcept {

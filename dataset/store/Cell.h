@@ -97,6 +97,9 @@ NumberRange RangeOf(FieldType type) noexcept;
 /// The cell as the user sees it. Bytes stay borrowed.
 ValueView ViewOf(FieldType type, const Cell& cell) noexcept;
 
+/// A borrowed value as one of its own.
+Value OwnedValue(const ValueView& view);
+
 /// The cell as a value of its own.
 Value ValueOf(FieldType type, const Cell& cell);
 

@@ -5,6 +5,7 @@
 
 #include "kivtools/Package.h"
 #include "kivtools/c/DatasetPackets.h"
+#include "kivtools/dataset/Filter.h"
 #include "kivtools/dataset/Packet.h"
 #include "package/c/Abi.h"
 
@@ -67,6 +68,10 @@ std::int32_t ReportCurrentException(const char* operation) noexcept {
     last_error.chunk = error.Chunk();
     last_error.offset = error.Offset();
     return Report(KIV_ERROR_PACKET, error.what());
+  } catch (const FilterError& error) {
+    last_error.chunk = -1;
+    last_error.offset = error.Position();
+    return Report(KIV_ERROR_FILTER, error.what());
   } catch (const AssertionFailure& error) {
     return Report(KIV_ERROR_ASSERTION, error.what());
   } catch (const OsError& error) {
@@ -102,7 +107,7 @@ KivLength KivLastErrorMessage(char* buffer, size_t capacity) {
 }
 
 KivAnswer KivLastErrorPlace(int32_t* chunk, uint64_t* offset) {
-  if (last_error.code != KIV_ERROR_PACKET) {
+  if (last_error.code != KIV_ERROR_PACKET && last_error.code != KIV_ERROR_FILTER) {
     return 0;
   }
   if (chunk != nullptr) {

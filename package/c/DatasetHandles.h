@@ -48,6 +48,9 @@ inline BytesView BytesArgument(const std::uint8_t* bytes, std::size_t size, cons
   return {bytes, size};
 }
 
+/// The value as C has it; bytes stay borrowed.
+KivFieldValue FieldValueOf(const ValueView& value) noexcept;
+
 /// Values that a host has handed over, borrowed from it but for those in UTF-16.
 class GivenValues {
  public:

@@ -53,6 +53,10 @@ struct ForC {
 
 }  // namespace
 
+KivFieldValue FieldValueOf(const ValueView& value) noexcept {
+  return std::visit(ForC(), value.Get());
+}
+
 GivenValues::GivenValues(const KivFieldValue* values, std::size_t count, const char* name) {
   PointerArgument(values, name);
   views_.reserve(count);
@@ -97,7 +101,7 @@ void DatasetCallbacks::BeforePost(const Proposal& proposal) {
   std::vector<KivFieldValue> values;
   std::vector<std::uint8_t> changed;
   for (std::size_t field = 0; field < count; ++field) {
-    values.push_back(std::visit(ForC(), proposal.Get(field).Get()));
+    values.push_back(FieldValueOf(proposal.Get(field)));
     changed.push_back(proposal.IsChanged(field) ? 1 : 0);
   }
   const KivProposal told{static_cast<std::int32_t>(proposal.Kind()), static_cast<std::uint32_t>(proposal.Row()),

@@ -85,6 +85,27 @@ inline KivDelta* RealObject() {
   return RealRows::Get().delta.get();
 }
 
+template <>
+inline KivFilter* RealObject() {
+  static const auto filter = [] {
+    KivFilter* made = nullptr;
+    KivFilterNew(RealObject<KivDataset>(), "fo < 0 or fa > 1", KIV_ZERO_ENDED, nullptr, 0, nullptr, 0, &made);
+    return std::unique_ptr<KivFilter, decltype(KivFilterFree)*>(made, KivFilterFree);
+  }();
+  return filter.get();
+}
+
+template <>
+inline KivExpression* RealObject() {
+  static const auto expression = [] {
+    KivExpression* made = nullptr;
+    KivExpressionNew(RealObject<KivDataset>(), "Upper(Coalesce(fi, 'nimic'))", KIV_ZERO_ENDED, nullptr, 0, nullptr, 0,
+                     &made);
+    return std::unique_ptr<KivExpression, decltype(KivExpressionFree)*>(made, KivExpressionFree);
+  }();
+  return expression.get();
+}
+
 /// Frees what a function has made.
 inline void FreeObject(KivAVLIndex* index) {
   KivAVLIndexDestroy(index);
@@ -94,4 +115,10 @@ inline void FreeObject(KivDataset* dataset) {
 }
 inline void FreeObject(KivDelta* delta) {
   KivDeltaFree(delta);
+}
+inline void FreeObject(KivFilter* filter) {
+  KivFilterFree(filter);
+}
+inline void FreeObject(KivExpression* expression) {
+  KivExpressionFree(expression);
 }

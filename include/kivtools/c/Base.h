@@ -43,7 +43,8 @@ enum {
   KIV_ERROR_SYSTEM = 8,     /**< the operating system refused; the message has its text */
   KIV_ERROR_ARGUMENT = 9,   /**< a null pointer where a value is needed, or an enumeration value that does not exist */
   KIV_ERROR_OUT_OF_MEMORY = 10, /**< no memory for the result */
-  KIV_ERROR_PACKET = 11 /**< a packet is damaged; the message names chunk and byte, and so does KivLastErrorPlace */
+  KIV_ERROR_PACKET = 11, /**< a packet is damaged; the message names chunk and byte, and so does KivLastErrorPlace */
+  KIV_ERROR_FILTER = 12  /**< a text is no expression, or has no value in a row; KivLastErrorPlace tells the byte */
 };
 
 /** A length in bytes, or a negated error code. */

@@ -62,7 +62,8 @@ KIV_API KivStatus KivDeltaWrite(const KivDelta* delta, KivPacketSink sink, void*
 KIV_API KivStatus KivDeltaRead(KivPacketSource source, void* context, KivDelta** delta);
 
 /** Whether this thread's last failure was KIV_ERROR_PACKET; if so the number of the chunk, -1 outside of them all, and
- * the bytes before the fault are stored, unless a pointer is null. Example: 1, chunk 0 and byte 45. */
+ * the bytes before the fault are stored, unless a pointer is null. So it is for KIV_ERROR_FILTER, with -1 and the bytes
+ * of the text before the fault. Example: 1, chunk 0 and byte 45. */
 KIV_API KivAnswer KivLastErrorPlace(int32_t* chunk, uint64_t* offset);
 
 /** Saves the dataset and begins a journal beside the file; stores its address. `flush` is one of KIV_FLUSH_...,

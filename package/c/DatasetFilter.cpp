@@ -1,0 +1,127 @@
+#include "kivtools/c/DatasetFilter.h"
+
+#include "core/Trim.h"
+#include "dataset/store/Cell.h"
+#include "kivtools/dataset/Filter.h"
+#include "package/c/DatasetHandles.h"
+
+struct KivFilter {
+  const kiv::DatasetView& rows;
+  kiv::Filter filter;
+};
+
+struct KivExpression {
+  kiv::Expression expression;
+  /// What the last value that was given out lies in.
+  kiv::Value last;
+};
+
+using namespace kiv::c;
+
+namespace {
+
+/// The names between the commas, each with its value.
+kiv::FilterParameters ParametersOf(kiv::TextView names, const KivFieldValue* values, std::size_t count) {
+  kiv::FilterParameters parameters;
+  if (count == 0 && names.empty()) {
+    return parameters;
+  }
+  const GivenValues given(values, count, "values");
+  for (const kiv::ValueView& value : given.All()) {
+    const std::size_t comma = names.find(',');
+    const kiv::TextView name = kiv::Trim(names.substr(0, comma));
+    if (name.empty()) {
+      throw ArgumentError("names: lipseste numele unui parametru");
+    }
+    parameters.push_back({kiv::Text(name), kiv::store::OwnedValue(value)});
+    names = comma == kiv::TextView::npos ? kiv::TextView() : names.substr(comma + 1);
+  }
+  if (!names.empty()) {
+    throw ArgumentError("names: un parametru nu are valoare");
+  }
+  return parameters;
+}
+
+KivAnswer GiveValue(const kiv::ValueView& value, KivFieldValue& out) noexcept {
+  if (!value.IsNull()) {
+    out = FieldValueOf(value);
+  }
+  return value.IsNull() ? 0 : 1;
+}
+
+}  // namespace
+
+extern "C" {
+
+KivStatus KivFilterNew(const KivDataset* dataset, const char* text, size_t length, const char* names,
+                       size_t namesLength, const KivFieldValue* values, size_t count, KivFilter** filter) {
+  return Run([=] {
+    const kiv::DatasetView& rows = KIV_REQUIRED(dataset).View();
+    const kiv::TextView condition = KIV_TEXT(text, length);
+    KivFilter*& made = KIV_REQUIRED(filter);
+    made = new KivFilter{rows, {rows, condition, ParametersOf(KIV_TEXT(names, namesLength), values, count)}};
+  });
+}
+
+void KivFilterFree(KivFilter* filter) {
+  delete filter;
+}
+
+KivAnswer KivFilterTest(const KivFilter* filter, uint32_t row) {
+  return GiveAnswer([=] { return KIV_REQUIRED(filter).filter.Test(kiv::RowId{row}); });
+}
+
+KivLength KivFilterCount(const KivFilter* filter) {
+  return GiveLength([=] { return KIV_REQUIRED(filter).filter.Count(); });
+}
+
+KivLength KivFilterSelect(const KivFilter* filter, uint32_t* rows, size_t capacity) {
+  return GiveLength([=] {
+    const kiv::Filter& condition = KIV_REQUIRED(filter).filter;
+    KIV_BUFFER(rows, capacity);
+    const std::vector<kiv::RowId> selected = condition.Select();
+    for (std::size_t i = 0; i < std::min(capacity, selected.size()); ++i) {
+      rows[i] = static_cast<std::uint32_t>(selected[i]);
+    }
+    return selected.size();
+  });
+}
+
+KivAnswer KivFilterSum(const KivFilter* filter, size_t field, KivFieldValue* sum) {
+  return GiveAnswer([=] {
+    const KivFilter& own = KIV_REQUIRED(filter);
+    KivFieldValue& out = KIV_REQUIRED(sum);
+    const std::size_t index = own.rows.FieldAt(field).Index();
+    return GiveValue(own.filter.Sum(own.rows.GetSchema().Fields()[index].name), out);
+  });
+}
+
+KivStatus KivExpressionNew(const KivDataset* dataset, const char* text, size_t length, const char* names,
+                           size_t namesLength, const KivFieldValue* values, size_t count, KivExpression** expression) {
+  return Run([=] {
+    const kiv::DatasetView& rows = KIV_REQUIRED(dataset).View();
+    const kiv::TextView formula = KIV_TEXT(text, length);
+    KivExpression*& made = KIV_REQUIRED(expression);
+    made = new KivExpression{{rows, formula, ParametersOf(KIV_TEXT(names, namesLength), values, count)}, {}};
+  });
+}
+
+void KivExpressionFree(KivExpression* expression) {
+  delete expression;
+}
+
+KivAnswer KivExpressionType(const KivExpression* expression) {
+  return static_cast<KivAnswer>(
+      GiveLength([=] { return static_cast<std::size_t>(KIV_REQUIRED(expression).expression.Type()); }));
+}
+
+KivAnswer KivExpressionEvaluate(KivExpression* expression, uint32_t row, KivFieldValue* value) {
+  return GiveAnswer([=] {
+    KivExpression& own = KIV_REQUIRED(expression);
+    KivFieldValue& out = KIV_REQUIRED(value);
+    own.last = own.expression.Evaluate(kiv::RowId{row});
+    return GiveValue(own.last, out);
+  });
+}
+
+}  // extern "C"

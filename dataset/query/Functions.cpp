@@ -62,7 +62,8 @@ class Arguments {
   Arguments(const Tree& tree, const Node& call, std::span<const Place> places) noexcept
       : tree_(tree), call_(call), places_(places) {}
 
-  Kind Expect(std::size_t index, std::initializer_list<Kind> kinds) const {
+  // Most callers want the refusal only.
+  Kind Expect(std::size_t index, std::initializer_list<Kind> kinds) const {  // NOLINT(modernize-use-nodiscard)
     if (index >= places_.size()) {
       return Kind::Null;
     }

@@ -101,7 +101,7 @@ std::vector<const query::Kernels*> EveryKernels() {
 std::vector<Dataset> Datasets() {
   std::vector<Dataset> datasets;
   for (const std::uint32_t count : {0U, 5U, 700U, 4200U}) {
-    datasets.push_back(Dataset("arhiva", EveryType()));
+    datasets.emplace_back("arhiva", EveryType());
     AddRows(datasets.back(), count);
   }
   Edit(datasets.back(), 1);

@@ -62,7 +62,7 @@ class AggregateState final : public store::Follower {
   };
   using Grouped = std::map<Key, Group, KeyBefore>;
 
-  const store::Contents& Check() const;
+  [[nodiscard]] const store::Contents& Check() const;
   void ParseFigure(const store::Contents& contents, TextView what, const FilterParameters& parameters);
   [[nodiscard]] int CompareKeys(std::span<const store::Cell> left, std::span<const store::Cell> right) const noexcept;
   [[nodiscard]] bool Concerns(const store::RowChange& change) const noexcept;

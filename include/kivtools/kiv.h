@@ -14,6 +14,7 @@
 #include "kivtools/c/CodePages.h"
 #include "kivtools/c/Colours.h"
 #include "kivtools/c/Dataset.h"
+#include "kivtools/c/DatasetAggregate.h"
 #include "kivtools/c/DatasetFilter.h"
 #include "kivtools/c/DatasetPackets.h"
 #include "kivtools/c/DateArithmetic.h"

@@ -42,13 +42,6 @@ kiv::FilterParameters ParametersOf(kiv::TextView names, const KivFieldValue* val
   return parameters;
 }
 
-KivAnswer GiveValue(const kiv::ValueView& value, KivFieldValue& out) noexcept {
-  if (!value.IsNull()) {
-    out = FieldValueOf(value);
-  }
-  return value.IsNull() ? 0 : 1;
-}
-
 }  // namespace
 
 extern "C" {

@@ -49,7 +49,15 @@ inline BytesView BytesArgument(const std::uint8_t* bytes, std::size_t size, cons
 }
 
 /// The value as C has it; bytes stay borrowed.
-KivFieldValue FieldValueOf(const ValueView& value) noexcept;
+KivFieldValue FieldValueOf(const ValueView& value);
+
+/// Stores a value that is not null: the answer of a function that gives one.
+inline KivAnswer GiveValue(const ValueView& value, KivFieldValue& out) {
+  if (!value.IsNull()) {
+    out = FieldValueOf(value);
+  }
+  return value.IsNull() ? 0 : 1;
+}
 
 /// Values that a host has handed over, borrowed from it but for those in UTF-16.
 class GivenValues {

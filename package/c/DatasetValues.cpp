@@ -53,7 +53,7 @@ struct ForC {
 
 }  // namespace
 
-KivFieldValue FieldValueOf(const ValueView& value) noexcept {
+KivFieldValue FieldValueOf(const ValueView& value) {
   return std::visit(ForC(), value.Get());
 }
 

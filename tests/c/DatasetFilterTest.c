@@ -24,7 +24,7 @@ void DatasetFilterTest(void) {
   for (i = 0; i < 4; ++i) {
     EXPECT(KivDatasetInsert(lines) == KIV_OK);
     EXPECT(KivDatasetSetText(lines, KIV_NO_ROW, 0, i % 2 == 0 ? "Alfa" : "Beta", KIV_ZERO_ENDED) == KIV_OK);
-    EXPECT(i == 3 || KivDatasetSetCurrency(lines, KIV_NO_ROW, 1, (i + 1) * 100000) == KIV_OK);
+    EXPECT(i == 3 || KivDatasetSetCurrency(lines, KIV_NO_ROW, 1, (int64_t)100000 * (i + 1)) == KIV_OK);
     EXPECT(KivDatasetPost(lines, NULL) == KIV_OK);
   }
 

@@ -106,6 +106,16 @@ inline KivExpression* RealObject() {
   return expression.get();
 }
 
+template <>
+inline KivAggregate* RealObject() {
+  static const auto aggregate = [] {
+    KivAggregate* made = nullptr;
+    KivAggregateNew(RealObject<KivDataset>(), "sum(fo)", KIV_ZERO_ENDED, "fa", KIV_ZERO_ENDED, &made);
+    return std::unique_ptr<KivAggregate, decltype(KivAggregateFree)*>(made, KivAggregateFree);
+  }();
+  return aggregate.get();
+}
+
 /// Frees what a function has made.
 inline void FreeObject(KivAVLIndex* index) {
   KivAVLIndexDestroy(index);
@@ -121,4 +131,7 @@ inline void FreeObject(KivFilter* filter) {
 }
 inline void FreeObject(KivExpression* expression) {
   KivExpressionFree(expression);
+}
+inline void FreeObject(KivAggregate* aggregate) {
+  KivAggregateFree(aggregate);
 }

@@ -326,7 +326,7 @@ def copies(folder):
 def answered(text):
     def feed(terminal, _):
         for _ in range(200):
-            if "[y/N]" in terminal.result():
+            if "/N]" in terminal.result():
                 break
             terminal.read(0.05)
         os.write(terminal.master, text)
@@ -350,6 +350,15 @@ def deletions(folder):
     expect("no terminal to ask on", (run.returncode, b"--yes only" in run.stderr, os.path.exists(tree)), (2, True, True))
     os.close(master)
     os.close(slave)
+    for answer, there in [(b"n\n", True), (b"da!\n", True), (b"da\n", False)]:
+        subtree = os.path.join(tree, "sub")
+        result, _ = on_terminal(["--lang", "ro", "delete", subtree], answered(answer), 1000, "terminal")
+        said = "nu s-a șters nimic" if there else "s-au șters: 1 fișier, 1 dosar, 5 octeți"
+        expect(f"the Romanian answer {answer}", (result, os.path.exists(subtree)),
+               (f"Se șterge {subtree} (1 fișier, 1 dosar, 5 octeți)? [d/N] {said}\n", there))
+    os.mkdir(subtree)
+    with open(os.path.join(subtree, "a"), "w") as file:
+        file.write("12345")
     result, _ = on_terminal(["delete", tree], answered(b"y\n"), 1000, "terminal")
     expect("yes", (result, os.path.exists(tree)), (question + " 1 file, 2 folders, 5 bytes deleted\n", False))
 

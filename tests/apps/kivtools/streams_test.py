@@ -67,6 +67,8 @@ def missing_streams(folder):
         (f"exec kivtools grade --csv 1 --add x {wrong} | tail -n 1 | grep -q CINCIZECI",
          (0, f'grade: {wrong}:400001: "x" is not a grade from 1 to 10 such as 9.50, nor one times 100 such as 950\n')),
         (f"exec kivtools money --csv 1 {folder}/no.csv", (2, f"money: {folder}/no.csv: cannot be opened: No such file or directory (error 2)\n")),
+        (f"exec kivtools grade --csv 1 {wrong} | tail -n 1 | grep -q CINCIZECI",
+         (0, f'grade: {wrong}:400001: "x" is not a grade from 1 to 10 such as 9.50, nor one times 100 such as 950\n')),
         (f"exec kivtools money --files {folder}", (2, f"money: {folder} is a folder\n")),
         ("exec kivtools check cui <&-", (2, "check: standard input: cannot be read: Bad file descriptor (error 9)\n")),
         (f"exec kivtools check cui <{folder}", (2, "check: standard input: cannot be read: Is a directory (error 21)\n")),

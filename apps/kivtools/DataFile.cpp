@@ -77,17 +77,43 @@ DataFile::Shown DataFile::RowValue(std::uint32_t row, std::size_t field) const {
   return library_.LibraryText(KIVTOOLS_ENTRY(KivDatasetValueText), dataset_.get(), row, field);
 }
 
-void DataFile::ForEachRow(const std::function<void(std::int32_t, const std::vector<Shown>&)>& visit) const {
-  std::vector<Shown> values(fields_.size());
-  std::uint32_t row = KIV_NO_ROW;
-  while (KIVTOOLS_ENTRY(KivDatasetNextRow)(dataset_.get(), row, &row) == 1) {
+void DataFile::TakeBackChanges() {
+  Check(KIVTOOLS_ENTRY(KivDatasetCancelChanges)(dataset_.get()));
+}
+
+std::optional<std::size_t> DataFile::FindField(const std::string& name) const {
+  const std::string wanted = library_.FromUtf8(name);
+  const KivLength found = KIVTOOLS_ENTRY(KivDatasetField)(dataset_.get(), wanted.data(), wanted.size());
+  return found < 0 ? std::nullopt : std::optional(static_cast<std::size_t>(found));
+}
+
+std::uint64_t DataFile::ForEachRow(const Wanted& wanted,
+                                   const std::function<void(std::int32_t, const std::vector<Shown>&)>& visit) const {
+  KivCursor* made = nullptr;
+  Check(KIVTOOLS_ENTRY(KivCursorNew)(dataset_.get(), &made));
+  const std::unique_ptr<KivCursor, decltype(KivCursorFree)*> cursor(made, KIVTOOLS_ENTRY(KivCursorFree));
+  const std::string order = library_.FromUtf8(wanted.order);
+  Check(KIVTOOLS_ENTRY(KivCursorOrderBy)(made, order.data(), order.size()));
+  if (!wanted.filter.empty()) {
+    const std::string filter = library_.FromUtf8(wanted.filter);
+    Check(KIVTOOLS_ENTRY(KivCursorFilter)(made, filter.data(), filter.size()));
+  }
+  auto* const next = KIVTOOLS_ENTRY(KivCursorNext);
+  auto* const rowOf = KIVTOOLS_ENTRY(KivCursorRow);
+  auto* const stateOf = KIVTOOLS_ENTRY(KivDatasetState);
+  std::vector<Shown> values(wanted.fields.size());
+  std::uint64_t visited = 0;
+  for (; visited < wanted.most && next(made) == 1; ++visited) {
+    std::uint32_t row = 0;
     std::int32_t state = 0;
-    Check(KIVTOOLS_ENTRY(KivDatasetState)(dataset_.get(), row, &state));
+    rowOf(made, &row);
+    Check(stateOf(dataset_.get(), row, &state));
     for (std::size_t i = 0; i < values.size(); ++i) {
-      values[i] = RowValue(row, i);
+      values[i] = RowValue(row, wanted.fields[i]);
     }
     visit(state, values);
   }
+  return static_cast<std::uint64_t>(KIVTOOLS_ENTRY(KivCursorCount)(made)) - visited;
 }
 
 DataFile::Shown DataFile::TicketValue(std::uint32_t ticket, std::size_t field, bool original) const {

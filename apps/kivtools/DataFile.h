@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <functional>
+#include <limits>
 #include <memory>
 #include <optional>
 #include <string>
@@ -57,8 +58,21 @@ class DataFile {
   [[nodiscard]] std::uint64_t Replayed() const noexcept { return replayed_; }
   [[nodiscard]] std::uint64_t LostBytes() const noexcept { return lostBytes_; }
 
-  /// Calls back with the state and the values of each row of a dataset; deleted ones are left out.
-  void ForEachRow(const std::function<void(std::int32_t, const std::vector<Shown>&)>& visit) const;
+  /// Makes the rows what they were before all changes.
+  void TakeBackChanges();
+  /// The place of the field of that name, case apart; nothing where there is none.
+  [[nodiscard]] std::optional<std::size_t> FindField(const std::string& name) const;
+  /// Which rows of a dataset are wanted, and what of them. An empty text filters nothing and orders by nothing.
+  struct Wanted {
+    std::string filter;
+    std::string order;
+    std::uint64_t most = std::numeric_limits<std::uint64_t>::max();
+    std::vector<std::size_t> fields;
+  };
+  /// Calls back with the state and the values of each wanted row; deleted ones are left out. Returns how many rows
+  /// there are beyond the most. Throws LibraryError for an order or a filter that is none.
+  std::uint64_t ForEachRow(const Wanted& wanted,
+                           const std::function<void(std::int32_t, const std::vector<Shown>&)>& visit) const;
   /// Calls back with each row that is not as it was: its key, and of updates what changed.
   void ForEachChange(const std::function<void(const Change&)>& visit) const;
 

@@ -43,6 +43,13 @@ Text Cursor::Order() const {
   return state_->OrderedBy();
 }
 
+void Cursor::Filter(TextView condition, const FilterParameters& parameters) {
+  state_->FilterBy(condition, parameters);
+}
+void Cursor::ClearFilter() {
+  state_->ClearFilter();
+}
+
 bool Cursor::First() {
   return state_->MoveTo(state_->Low());
 }
@@ -114,6 +121,10 @@ CursorBookmark Cursor::Bookmark() const {
 }
 RowId Cursor::Row() const {
   return RowId{state_->RequireRow()};
+}
+
+FieldRef Cursor::FieldAt(std::size_t index) const {
+  return state_->View().FieldAt(index);
 }
 
 bool Cursor::IsNull(FieldSelector field) const {

@@ -35,7 +35,7 @@ CursorState::~CursorState() {
   followers_->Remove(*this);
 }
 
-store::Store& CursorState::Check() const {
+store::Store& CursorState::GetStore() const {
   if (followers_->GetStore() == nullptr) {
     throw Error("Cursor: setul de date nu mai exista");
   }
@@ -83,12 +83,35 @@ void CursorState::Update() {
 
 void CursorState::OrderBy(TextView order) {
   RequireNoEdit();
-  auto index = OrderedIndex::Of(Check(), ParseOrder(Contents(), order));
+  const Order wanted = ParseOrder(Contents(), order);
+  auto index = index_->GetFilter() ? std::make_shared<OrderedIndex>(GetStore(), wanted, index_->GetFilter())
+                                   : OrderedIndex::Of(GetStore(), wanted);
   index->Repair();
   index_ = std::move(index);
   from_ = {};
   to_ = {};
   version_ = ~std::uint64_t{0};
+}
+
+void CursorState::FilterBy(TextView condition, const FilterParameters& parameters) {
+  RequireNoEdit();
+  UseFilter(Filter(View(), condition, parameters));
+}
+
+void CursorState::ClearFilter() {
+  RequireNoEdit();
+  UseFilter({});
+}
+
+void CursorState::UseFilter(std::optional<Filter> filter) {
+  auto index = filter ? std::make_shared<OrderedIndex>(GetStore(), index_->GetOrder(), std::move(filter))
+                      : OrderedIndex::Of(GetStore(), index_->GetOrder());
+  index->Repair();
+  index_ = std::move(index);
+  version_ = ~std::uint64_t{0};
+  if (place_ == Place::On && !IsInRange(row_)) {
+    place_ = Place::Before;
+  }
 }
 
 std::uint32_t CursorState::Low() {
@@ -177,7 +200,7 @@ bool CursorState::GoTo(const CursorBookmark& bookmark) {
   if (bookmark.key_.empty() || bookmark.key_.size() != Contents().schemaData->keyFields.size()) {
     return false;
   }
-  const std::uint32_t found = Check().Find(std::vector<ValueView>(bookmark.key_.begin(), bookmark.key_.end()));
+  const std::uint32_t found = GetStore().Find(std::vector<ValueView>(bookmark.key_.begin(), bookmark.key_.end()));
   return found != kNone && MoveToRow(found);
 }
 
@@ -227,7 +250,7 @@ void CursorState::ClearRange() {
 
 bool CursorState::IsInRange(std::uint32_t row) const noexcept {
   return (from_.cells.empty() || index_->Compare(row, from_.cells) >= 0) &&
-         (to_.cells.empty() || index_->Compare(row, to_.cells) <= 0);
+         (to_.cells.empty() || index_->Compare(row, to_.cells) <= 0) && index_->Admits(row);
 }
 
 bool CursorState::LocateNearest(std::span<const ValueView> values) {
@@ -294,10 +317,10 @@ void CursorState::Edit() {
 void CursorState::Insert() {
   RequireNoEdit();
   std::vector<std::pair<std::uint16_t, Value>> defaults;
-  for (std::uint16_t field = 0; field < Contents().columns.size(); ++field) {
-    const FieldDef& definition = Contents().schemaData->fields[field];
+  for (const FieldDef& definition : Contents().schemaData->fields) {
     defaults.emplace_back(
-        field, store::ValueOf(definition.type, store::MakeCell(definition, definition.defaultValue, Contents().owner)));
+        static_cast<std::uint16_t>(defaults.size()),
+        store::ValueOf(definition.type, store::MakeCell(definition, definition.defaultValue, Contents().owner)));
   }
   proposed_ = std::move(defaults);
   edit_ = EditOf::NewRow;
@@ -319,7 +342,7 @@ void CursorState::Set(FieldSelector field, ValueView value) {
 }
 
 void CursorState::Post() {
-  store::Store& store = Check();
+  store::Store& store = GetStore();
   if (!IsEditing()) {
     Refuse("nu are niciun rand in modificare");
   }
@@ -351,7 +374,7 @@ void CursorState::Cancel() noexcept {
 void CursorState::Delete() {
   RequireNoEdit();
   const std::uint32_t row = RequireRow();
-  Check().Delete(row);
+  GetStore().Delete(row);
 }
 
 const Value* CursorState::Proposed(FieldSelector field) const {
@@ -370,8 +393,9 @@ void CursorState::RefuseType(FieldSelector field) const {
 // Following.
 
 void CursorState::Before(const RowChange& change) noexcept {
-  if (place_ == Place::On && row_ == change.row) {
-    // The index is repaired, and changes only after the row has.
+  following_ = kNone;
+  if (place_ == Place::On && row_ == change.row && index_->IsReady()) {
+    // The index changes only after the row has.
     const std::uint32_t next = index_->PositionOf(row_) + 1;
     following_ = next < index_->Count() && IsInRange(index_->At(next)) ? index_->At(next) : kNone;
   }

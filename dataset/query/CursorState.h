@@ -19,6 +19,8 @@ class CursorState final : public store::Follower {
   CursorState& operator=(const CursorState&) = delete;
 
   void OrderBy(TextView order);
+  void FilterBy(TextView condition, const FilterParameters& parameters);
+  void ClearFilter();
   [[nodiscard]] Text OrderedBy() const { return OrderText(Contents(), index_->GetOrder()); }
 
   // Positions count from the beginning of the order, not of the range.
@@ -85,12 +87,15 @@ class CursorState final : public store::Follower {
     store::Cell cell;
   };
 
-  store::Store& Check() const;
-  [[nodiscard]] const store::Contents& Contents() const { return Check().GetContents(); }
+  /// Throws Error when it is gone.
+  [[nodiscard]] store::Store& GetStore() const;
+  void Check() const { static_cast<void>(GetStore()); }
+  [[nodiscard]] const store::Contents& Contents() const { return GetStore().GetContents(); }
   [[noreturn]] void Refuse(TextView why) const;
   [[nodiscard]] std::vector<store::Cell> CellsOf(std::span<const ValueView> values) const;
   [[nodiscard]] Limit LimitOf(std::span<const ValueView> values) const;
   void Update();
+  void UseFilter(std::optional<Filter> filter);
   [[nodiscard]] bool IsInRange(std::uint32_t row) const noexcept;
   [[nodiscard]] std::uint32_t Seek(std::span<const SoughtField> fields);
   [[nodiscard]] bool LeadsOrder(std::span<const SoughtField> fields, std::vector<store::Cell>& cells) const;

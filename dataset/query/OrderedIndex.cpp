@@ -9,15 +9,20 @@ using store::Cell;
 std::shared_ptr<OrderedIndex> OrderedIndex::Of(store::Store& store, const Order& order) {
   std::shared_ptr<OrderedIndex> found;
   store.GetFollowers()->ForEach([&](store::Follower& follower) {
-    if (auto* const index = dynamic_cast<OrderedIndex*>(&follower); index != nullptr && index->order_ == order) {
+    if (auto* const index = dynamic_cast<OrderedIndex*>(&follower);
+        index != nullptr && index->order_ == order && !index->filter_) {
       found = index->shared_from_this();
     }
   });
   return found != nullptr ? found : std::make_shared<OrderedIndex>(store, order);
 }
 
-OrderedIndex::OrderedIndex(store::Store& store, const Order& order)
-    : followers_(store.GetFollowers()), contents_(store.GetContents()), order_(order), cells_(order.size()) {
+OrderedIndex::OrderedIndex(store::Store& store, const Order& order, std::optional<Filter> filter)
+    : followers_(store.GetFollowers()),
+      contents_(store.GetContents()),
+      order_(order),
+      cells_(order.size()),
+      filter_(std::move(filter)) {
   followers_->Add(*this);
 }
 
@@ -26,9 +31,25 @@ OrderedIndex::~OrderedIndex() {
 }
 
 void OrderedIndex::Repair() {
-  if (isStale_) {
-    rows_.Assign(SortedRows(contents_, order_), [this](std::uint32_t row) { return KeyOf(row); });
-    isStale_ = false;
+  if (!isStale_ && !hasFailed_) {
+    return;
+  }
+  std::vector<std::uint32_t> rows = SortedRows(contents_, order_);
+  if (filter_) {
+    std::erase_if(rows, [this](std::uint32_t row) { return !filter_->Test(RowId{row}); });
+  }
+  rows_.Assign(rows, [this](std::uint32_t row) { return KeyOf(row); });
+  ++version_;
+  isStale_ = false;
+  hasFailed_ = false;
+}
+
+bool OrderedIndex::Admits(std::uint32_t row) const noexcept {
+  try {
+    return !filter_ || filter_->Test(RowId{row});
+  } catch (...) {
+    hasFailed_ = true;
+    return true;
   }
 }
 
@@ -70,31 +91,41 @@ std::uint32_t OrderedIndex::Search(std::span<const Cell> cells, bool after) cons
 }
 
 bool OrderedIndex::Concerns(const store::RowChange& change) const noexcept {
-  return change.wasThere != change.isThere || std::ranges::any_of(order_, [&](const OrderField& by) {
+  return filter_ || change.wasThere != change.isThere || std::ranges::any_of(order_, [&](const OrderField& by) {
            return std::ranges::find(change.fields, by.field) != change.fields.end();
          });
 }
 
 void OrderedIndex::Prepare(std::uint32_t changes) {
-  Repair();
+  if (isStale_) {
+    try {
+      Repair();
+    } catch (const FilterError&) {
+      return;  // the edit may be the one that puts it right
+    }
+  }
   rows_.Reserve(changes);
 }
 
 void OrderedIndex::Before(const store::RowChange& change) noexcept {
-  if (change.wasThere && Concerns(change)) {
-    leaving_ = PlaceOf(change.row);
+  leaving_.reset();
+  if (!isStale_ && change.wasThere && Concerns(change)) {
+    const RowList::Place place = PlaceOf(change.row);
+    if (rows_.Has(place, change.row)) {
+      leaving_ = place;
+    }
   }
 }
 
 void OrderedIndex::After(const store::RowChange& change) noexcept {
-  if (!Concerns(change)) {
+  if (isStale_ || !Concerns(change)) {
     return;
   }
   const auto keyOf = [this](std::uint32_t row) { return KeyOf(row); };
-  if (change.wasThere) {
-    rows_.Erase(leaving_, keyOf);
+  if (leaving_) {
+    rows_.Erase(*leaving_, keyOf);
   }
-  if (change.isThere) {
+  if (change.isThere && Admits(change.row)) {
     rows_.Insert(PlaceOf(change.row), change.row, keyOf);
   }
   ++version_;

@@ -1,31 +1,42 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "dataset/query/RowList.h"
 #include "dataset/store/Followers.h"
 #include "dataset/store/Store.h"
+#include "kivtools/dataset/Filter.h"
 
 namespace kiv::query {
 
 /// The rows of a dataset in an order, which follows every edit. Cursors with the same order share one. After a load or
 /// a compaction it is made anew when it is next asked for something.
+///
+/// With a filter it has the rows that pass, and is nobody's but its cursor's and that one's clones. A row for which the
+/// filter has no value is not left out: the next one who asks is told.
 class OrderedIndex final : public store::Follower, public std::enable_shared_from_this<OrderedIndex> {
  public:
   /// The index of that order that the store has, or a new one. Throws std::bad_alloc.
   static std::shared_ptr<OrderedIndex> Of(store::Store& store, const Order& order);
   /// For Of().
-  OrderedIndex(store::Store& store, const Order& order);
+  OrderedIndex(store::Store& store, const Order& order, std::optional<Filter> filter = {});
   ~OrderedIndex() override;
   OrderedIndex(const OrderedIndex&) = delete;
   OrderedIndex& operator=(const OrderedIndex&) = delete;
 
   [[nodiscard]] const Order& GetOrder() const noexcept { return order_; }
+  [[nodiscard]] const std::optional<Filter>& GetFilter() const noexcept { return filter_; }
+  /// Whether the row passes the filter, if there is one, or nobody can tell.
+  [[nodiscard]] bool Admits(std::uint32_t row) const noexcept;
   /// Grows with every change of the rows or of their order.
   [[nodiscard]] std::uint64_t Version() const noexcept { return version_; }
-  /// Sees to it that the index holds what the columns do. Throws std::bad_alloc. Everything below needs it.
+  /// Sees to it that the index holds what the columns do. Throws std::bad_alloc, and FilterError for a row in which the
+  /// filter has no value. Everything below needs it.
   void Repair();
+  /// Whether it may be asked for something without that.
+  [[nodiscard]] bool IsReady() const noexcept { return !isStale_; }
 
   [[nodiscard]] std::uint32_t Count() const noexcept { return rows_.Count(); }
   /// The row at a position, from 0.
@@ -61,9 +72,11 @@ class OrderedIndex final : public store::Follower, public std::enable_shared_fro
   Order order_;
   RowList rows_;
   std::vector<store::Cell> cells_;  // of the row that is looked for, so that one allocates nothing for them
-  RowList::Place leaving_;
+  std::optional<RowList::Place> leaving_;
+  std::optional<Filter> filter_;
   std::uint64_t version_ = 0;
   bool isStale_ = true;
+  mutable bool hasFailed_ = false;  // the filter had no value in a row that is in the list nevertheless
 };
 
 }  // namespace kiv::query

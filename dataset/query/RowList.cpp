@@ -7,14 +7,15 @@ constexpr std::uint32_t kHalf = RowList::kLeafRows / 2;
 
 }  // namespace
 
-std::uint32_t RowList::At(std::uint32_t position) const noexcept {
-  const auto leaf = static_cast<std::size_t>(std::ranges::upper_bound(starts_, position) - starts_.begin()) - 1;
-  return leaves_[leaf].rows[position - starts_[leaf]];
+RowList::Place RowList::PlaceAt(std::uint32_t position) const noexcept {
+  const auto behind = static_cast<std::uint32_t>(std::ranges::upper_bound(starts_, position) - starts_.begin());
+  return behind == 0 ? Place{} : Place{behind - 1, position - starts_[behind - 1]};
 }
 
 void RowList::Reserve(std::uint32_t insertions) {
   // Every leaf may be full and split once; from then on a leaf takes half of its rows before it splits again.
-  const std::size_t most = std::min<std::size_t>(insertions, leaves_.size() + insertions / kHalf + 1);
+  // What leaves give up meanwhile is used again.
+  const std::size_t most = std::min<std::size_t>(insertions, leaves_.size() + insertions / kHalf + 2);
   const std::size_t leaves = leaves_.size() + most;
   if (leaves > leaves_.capacity() || leaves > starts_.capacity()) {
     leaves_.reserve(leaves + leaves / 2);
@@ -68,7 +69,11 @@ bool RowList::JoinWithNext(std::size_t at) noexcept {
     leaf.key = leaf.count == 0 ? next.key : leaf.key;
     leaf.count += next.count;
   }
-  leaves_.erase(leaves_.begin() + static_cast<std::ptrdiff_t>(isLast ? at : at + 1));
+  const auto given = leaves_.begin() + static_cast<std::ptrdiff_t>(isLast ? at : at + 1);
+  if (spares_.size() < spares_.capacity()) {
+    spares_.push_back(std::move(given->rows));
+  }
+  leaves_.erase(given);
   starts_.pop_back();
   return true;
 }

@@ -24,8 +24,14 @@ class RowList {
 
   [[nodiscard]] std::uint32_t Count() const noexcept { return count_; }
   /// The row at a position below Count().
-  [[nodiscard]] std::uint32_t At(std::uint32_t position) const noexcept;
+  [[nodiscard]] std::uint32_t At(std::uint32_t position) const noexcept { return At(PlaceAt(position)); }
+  /// The place of a position up to Count().
+  [[nodiscard]] Place PlaceAt(std::uint32_t position) const noexcept;
   [[nodiscard]] std::uint32_t At(Place place) const noexcept { return leaves_[place.leaf].rows[place.offset]; }
+  /// Whether there is that row at the place.
+  [[nodiscard]] bool Has(Place place, std::uint32_t row) const noexcept {
+    return place.leaf < leaves_.size() && place.offset < leaves_[place.leaf].count && At(place) == row;
+  }
   [[nodiscard]] std::uint32_t PositionOf(Place place) const noexcept {
     return place.leaf == leaves_.size() ? count_ : starts_[place.leaf] + place.offset;
   }

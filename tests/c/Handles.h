@@ -44,10 +44,11 @@ inline KivSchema* RealObject() {
   return schema.get();
 }
 
-/// A dataset with a field of each type, the last of them the key, and the net of its two insertions.
+/// A dataset with a field of each type, the last of them the key, the net of its two insertions and a cursor.
 struct RealRows {
   std::unique_ptr<KivDataset, decltype(KivDatasetFree)*> dataset{nullptr, KivDatasetFree};
   std::unique_ptr<KivDelta, decltype(KivDeltaFree)*> delta{nullptr, KivDeltaFree};
+  std::unique_ptr<KivCursor, decltype(KivCursorFree)*> cursor{nullptr, KivCursorFree};
 
   RealRows() {
     const std::unique_ptr<KivSchema, decltype(KivSchemaFree)*> schema(KivSchemaNew(), KivSchemaFree);
@@ -68,6 +69,10 @@ struct RealRows {
     KivDelta* net = nullptr;
     KivDatasetMakeDelta(made, &net);
     delta.reset(net);
+    KivCursor* first = nullptr;
+    KivCursorNew(made, &first);
+    KivCursorFirst(first);
+    cursor.reset(first);
   }
   static const RealRows& Get() {
     static const RealRows rows;
@@ -116,6 +121,11 @@ inline KivAggregate* RealObject() {
   return aggregate.get();
 }
 
+template <>
+inline KivCursor* RealObject() {
+  return RealRows::Get().cursor.get();
+}
+
 /// Frees what a function has made.
 inline void FreeObject(KivAVLIndex* index) {
   KivAVLIndexDestroy(index);
@@ -134,4 +144,7 @@ inline void FreeObject(KivExpression* expression) {
 }
 inline void FreeObject(KivAggregate* aggregate) {
   KivAggregateFree(aggregate);
+}
+inline void FreeObject(KivCursor* cursor) {
+  KivCursorFree(cursor);
 }

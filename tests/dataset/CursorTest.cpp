@@ -182,6 +182,52 @@ TEST(Cursor, SeesItsRangeOnly) {
   EXPECT_EQ(Seen(cursor), "13 12 15 ");
 }
 
+TEST(Cursor, SeesTheRowsThatPassItsFilter) {
+  Dataset dataset = Partners();
+  Cursor cursor(dataset);
+  cursor.OrderBy("nume");
+  cursor.First();
+  cursor.Filter("zi >= :de_la and id <> 15", {{"de_la", DateTime(2)}});
+  EXPECT_EQ(Seen(cursor), "13 12 10 ");
+  cursor.Locate({{"id", 12}});
+  dataset.Set(RowId{2}, "zi", Null{});
+  EXPECT_EQ(cursor.GetInt64("id"), 10) << "its row does not pass any more";
+  dataset.Set(RowId{1}, "zi", DateTime(7));
+  EXPECT_EQ(Seen(cursor), "13 11 10 ");
+  cursor.OrderBy("id desc");
+  EXPECT_EQ(Seen(cursor), "13 11 10 ");
+  cursor.SetRange({11}, {});
+  Cursor clone = cursor;
+  EXPECT_EQ(Seen(clone), "11 10 ");
+  EXPECT_FALSE(cursor.GoTo(RowId{5}));
+  cursor.ClearFilter();
+  EXPECT_EQ(Seen(cursor), "11 10 ");
+  EXPECT_THROW(cursor.Filter("zi >"), FilterError);
+  EXPECT_EQ(Seen(cursor), "11 10 ");
+}
+
+TEST(Cursor, TellsThatItsFilterHasNoValueInARow) {
+  Dataset dataset = Partners();
+  Cursor cursor(dataset);
+  cursor.Filter("100 div (id - 20) < 5");
+  cursor.First();
+  EXPECT_EQ(cursor.Count(), 6U);
+  dataset.Set(RowId{3}, "id", 20);
+  EXPECT_THROW(cursor.Next(), FilterError);
+  EXPECT_THROW(static_cast<void>(cursor.Count()), FilterError);
+  EXPECT_THROW(Cursor(dataset).Filter("1 div (id - 20) = 0"), FilterError);
+  dataset.Set(RowId{3}, "id", 21);
+  EXPECT_EQ(Seen(cursor), "10 11 12 14 15 ");
+  dataset.Changes().AcceptChanges();
+  Loader loader(dataset);
+  const ValueView null;
+  loader.Add({20, "aaa", null, null, null, null, null, null});
+  loader.Finish();
+  EXPECT_THROW(cursor.First(), FilterError);
+  dataset.Delete(RowId{6});
+  EXPECT_EQ(Seen(cursor), "10 11 12 14 15 ");
+}
+
 TEST(Cursor, GoesOnWhenItsRowGoes) {
   Dataset dataset = Partners();
   Cursor cursor(dataset);

@@ -45,6 +45,8 @@ struct ModelOrder {
   std::vector<By> fields;
   const char* from = nullptr;
   const char* to = nullptr;
+  const char* filter = nullptr;
+  bool (*passes)(const Values& values) = nullptr;
 };
 
 /// Cursors on a dataset and where the model says that they stand. The first `base` rows of the dataset are not in the
@@ -57,6 +59,9 @@ class ModelCursors {
       standing.cursor.OrderBy(kind.order);
       if (kind.from != nullptr) {
         standing.cursor.SetRange({kind.from}, {kind.to});
+      }
+      if (kind.filter != nullptr) {
+        standing.cursor.Filter(kind.filter);
       }
     }
   }
@@ -104,7 +109,17 @@ class ModelCursors {
       {"d desc, b, t binary desc", {{6, {}, true}, {3}, {1, Collation::Binary, true}}},
       {"g, m desc nulls last, k desc", {{4}, {5, {}, true, true}, {0, {}, true}}},
       {"t", {{1}}, "t1", "t3"},
+      {"d, t",
+       {{6}, {1}},
+       nullptr,
+       nullptr,
+       "b or c > 0.0001",
+       [](const Values& values) {
+         return values[3] == Value(true) || (values[2].index() != 0 && std::get<Currency>(values[2]).Raw() > 1);
+       }},
   };
+  /// Whether the base is among its rows.
+  [[nodiscard]] static bool HasBase(const Kind& kind) { return kind.from == nullptr && kind.filter == nullptr; }
   struct Standing {
     Kind kind;
     Cursor cursor;
@@ -158,7 +173,7 @@ class ModelCursors {
 
   [[nodiscard]] static bool IsSeen(const Kind& kind, const Rows& rows, std::size_t row) {
     if (!rows[row].isPresent || kind.from == nullptr) {
-      return rows[row].isPresent;
+      return rows[row].isPresent && (kind.passes == nullptr || kind.passes(rows[row].values));
     }
     const auto* const text = std::get_if<Text>(&rows[row].values[1]);
     return text != nullptr && CompareTexts(*text, kind.from, Collation::Romanian) >= 0 &&
@@ -177,7 +192,7 @@ class ModelCursors {
         consider(base_ + i);
       }
     }
-    if (kind.from == nullptr) {
+    if (HasBase(kind)) {
       consider(0);
       consider(base_ - 1);
     }
@@ -186,7 +201,7 @@ class ModelCursors {
 
   void CheckOrder(const Standing& standing, const Rows& rows) {
     Cursor clone = standing.cursor;
-    std::size_t expected = standing.kind.from == nullptr ? base_ : 0;
+    std::size_t expected = HasBase(standing.kind) ? base_ : 0;
     for (std::size_t i = 0; i < rows.size(); ++i) {
       expected += IsSeen(standing.kind, rows, i) ? 1 : 0;
     }

@@ -142,5 +142,31 @@ TEST(RowList, HoldsWhatAVectorHolds) {
   }
 }
 
+TEST(RowList, HasTheRoomThatItWasGivenWhateverIsErasedBetween) {
+  const auto keyOf = [](std::uint32_t row) { return PackedKey{std::uint64_t{row} << 40U, 24}; };
+  for (const std::uint32_t rows : {0U, 1U, 2000U}) {
+    RowList list;
+    std::vector<std::uint32_t> first(rows);
+    for (std::uint32_t i = 0; i < rows; ++i) {
+      first[i] = i;
+    }
+    list.Assign(first, keyOf);
+    constexpr std::uint32_t kInsertions = 20'000;
+    list.Reserve(kInsertions);
+    std::mt19937 random(rows);
+    for (std::uint32_t inserted = 0; inserted < kInsertions;) {
+      // Waves of insertions at the beginning and the end, each taken back to nothing.
+      for (auto wave = static_cast<std::uint32_t>(random() % 3000); wave > 0 && inserted < kInsertions; --wave) {
+        const std::uint32_t position = wave % 2 == 0 ? 0 : list.Count();
+        list.Insert(list.PlaceAt(position), ++inserted, keyOf);
+      }
+      while (list.Count() > 0) {
+        list.Erase(list.PlaceAt(static_cast<std::uint32_t>(random() % list.Count())), keyOf);
+      }
+    }
+    ASSERT_EQ(list.Count(), 0U);
+  }
+}
+
 }  // namespace
 }  // namespace kiv::query

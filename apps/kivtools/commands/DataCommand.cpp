@@ -3,8 +3,8 @@
 
 #include "apps/kivtools/Command.h"
 #include "apps/kivtools/DataFile.h"
+#include "apps/kivtools/DataShow.h"
 #include "apps/kivtools/Json.h"
-#include "apps/kivtools/Layout.h"
 #include "apps/kivtools/Shown.h"
 #include "apps/kivtools/system/InputStream.h"
 #include "apps/kivtools/system/Paths.h"
@@ -12,8 +12,15 @@
 namespace kivtools {
 namespace {
 
-constexpr std::array<Option, 1> kOptions = {
-    {{"json", "", {"for machines: an object for the file", "pentru programe: un obiect pentru fișier"}}}};
+constexpr std::array<Option, 6> kOptions = {
+    {{"columns", "LIST", {"show: only these fields, \"name,total\"", "show: numai aceste câmpuri, \"nume,total\""}},
+     {"filter",
+      "COND",
+      {"show: only the rows that pass, \"total > 100\"", "show: numai rândurile care trec, \"total > 100\""}},
+     {"json", "", {"for machines: an object for the file", "pentru programe: un obiect pentru fișier"}},
+     {"limit", "N", {"show: at most so many rows", "show: cel mult atâtea rânduri"}},
+     {"original", "", {"show: the rows as they were before all changes", "show: rândurile dinaintea modificărilor"}},
+     {"sort", "LIST", {"show: in this order, \"name, total desc\"", "show: în această ordine, \"nume, total desc\""}}}};
 
 constexpr Phrase kDetails = {
     "FILE.kdp is what applications save of a dataset, or a delta that they send. A journal beside it,\n"
@@ -24,6 +31,7 @@ constexpr Phrase kDetails = {
     "            journal cut short\n\n"
     "Examples:\n"
     "  kivtools data show lines.kdp\n"
+    "  kivtools data show --sort \"partner, total desc\" --limit 10 lines.kdp\n"
     "  kivtools data changes --json to-send.kdp\n"
     "  kivtools data check lines.kdp\n",
     "FILE.kdp este ce salvează aplicațiile dintr-un set de date, sau o deltă pe care o trimit. Un jurnal alături,\n"
@@ -34,128 +42,14 @@ constexpr Phrase kDetails = {
     "            stricat sau jurnalul lui este retezat\n\n"
     "Exemple:\n"
     "  kivtools data show lines.kdp\n"
+    "  kivtools data show --sort \"partner, total desc\" --limit 10 lines.kdp\n"
     "  kivtools data changes --json to-send.kdp\n"
     "  kivtools data check lines.kdp\n"};
 
-constexpr std::array<std::string_view, 4> kStates = {"unmodified", "inserted", "modified", "deleted"};
-constexpr std::array<std::string_view, 4> kMarks = {"  ", "+ ", "* ", "- "};
 constexpr std::array<std::string_view, 3> kKinds = {"inserted", "modified", "deleted"};
 
-std::string ForPeople(const DataFile::Shown& value) {
-  return value ? ShownName(*value) : "null";
-}
-
-std::string ForMachines(const DataFile::Shown& value) {
-  return value ? JsonString(*value) : "null";
-}
-
-/// What a person reads for kKinds, of one row and of several.
+/// What a person reads for kKinds.
 constexpr std::array<Phrase, 3> kRowWas = {{{"inserted", "adăugat"}, {"modified", "modificat"}, {"deleted", "șters"}}};
-constexpr std::array<Phrase, 3> kRowsWere = {
-    {{"inserted", "adăugate"}, {"modified", "modificate"}, {"deleted", "șterse"}}};
-
-/// What the file is, in one line. Example: "linii: 3 rows (1 inserted), 4 changes in the log".
-std::string Summary(const DataFile& file) {
-  if (file.IsDelta()) {
-    return ShownName(file.Name()) + ": " + Say({"a delta", "o deltă"}).Text();
-  }
-  const std::size_t rows =
-      file.CountOf(KIV_ROW_UNMODIFIED) + file.CountOf(KIV_ROW_INSERTED) + file.CountOf(KIV_ROW_MODIFIED);
-  std::string summary = ShownName(file.Name()) + ": " + Counted(rows, {{"row", "rând"}, {"rows", "rânduri"}}).Text();
-  std::string separator = " (";
-  for (std::int32_t state = KIV_ROW_INSERTED; state <= KIV_ROW_DELETED; ++state) {
-    if (const std::size_t count = file.CountOf(state); count > 0) {
-      summary += separator;
-      summary += Say({"{0} {1}", "{1}: {0}"}, count, kRowsWere.at(static_cast<std::size_t>(state) - 1));
-      separator = ", ";
-    }
-  }
-  summary += separator == ", " ? ")" : "";
-  summary += Say({", {0} in the log", ", {0} în istoric"},
-                 Counted(file.LogLength(), {{"change", "modificare"}, {"changes", "modificări"}}));
-  if (file.Replayed() > 0) {
-    summary += Say({", {0} from the journal", ", {0} din jurnal"},
-                   Counted(file.Replayed(), {{"edit", "operație"}, {"edits", "operații"}}));
-  }
-  if (file.LostBytes() > 0) {
-    summary += Say({", {0} of the journal lost", ", {0} din jurnal pierduți"}, Counted(file.LostBytes(), kBytes));
-  }
-  return summary;
-}
-
-/// The columns of a table whose widths the first rows decide; what is wider later sticks out.
-class Table {
- public:
-  Table(Output& out, const DataFile& file) : out_(out) {
-    std::vector<std::string> names;
-    for (const DataFile::Field& field : file.Fields()) {
-      names.push_back(field.name);
-      isNumber_.push_back(field.type <= KIV_FIELD_DOUBLE || field.type == KIV_FIELD_AUTO_INC);
-    }
-    Add("  ", std::move(names));
-  }
-
-  void Add(std::string_view mark, std::vector<std::string> cells) {
-    waiting_.emplace_back(mark, std::move(cells));
-    if (!widths_.empty() || waiting_.size() > kRowsThatDecide) {
-      Flush();
-    }
-  }
-
-  void Flush() {
-    if (widths_.empty()) {
-      widths_.resize(isNumber_.size());
-      for (const auto& row : waiting_) {
-        for (std::size_t i = 0; i < row.second.size(); ++i) {
-          widths_[i] = std::max(widths_[i], DisplayWidth(row.second[i]));
-        }
-      }
-    }
-    for (const auto& row : waiting_) {
-      std::string line(row.first);
-      for (std::size_t i = 0; i < row.second.size(); ++i) {
-        line += (i == 0 ? "" : "  ") + (isNumber_[i] ? PadStart : PadEnd)(row.second[i], widths_[i]);
-      }
-      line.erase(line.find_last_not_of(' ') + 1);
-      out_.Write(line + "\n");
-    }
-    waiting_.clear();
-  }
-
- private:
-  static constexpr std::size_t kRowsThatDecide = 1000;
-  Output& out_;
-  std::vector<bool> isNumber_;
-  std::vector<std::size_t> widths_;
-  std::vector<std::pair<std::string_view, std::vector<std::string>>> waiting_;
-};
-
-void ShowRows(Output& out, const DataFile& file) {
-  out.Write(Summary(file) + "\n");
-  Table table(out, file);
-  file.ForEachRow([&](std::int32_t state, const std::vector<DataFile::Shown>& values) {
-    std::vector<std::string> cells(values.size());
-    std::ranges::transform(values, cells.begin(), ForPeople);
-    table.Add(kMarks.at(static_cast<std::size_t>(state)), std::move(cells));
-  });
-  table.Flush();
-}
-
-void ShowRowsAsJson(Output& out, const DataFile& file) {
-  out.Write("{\"name\": " + JsonString(file.Name()) + ", \"rows\": [");
-  std::string separator = "\n  ";
-  file.ForEachRow([&](std::int32_t state, const std::vector<DataFile::Shown>& values) {
-    std::string row = separator + "{\"state\": " + JsonString(kStates.at(static_cast<std::size_t>(state)));
-    row += ", \"values\": {";
-    for (std::size_t i = 0; i < values.size(); ++i) {
-      row += (i == 0 ? "" : ", ") + JsonString(file.Fields()[i].name) + ": " + ForMachines(values[i]);
-    }
-    out.Write(row + "}}");
-    separator = ",\n  ";
-  });
-  out.Write("]}\n");
-}
-
 /// Which row it is. Example: "linii id=17".
 std::string KeyOf(const DataFile& file, const DataFile::Change& change) {
   std::string key = ShownName(file.Name());
@@ -204,24 +98,14 @@ void ShowChangesAsJson(Output& out, const DataFile& file) {
   out.Write("]}\n");
 }
 
-int RunShow(Session& session, const std::string& name, bool json) {
+int RunChanges(Session& session, const std::string& name, const Arguments& arguments) {
   const DataFile file(session.Lib(), PathFromUtf8(name));
-  if (file.IsDelta()) {
-    throw InputError(Say(
-        {"{0} is a delta; \"kivtools data changes\" shows it", "{0} este o deltă; o arată \"kivtools data changes\""},
-        ShownName(name)));
-  }
-  (json ? ShowRowsAsJson : ShowRows)(session.out, file);
+  (arguments.Has("json") ? ShowChangesAsJson : ShowChanges)(session.out, file);
   return kDone;
 }
 
-int RunChanges(Session& session, const std::string& name, bool json) {
-  const DataFile file(session.Lib(), PathFromUtf8(name));
-  (json ? ShowChangesAsJson : ShowChanges)(session.out, file);
-  return kDone;
-}
-
-int RunCheck(Session& session, const std::string& name, bool json) {
+int RunCheck(Session& session, const std::string& name, const Arguments& arguments) {
+  const bool json = arguments.Has("json");
   const std::string beginning = "{\"file\": " + JsonString(name) + ", \"whole\": ";
   try {
     const DataFile file(session.Lib(), PathFromUtf8(name));
@@ -242,9 +126,9 @@ int RunCheck(Session& session, const std::string& name, bool json) {
 
 struct Action {
   std::string_view name;
-  int (*run)(Session&, const std::string&, bool);
+  int (*run)(Session& session, const std::string& name, const Arguments& arguments);
 };
-constexpr std::array<Action, 3> kActions = {{{"show", RunShow}, {"changes", RunChanges}, {"check", RunCheck}}};
+constexpr std::array<Action, 3> kActions = {{{"show", ShowData}, {"changes", RunChanges}, {"check", RunCheck}}};
 constexpr auto kActionNames = [] {
   std::array<std::string_view, kActions.size()> names;
   std::ranges::transform(kActions, names.begin(), &Action::name);
@@ -259,9 +143,14 @@ int RunData(Session& session, const Arguments& arguments) {
     throw InputError(
         Say({"{0} is none of show, changes, check", "{0} nu este show, changes sau check"}, Shown(action)));
   }
+  for (const Option& option : kOptions) {
+    if (option.name != "json" && action != "show" && arguments.Has(option.name)) {
+      throw InputError(Say({"--{0} is for show", "--{0} este pentru show"}, option.name));
+    }
+  }
   // Says why a file cannot be read in the system's words, and never waits for the writer of a pipe.
   InputStream::Open(PathFromUtf8(file), InputStream::What::File);
-  return found->run(session, file, arguments.Has("json"));
+  return found->run(session, file, arguments);
 }
 
 constexpr Command kCommand = {

@@ -12,6 +12,7 @@
 #include "kivtools/Export.h"
 #include "kivtools/Types.h"
 #include "kivtools/dataset/Dataset.h"
+#include "kivtools/dataset/Filter.h"
 
 namespace kiv {
 
@@ -41,7 +42,8 @@ class CursorBookmark {
 /// whoever makes it, also those that are taken back:
 ///
 /// - its row changes its place in the order: the cursor goes with it;
-/// - its row is deleted or leaves the range: the cursor stands on the row that came after it, behind the last if there
+/// - its row is deleted, leaves the range or does not pass the filter any more: the cursor stands on the row that came
+/// after it, behind the last if there
 ///   was none; when an undo brings the row back the cursor stays where it is;
 /// - rows are loaded or Compact() numbers them anew: it stays on its row.
 ///
@@ -72,6 +74,16 @@ class Cursor {
   KIV_API void OrderBy(TextView order);
   /// The order; what its fields have anyway is left out. Example: "partener nocase, data desc nulls last".
   [[nodiscard]] KIV_API Text Order() const;
+
+  /// From now on there are only the rows that pass a condition, which docs/filters.md describes, as they come to pass
+  /// it and cease to. The cursor stays on its row, or stands before the first if that does not pass. Throws FilterError
+  /// for a text that is no condition and for a row in which it has no value; where an edit gives such a row, the next
+  /// use of the cursor throws, until another edit has put it right.
+  ///
+  ///     cursor.Filter("suma > :prag", {{"prag", 1000_lei}});
+  KIV_API void Filter(TextView condition, const FilterParameters& parameters = {});
+  /// Ends the filter. Example: `Count()` is RowCount() of the dataset afterwards.
+  KIV_API void ClearFilter();
 
   /// Goes to the first row; false, and behind the last, if there is none. This and all that moves throws Error while an
   /// edit is open.
@@ -129,6 +141,9 @@ class Cursor {
   [[nodiscard]] KIV_API CursorBookmark Bookmark() const;
   /// The row that it stands on. Throws Error on no row.
   [[nodiscard]] KIV_API RowId Row() const;
+
+  /// The field at that place of the dataset's schema, from 0. Throws ListIndexError beyond the last.
+  [[nodiscard]] KIV_API FieldRef FieldAt(std::size_t index) const;
 
   // The getters give what those of DatasetView give for Row(); while an edit is open the values that it proposes.
 

@@ -8,6 +8,7 @@
 #include <map>
 
 #include "platform/FailingCalls.h"
+#include "platform/FileCopy.h"
 #include "platform/Files.h"
 #include "platform/FolderEntries.h"
 #include "platform/TestFolder.h"
@@ -133,6 +134,36 @@ TEST(PosixFolders, CountAsFlushedWhereTheFileSystemHasNoSuchThing) {
   for (const auto& [code, told] : {std::pair{EINVAL, 0}, {EIO, EIO}}) {
     const FailingCalls failing(0, code);
     EXPECT_EQ(open.Flush().Code(), told);
+  }
+}
+
+/// Lets the system's own copy of a range fail.
+class NoOwnCopy : public SystemCallGate {
+ public:
+  explicit NoOwnCopy(std::int32_t code) : code_(code) {}
+  SystemStatus Before(SystemCall call) noexcept override { return SystemStatus(call == SystemCall::Copy ? code_ : 0); }
+
+ private:
+  std::int32_t code_;
+  Replacement<SystemCallGate> inUse_{system_call_service, *this};
+};
+
+TEST(PosixFileCopy, ReadsAndWritesOnlyWhereTheSystemHasNoCopyOfItsOwn) {
+  const TestFolder folder;
+  const std::string content(3 << 20, 'a');
+  WriteWhole(folder / "a", content);
+  Folder at;
+  ASSERT_EQ(at.Open(Folder::Working(), folder.Path()).Code(), 0);
+  for (const int code : {0, EXDEV, EINVAL, ENOSYS, EOPNOTSUPP, EPERM, EBADF, ETXTBSY, EIO, ENOSPC}) {
+    const NoOwnCopy gate(code);
+    CopyHints hints;
+    const bool isDamage = code == EIO || code == ENOSPC;
+    EXPECT_EQ(CopyEntry(at, "a", EntryKind::File, at, "b", hints).Code(), isDamage ? code : 0) << code;
+    EXPECT_EQ(std::filesystem::exists(folder / "b"), !isDamage) << code;
+    if (!isDamage) {
+      EXPECT_TRUE(ReadWhole(folder / "b") == content) << code;
+      std::filesystem::remove(folder / "b");
+    }
   }
 }
 

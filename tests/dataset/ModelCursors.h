@@ -91,13 +91,13 @@ class ModelCursors {
       if (standing.row) {
         ASSERT_EQ(standing.cursor.Row(), RowId{*standing.row}) << standing.kind.order;
       } else if (standing.cursor.First()) {
-        standing.cursor.GoTo(step % standing.cursor.Count());
+        standing.cursor.GoTo(static_cast<std::size_t>(step % standing.cursor.Count()));
         standing.row = static_cast<std::uint32_t>(standing.cursor.Row());
       }
       standing.isNew = false;
     }
     if (step % 4 == 0) {
-      CheckOrder(cursors_[step / 4 % cursors_.size()], rows);
+      CheckOrder(cursors_[static_cast<std::size_t>(step / 4 % cursors_.size())], rows);
     }
   }
 

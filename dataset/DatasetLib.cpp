@@ -3,7 +3,10 @@
 #include <algorithm>
 
 #include "core/Units.h"
-#include "kivtools/dataset/Packet.h"
+#include "kivtools/Ascii.h"
+#include "kivtools/dataset/Csv.h"
+#include "kivtools/dataset/Xml.h"
+#include "platform/Paths.h"
 
 namespace kiv {
 namespace {
@@ -12,8 +15,12 @@ namespace {
 class OwnEngine final : public DatasetEngine {
  public:
   [[nodiscard]] TextView Name() const noexcept override { return "DatasetLib"; }
-  [[nodiscard]] StringList Formats() const override { return {"kdp"}; }
-  [[nodiscard]] Dataset Load(const std::filesystem::path& path) const override { return LoadBinary(path); }
+  [[nodiscard]] StringList Formats() const override { return {"kdp", "xml", "csv"}; }
+  [[nodiscard]] Dataset Load(const std::filesystem::path& path) const override {
+    Text ending = platform::TextFromPath(path.extension());
+    std::ranges::transform(ending, ending.begin(), ascii::ToLower<char>);
+    return ending == ".xml" ? LoadXml(path) : ending == ".csv" ? LoadCsv(path) : LoadBinary(path);
+  }
 };
 
 std::vector<const DatasetEngine*>& Engines() {

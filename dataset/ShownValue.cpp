@@ -2,6 +2,7 @@
 #include <charconv>
 
 #include "core/Numbers.h"
+#include "dataset/packet/Unicode.h"
 #include "dataset/store/SchemaData.h"
 #include "kivtools/Text.h"
 #include "kivtools/dataset/Schema.h"
@@ -52,38 +53,6 @@ std::string ShownNumber(double number) {
   return {digits.data(), end};
 }
 
-void AppendUtf8(std::string& shown, char32_t character) {
-  const auto follow = [&](unsigned shift) { shown += static_cast<char>(0x80U | (character >> shift & 0x3FU)); };
-  if (character < 0x80) {
-    shown += static_cast<char>(character);
-  } else if (character < 0x800) {
-    shown += static_cast<char>(0xC0U | character >> 6U);
-    follow(0);
-  } else if (character < 0x10000) {
-    shown += static_cast<char>(0xE0U | character >> 12U);
-    follow(6);
-    follow(0);
-  } else {
-    shown += static_cast<char>(0xF0U | character >> 18U);
-    follow(12);
-    follow(6);
-    follow(0);
-  }
-}
-
-/// Pairs are whole: a field holds no others.
-std::string ShownWide(std::u16string_view wide) {
-  std::string shown;
-  for (std::size_t i = 0; i < wide.size(); ++i) {
-    char32_t character = wide[i];
-    if ((character & 0xFC00U) == 0xD800U && i + 1 < wide.size()) {
-      character = 0x10000U + ((character & 0x3FFU) << 10U) + (char32_t{wide[++i]} & 0x3FFU);
-    }
-    AppendUtf8(shown, character);
-  }
-  return shown;
-}
-
 std::string ShownGuid(const Guid& guid) {
   const std::array<std::uint64_t, 2> halves = {
       std::uint64_t{guid.data1} << 32U | std::uint64_t{guid.data2} << 16U | guid.data3, [&] {
@@ -121,7 +90,7 @@ std::string ShownValue(FieldType type, const ValueView& value) {
         } else if constexpr (std::is_same_v<Held, TextView>) {
           shown = ToUtf8(held, DiacriticForm::CommaBelow);
         } else if constexpr (std::is_same_v<Held, std::u16string_view>) {
-          shown = ShownWide(held);
+          AppendUtf8(shown, held);
         } else if constexpr (std::is_same_v<Held, Guid>) {
           shown = ShownGuid(held);
         } else if constexpr (std::is_same_v<Held, BytesView>) {

@@ -20,7 +20,9 @@
 #include "kivtools/Types.h"
 #include "kivtools/WideTools.h"
 #include "kivtools/WinUtil.h"
-#include "kivtools/dataset/Packet.h"
+#include "kivtools/dataset/Csv.h"
+#include "kivtools/dataset/Difference.h"
+#include "kivtools/dataset/Xml.h"
 #include "kivtools/kiv.h"
 #include "platform/Paths.h"
 #include "platform/TestFolder.h"
@@ -235,6 +237,11 @@ Text OfFiles(std::uint32_t number) {
   all += Shown(ContentOf(folder / "linii.kdp") == PacketContent::Dataset);
   SaveDelta(dataset.Changes().MakeDelta(), folder / "diferenta.kdp");
   all += Shown(static_cast<double>(LoadDelta(folder / "diferenta.kdp").Count()));
+  SaveXml(dataset, folder / "linii.xml");
+  const Dataset fromXml = LoadXml(folder / "linii.xml");
+  all += Shown(static_cast<double>(Difference(dataset, fromXml).ChangeCount()));
+  SaveCsv(dataset, folder / "linii.csv");
+  all += LoadCsv(folder / "linii.csv").GetText(RowId{0}, "nume");
   RecursiveDelete(at(""));
   return all + Shown(std::filesystem::exists(folder));
 }
@@ -328,7 +335,12 @@ constexpr Operation kOperations[] = {
       const Dataset read = ReadBinary(source);
       WriteDelta(dataset.Changes().MakeDelta(), sink);
       const Delta delta = ReadDelta(source);
-      return Text(read.GetText(RowId{0}, "nume")) + ShownValue(FieldType::Text, delta.Current(0, 1));
+      WriteXml(read, sink);
+      const Dataset sameAgain = ReadXml(source);
+      WriteCsv(sameAgain, sink);
+      const Dataset again = ReadCsv(source, "linii", {.fields = {{"nume", FieldType::Text}}});
+      return Text(read.GetText(RowId{0}, "nume")) + Text(again.GetText(RowId{0}, "nume")) +
+             ShownValue(FieldType::Text, delta.Current(0, 1));
     },
 };
 

@@ -9,12 +9,22 @@
 
 namespace kivtools {
 
+namespace {
+
+bool HasOption(const Command& command, std::string_view name) noexcept {
+  return std::ranges::find(command.options, name, &Option::name) != command.options.end();
+}
+
+}  // namespace
+
 Arguments::Arguments(const Command& command, std::span<const std::string> given) {
   bool optionsEnded = false;
   while (!given.empty()) {
     const std::string& argument = given.front();
     given = given.subspan(1);
-    if (optionsEnded || !argument.starts_with("--")) {
+    if (!optionsEnded && argument == "-o" && HasOption(command, "out")) {
+      TakeOption(command, "--out", given);
+    } else if (optionsEnded || !argument.starts_with("--")) {
       values_.push_back(argument);
     } else if (argument == "--") {
       optionsEnded = true;

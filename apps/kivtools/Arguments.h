@@ -13,7 +13,8 @@ namespace kivtools {
 struct Command;
 
 /// The arguments of one command, sorted by its table of options. What begins with "--" is an option (until a lone
-/// "--"), everything else a value: so "-5" is an amount and "-" is standard input.
+/// "--"), everything else a value: so "-5" is an amount and "-" is standard input. "-o" is short for "--out" where
+/// there is that.
 class Arguments {
  public:
   /// Throws InputError, naming the argument, for unknown options, missing option values and a wrong number of values.

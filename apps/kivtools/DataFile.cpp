@@ -1,17 +1,41 @@
 #include "apps/kivtools/DataFile.h"
 
+#include <algorithm>
+
 #include "apps/kivtools/LibraryCalls.h"
 #include "apps/kivtools/system/Paths.h"
+#include "kivtools/Ascii.h"
 
 #define KIVTOOLS_ENTRY(name) library_.package_.Function<decltype(name)>(#name)
 
 namespace kivtools {
 
-DataFile::DataFile(const Library& library, const std::filesystem::path& path)
+DataFormat FormatOf(const std::filesystem::path& path) {
+  std::string ending = path.extension().string();
+  std::ranges::transform(ending, ending.begin(), [](char character) { return kiv::ascii::ToLower(character); });
+  return ending == ".csv" ? DataFormat::Csv : ending == ".xml" ? DataFormat::Xml : DataFormat::Packet;
+}
+
+DataFile::DataFile(const Library& library, const std::filesystem::path& path, const DataForm& form)
     : library_(library),
       dataset_(nullptr, KIVTOOLS_ENTRY(KivDatasetFree)),
       delta_(nullptr, KIVTOOLS_ENTRY(KivDeltaFree)) {
   const std::string name = LibraryPath(path);
+  switch (FormatOf(path)) {
+    case DataFormat::Packet:
+      LoadPacket(name);
+      break;
+    case DataFormat::Xml:
+      LoadXml(name);
+      break;
+    case DataFormat::Csv:
+      LoadCsv(name, form);
+      break;
+  }
+  ReadFields();
+}
+
+void DataFile::LoadPacket(const std::string& name) {
   std::int32_t content = 0;
   Check(KIVTOOLS_ENTRY(KivPacketContent)(name.data(), name.size(), &content));
   if (content == KIV_PACKET_DELTA) {
@@ -23,7 +47,60 @@ DataFile::DataFile(const Library& library, const std::filesystem::path& path)
     Check(KIVTOOLS_ENTRY(KivDatasetLoad)(name.data(), name.size(), &dataset, &replayed_, &lostBytes_));
     dataset_.reset(dataset);
   }
-  ReadFields();
+}
+
+void DataFile::LoadXml(const std::string& name) {
+  KivDataset* dataset = nullptr;
+  Check(KIVTOOLS_ENTRY(KivDatasetLoadXml)(name.data(), name.size(), &dataset));
+  dataset_.reset(dataset);
+}
+
+std::size_t DataFile::SaveDifference(const DataFile& after, const std::vector<std::string>& key,
+                                     const std::filesystem::path& path) const {
+  std::vector<std::string> names;
+  std::vector<const char*> pointers;
+  for (const std::string& name : key) {
+    names.push_back(library_.FromUtf8(name));
+  }
+  for (const std::string& name : names) {
+    pointers.push_back(name.c_str());
+  }
+  KivDelta* made = nullptr;
+  Check(KIVTOOLS_ENTRY(KivDatasetDifference)(dataset_.get(), after.dataset_.get(), pointers.data(), nullptr,
+                                             pointers.size(), &made));
+  const std::unique_ptr<KivDelta, decltype(KivDeltaFree)*> delta(made, KIVTOOLS_ENTRY(KivDeltaFree));
+  const std::string name = LibraryPath(path);
+  Check(KIVTOOLS_ENTRY(KivDeltaSave)(delta.get(), name.data(), name.size(), 0));
+  return static_cast<std::size_t>(KIVTOOLS_ENTRY(KivDeltaCount)(delta.get()));
+}
+
+void DataFile::LoadCsv(const std::string& name, const DataForm& form) {
+  const std::unique_ptr<KivSchema, decltype(KivSchemaFree)*> types(KIVTOOLS_ENTRY(KivSchemaNew)(),
+                                                                   KIVTOOLS_ENTRY(KivSchemaFree));
+  for (const DataForm::Column& column : form.columns) {
+    const std::string columnName = library_.FromUtf8(column.name);
+    Check(KIVTOOLS_ENTRY(KivSchemaAddField)(types.get(), columnName.data(), columnName.size(), column.type, 0, 0));
+  }
+  const std::string datasetName = library_.FromUtf8(form.name);
+  KivDataset* dataset = nullptr;
+  Check(KIVTOOLS_ENTRY(KivDatasetLoadCsv)(name.data(), name.size(), datasetName.data(), datasetName.size(), types.get(),
+                                          form.separator, form.csv, &dataset));
+  dataset_.reset(dataset);
+}
+
+void DataFile::Save(const std::filesystem::path& path, const DataForm& form) const {
+  const std::string name = LibraryPath(path);
+  switch (FormatOf(path)) {
+    case DataFormat::Packet:
+      Check(KIVTOOLS_ENTRY(KivDatasetSave)(dataset_.get(), name.data(), name.size(), 0));
+      break;
+    case DataFormat::Xml:
+      Check(KIVTOOLS_ENTRY(KivDatasetSaveXml)(dataset_.get(), name.data(), name.size(), 0));
+      break;
+    case DataFormat::Csv:
+      Check(KIVTOOLS_ENTRY(KivDatasetSaveCsv)(dataset_.get(), name.data(), name.size(), form.separator, form.csv, 0));
+      break;
+  }
 }
 
 void DataFile::Check(KivStatus status) const {
@@ -34,7 +111,9 @@ void DataFile::Check(KivStatus status) const {
   std::int32_t chunk = 0;
   std::uint64_t offset = 0;
   KIVTOOLS_ENTRY(KivLastErrorPlace)(&chunk, &offset);
-  throw DamagedFile(library_.Text(KIVTOOLS_ENTRY(KivLastErrorMessage)), chunk, offset);
+  DamagedFile damaged(library_.Text(KIVTOOLS_ENTRY(KivLastErrorMessage)), chunk, offset);
+  KIVTOOLS_ENTRY(KivLastErrorLine)(&damaged.line, &damaged.column);
+  throw damaged;
 }
 
 void DataFile::ReadFields() {

@@ -21,7 +21,27 @@ class DamagedFile : public LibraryError {
 
   std::int32_t chunk;  ///< -1 outside of them all
   std::uint64_t offset;
+  std::uint64_t line = 0;  ///< of a text, from 1
+  std::uint64_t column = 0;
 };
+
+/// What a file of text does not say of itself.
+struct DataForm {
+  /// What is known of a column.
+  struct Column {
+    std::string name;
+    std::int32_t type;  ///< KIV_FIELD_...
+  };
+  std::vector<Column> columns;
+  std::string name;            ///< of the dataset; that of the file where it is empty
+  std::int32_t separator = 0;  ///< 0: what stands in the header when it is read, a comma when it is written
+  std::int32_t csv = 0;        ///< KIV_CSV_...
+};
+
+/// The forms of files of data.
+enum class DataFormat : std::uint8_t { Packet, Xml, Csv };
+/// By the file's ending, case apart; a packet where it is none of a text's.
+DataFormat FormatOf(const std::filesystem::path& path);
 
 /// A file of the dataset engine: a dataset with its journal, or a delta. Texts are UTF-8.
 class DataFile {
@@ -45,7 +65,7 @@ class DataFile {
   };
 
   /// Loads the file. Throws DamagedFile and LibraryError.
-  DataFile(const Library& library, const std::filesystem::path& path);
+  DataFile(const Library& library, const std::filesystem::path& path, const DataForm& form = {});
 
   [[nodiscard]] bool IsDelta() const noexcept { return dataset_ == nullptr; }
   [[nodiscard]] const std::string& Name() const noexcept { return name_; }
@@ -57,6 +77,14 @@ class DataFile {
   /// How many edits of the journal were done again, and the bytes of it that were lost.
   [[nodiscard]] std::uint64_t Replayed() const noexcept { return replayed_; }
   [[nodiscard]] std::uint64_t LostBytes() const noexcept { return lostBytes_; }
+
+  /// Saves a dataset in the form that the file's ending names. Throws LibraryError.
+  void Save(const std::filesystem::path& path, const DataForm& form) const;
+
+  /// The delta that makes the rows of `after` of this dataset's, by the fields that tell rows apart, saved. Returns how
+  /// many rows it has. Throws LibraryError.
+  std::size_t SaveDifference(const DataFile& after, const std::vector<std::string>& key,
+                             const std::filesystem::path& path) const;
 
   /// Makes the rows what they were before all changes.
   void TakeBackChanges();
@@ -78,6 +106,9 @@ class DataFile {
 
  private:
   void Check(KivStatus status) const;
+  void LoadPacket(const std::string& name);
+  void LoadXml(const std::string& name);
+  void LoadCsv(const std::string& name, const DataForm& form);
   void ReadFields();
   [[nodiscard]] Shown RowValue(std::uint32_t row, std::size_t field) const;
   [[nodiscard]] Shown TicketValue(std::uint32_t ticket, std::size_t field, bool original) const;

@@ -38,8 +38,12 @@ std::string HelpOfCommand(const Command& command) {
   if (!command.options.empty()) {
     help += Say({"\nOptions:\n", "\nOpțiuni:\n"});
   }
+  std::size_t width = 16;
   for (const Option& option : command.options) {
-    help += "  " + PadEnd(UsageOf(option), 16) + Say(option.help).Text() + "\n";
+    width = std::max(width, UsageOf(option).size() + 1);
+  }
+  for (const Option& option : command.options) {
+    help += "  " + PadEnd(UsageOf(option), width) + Say(option.help).Text() + "\n";
   }
   return help.append("\n").append(HelpOfValues(command)).append(Say(command.details));
 }

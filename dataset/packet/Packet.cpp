@@ -7,6 +7,7 @@
 
 #include "dataset/packet/DatasetReader.h"
 #include "dataset/packet/DatasetWriter.h"
+#include "dataset/packet/FileSource.h"
 #include "dataset/packet/JournalReader.h"
 #include "dataset/packet/PacketFile.h"
 #include "dataset/store/Random.h"
@@ -16,8 +17,6 @@
 namespace kiv {
 
 namespace {
-
-constexpr std::size_t kBuffer = std::size_t{64} * 1024;
 
 /// What was read: contents, and of a delta its identity.
 struct ReadPacket {
@@ -64,62 +63,34 @@ void Write(const Delta& delta, const PacketSink& sink, std::span<const PacketNot
   packet::DatasetWriter(delta, chunks).Write(notes);
 }
 
-template <class Content>
-std::uint64_t Save(const Content& content, const std::filesystem::path& path, const SaveOptions& options,
-                   TextView operation, packet::SaveLock& lock) {
+/// Saves what `write` gives to a sink; `whole` is called before the file gets its name.
+template <class WriteTo, class Whole>
+void SaveFile(const std::filesystem::path& path, const SaveOptions& options, TextView operation, WriteTo&& write,
+              Whole&& whole) {
   platform::SafeFile file;
   file.Create(path).OrThrow(operation, path);
-  const std::uint64_t identity = NewIdentity();
-  Write(
-      content, [&](std::span<const std::uint8_t> bytes) { file.Content().Write(bytes).OrThrow(operation, path); },
-      options.notes, identity);
-  lock.LetReplace();
+  write([&](std::span<const std::uint8_t> bytes) { file.Content().Write(bytes).OrThrow(operation, path); });
+  whole();
   file.Commit(options.flush ? platform::Durability::Flushed : platform::Durability::Written,
               options.backup ? platform::Backup::Kept : platform::Backup::None)
       .OrThrow(operation, path);
-  return identity;
 }
 
-/// Gives a file's bytes; small reads share one call of the system.
-class FileSource {
- public:
-  FileSource(platform::File& file, const std::filesystem::path& path, TextView operation)
-      : file_(file), path_(path), operation_(operation), buffer_(kBuffer) {}
-
-  std::size_t Read(std::span<std::uint8_t> into) {
-    if (at_ == size_ && into.size() >= buffer_.size()) {
-      return ReadFile(into);
-    }
-    if (at_ == size_) {
-      size_ = ReadFile(buffer_);
-      at_ = 0;
-    }
-    const std::size_t count = std::min(into.size(), size_ - at_);
-    std::copy_n(buffer_.data() + at_, count, into.data());
-    at_ += count;
-    return count;
-  }
-
- private:
-  std::size_t ReadFile(std::span<std::uint8_t> into) {
-    std::size_t count = 0;
-    file_.Read(into, count).OrThrow(operation_, path_);
-    return count;
-  }
-
-  platform::File& file_;
-  const std::filesystem::path& path_;
-  TextView operation_;
-  std::vector<std::uint8_t> buffer_;
-  std::size_t at_ = 0;
-  std::size_t size_ = 0;
-};
+template <class Content>
+std::uint64_t Save(const Content& content, const std::filesystem::path& path, const SaveOptions& options,
+                   TextView operation, packet::SaveLock& lock) {
+  const std::uint64_t identity = NewIdentity();
+  SaveFile(
+      path, options, operation, [&](const PacketSink& sink) { Write(content, sink, options.notes, identity); },
+      [&] { lock.LetReplace(); });
+  return identity;
+}
 
 ReadPacket Load(const std::filesystem::path& path, const ReadLimits& limits, packet::PacketKind kind,
                 PacketNotes* notes, TextView operation) {
   platform::File file;
   file.Open(path, platform::OpenMode::ReadFile).OrThrow(operation, path);
-  FileSource source(file, path, operation);
+  packet::FileSource source(file, path, operation);
   return Read([&](std::span<std::uint8_t> into) { return source.Read(into); }, limits, kind, notes,
               Text(operation) + ": " + platform::ShownPath(path.native()));
 }
@@ -131,9 +102,19 @@ std::uint64_t packet::SaveDataset(const DatasetView& dataset, const std::filesys
   return Save(dataset, path, options, operation, lock);
 }
 
+void packet::SaveText(const std::filesystem::path& path, const SaveOptions& options, TextView operation,
+                      const std::function<void(const PacketSink&)>& write) {
+  SaveFile(path, options, operation, write, [] {});
+}
+
 PacketError::PacketError(std::int32_t chunk, std::uint64_t offset, const std::string& message)
     : Error(message), chunk_(chunk), offset_(offset) {}
 PacketError::~PacketError() = default;
+
+TextPacketError::TextPacketError(std::uint64_t line, std::uint64_t column, std::uint64_t offset,
+                                 const std::string& message)
+    : PacketError(-1, offset, message), line_(line), column_(column) {}
+TextPacketError::~TextPacketError() = default;
 
 void WriteBinary(const DatasetView& dataset, const PacketSink& sink, std::span<const PacketNote> notes) {
   Write(dataset, sink, notes, NewIdentity());
@@ -160,7 +141,7 @@ PacketContent ContentOf(const std::filesystem::path& path) {
   constexpr TextView kOperation = "ContentOf";
   platform::File file;
   file.Open(path, platform::OpenMode::ReadFile).OrThrow(kOperation, path);
-  FileSource bytes(file, path, kOperation);
+  packet::FileSource bytes(file, path, kOperation);
   const PacketSource source = [&](std::span<std::uint8_t> into) { return bytes.Read(into); };
   const packet::ChunkReader chunks(source, Text(kOperation) + ": " + platform::ShownPath(path.native()));
   if (chunks.Kind() != packet::PacketKind::Offline && chunks.Kind() != packet::PacketKind::Delta) {

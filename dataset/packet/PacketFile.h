@@ -9,4 +9,8 @@ namespace kiv::packet {
 std::uint64_t SaveDataset(const DatasetView& dataset, const std::filesystem::path& path, const SaveOptions& options,
                           TextView operation, SaveLock& lock);
 
+/// Saves what `write` gives to a sink.
+void SaveText(const std::filesystem::path& path, const SaveOptions& options, TextView operation,
+              const std::function<void(const PacketSink&)>& write);
+
 }  // namespace kiv::packet

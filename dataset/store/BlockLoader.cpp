@@ -271,6 +271,43 @@ void BlockLoader::EndBlock() {
   blockRows_ = 0;
 }
 
+void BlockLoader::AddRow(std::span<Cell> cells, StoredState state) {
+  const std::uint32_t row = contents_.rowCount;
+  if (row >= kMostRows) {
+    throw Error(contents_.owner + ": nu mai incape niciun rand");
+  }
+  store_->MakeLoadedRowWritable(row);
+  contents_.states.MakeWritableFor(row, state == StoredState::Unmodified);
+  if (state != StoredState::Unmodified) {
+    contents_.states.Put(row, state);
+  }
+  for (std::size_t i = 0; i < cells.size(); ++i) {
+    Cell& cell = cells[i];
+    const FieldDef& field = contents_.schemaData->fields[i];
+    Column& column = contents_.columns[i];
+    if (!cell.isNull) {
+      CheckCell(field, cell, contents_.owner);
+      store_->Intern(i, cell);
+      if (field.type == FieldType::AutoInc) {
+        store_->NoteTemporary(cell);
+      }
+    } else if (!MayBeNull(field, row)) {
+      throw Error(contents_.owner + ": campul " + Quoted(field.name) + " trebuie completat");
+    }
+    column.nulls.MakeWritableFor(row, !cell.isNull);
+    column.Store(row, cell);
+  }
+  ++contents_.counts[static_cast<std::size_t>(state)];
+  ++contents_.rowCount;
+}
+
+void BlockLoader::PutOldBytes(std::size_t field, Cell& cell) {
+  if (!cell.isNull && contents_.columns[field].texts.HasDictionary()) {
+    CheckCell(contents_.schemaData->fields[field], cell, contents_.owner);
+    store_->Intern(field, cell);
+  }
+}
+
 void BlockLoader::CheckOrder(ChangeKind kind, std::uint32_t row) const {
   const std::uint32_t previous = contents_.LastRecordOf(row);
   const bool isFirst = previous == Log::kNone;

@@ -61,6 +61,12 @@ class BlockLoader {
   /// Checks the block; its rows are part of the dataset now.
   void EndBlock();
 
+  /// The other way, row by row, for readers that do not know how many there will be: no block may be there yet, or be
+  /// begun later. Fixed cells hold what their type can hold; texts and large values are put where they belong.
+  void AddRow(std::span<Cell> cells, StoredState state = StoredState::Unmodified);
+  /// Puts the bytes of an old value where AddRow puts those of a new one, so that AddRecord takes it.
+  void PutOldBytes(std::size_t field, Cell& cell);
+
   /// A value before a change: a code of the dictionary, a number of a large value, or for a field without dictionary
   /// its bytes.
   struct OldValue {

@@ -25,22 +25,6 @@ RowLoader::~RowLoader() {
   }
 }
 
-void RowLoader::MakeWritable(std::uint32_t row) {
-  if (row < store_.loadEnd_) {
-    return;
-  }
-  std::uint32_t end = kMostRows;
-  for (Column& column : contents_.columns) {
-    column.values.MakeWritable(row);
-    end = std::min(end, column.values.WritableEnd(row));
-    if (column.type == FieldType::Guid) {
-      column.more.MakeWritable(row);
-      end = std::min(end, column.more.WritableEnd(row));
-    }
-  }
-  store_.loadEnd_ = end;
-}
-
 void RowLoader::Add(std::span<const ValueView> values) {
   CheckOpen();
   const std::uint32_t row = contents_.rowCount + store_.pendingRows_;
@@ -51,7 +35,7 @@ void RowLoader::Add(std::span<const ValueView> values) {
     AppendDecimal(message, values.size());
     throw Error(row >= kMostRows ? contents_.owner + ": nu mai incape niciun rand" : message);
   }
-  MakeWritable(row);
+  store_.MakeLoadedRowWritable(row);
   for (std::size_t i = 0; i < values.size(); ++i) {
     const FieldDef& field = contents_.schemaData->fields[i];
     Cell cell;

@@ -20,7 +20,6 @@ class RowLoader {
 
  private:
   void CheckOpen() const;
-  void MakeWritable(std::uint32_t row);
 
   Store& store_;
   Contents& contents_;

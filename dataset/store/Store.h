@@ -101,6 +101,8 @@ class Store {
   std::uint32_t FindOrAddEntry(std::size_t field, std::string_view bytes);
   void DropDictionary(std::size_t field);
   void MakeRowWritable(std::uint32_t row);
+  /// Of a row behind the last one that a loader puts down: its values, not its nulls.
+  void MakeLoadedRowWritable(std::uint32_t row);
   void MakeRoomForInsert(std::uint32_t row, const KeyPlace& place);
   void MakeRoomForUpdate(std::uint32_t row);
   void MakeRoomForUndo(std::uint32_t records);

@@ -16,9 +16,10 @@ class DatasetEngine {
   virtual ~DatasetEngine() = default;
   /// The name that hosts ask for. Example: "DatasetLib".
   [[nodiscard]] virtual TextView Name() const noexcept = 0;
-  /// The data formats that Load opens, as the endings of their files. Example: {"kdp"}.
+  /// The data formats that Load opens, as the endings of their files. Example: {"kdp", "xml", "csv"}.
   [[nodiscard]] virtual StringList Formats() const = 0;
-  /// The dataset in a file of one of the formats. Throws as LoadBinary does. Example: `Load("linii.kdp").Name()`.
+  /// The dataset in a file, of the format that its ending names, case apart; a packet where it names none. Throws as
+  /// LoadBinary, LoadXml and LoadCsv do. Example: `Load("linii.kdp").Name()`.
   [[nodiscard]] virtual Dataset Load(const std::filesystem::path& path) const = 0;
 };
 

@@ -16,6 +16,7 @@
 #include "kivtools/c/Dataset.h"
 #include "kivtools/c/DatasetAggregate.h"
 #include "kivtools/c/DatasetCursor.h"
+#include "kivtools/c/DatasetExchange.h"
 #include "kivtools/c/DatasetFilter.h"
 #include "kivtools/c/DatasetPackets.h"
 #include "kivtools/c/DateArithmetic.h"

@@ -4,7 +4,7 @@
 #include <new>
 
 #include "kivtools/Package.h"
-#include "kivtools/c/DatasetPackets.h"
+#include "kivtools/c/DatasetExchange.h"
 #include "kivtools/dataset/Filter.h"
 #include "kivtools/dataset/Packet.h"
 #include "package/c/Abi.h"
@@ -20,6 +20,8 @@ struct LastError {
   std::array<char, 1024> message{};
   std::int32_t chunk = -1;
   std::uint64_t offset = 0;
+  std::uint64_t line = 0;  // 0 where it was no text
+  std::uint64_t column = 0;
 };
 
 thread_local LastError last_error;
@@ -65,8 +67,11 @@ std::int32_t ReportCurrentException(const char* operation) noexcept {
   } catch (const ListIndexError& error) {
     return Report(KIV_ERROR_LIST_INDEX, error.what());
   } catch (const PacketError& error) {
+    const auto* const text = dynamic_cast<const TextPacketError*>(&error);
     last_error.chunk = error.Chunk();
     last_error.offset = error.Offset();
+    last_error.line = text == nullptr ? 0 : text->Line();
+    last_error.column = text == nullptr ? 0 : text->Column();
     return Report(KIV_ERROR_PACKET, error.what());
   } catch (const FilterError& error) {
     last_error.chunk = -1;
@@ -115,6 +120,19 @@ KivAnswer KivLastErrorPlace(int32_t* chunk, uint64_t* offset) {
   }
   if (offset != nullptr) {
     *offset = last_error.offset;
+  }
+  return 1;
+}
+
+KivAnswer KivLastErrorLine(uint64_t* line, uint64_t* column) {
+  if (last_error.code != KIV_ERROR_PACKET || last_error.line == 0) {
+    return 0;
+  }
+  if (line != nullptr) {
+    *line = last_error.line;
+  }
+  if (column != nullptr) {
+    *column = last_error.column;
   }
   return 1;
 }

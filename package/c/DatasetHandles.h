@@ -7,9 +7,10 @@
 #include <variant>
 #include <vector>
 
-#include "kivtools/c/Dataset.h"
+#include "kivtools/c/DatasetPackets.h"
 #include "kivtools/dataset/Dataset.h"
 #include "kivtools/dataset/Loader.h"
+#include "kivtools/dataset/Packet.h"
 #include "package/c/Abi.h"
 
 /// What the handles of the dataset functions are.
@@ -57,6 +58,14 @@ inline KivAnswer GiveValue(const ValueView& value, KivFieldValue& out) {
     out = FieldValueOf(value);
   }
   return value.IsNull() ? 0 : 1;
+}
+
+/// What KIV_SAVE_... say. Throws ArgumentError.
+inline SaveOptions SaveOptionsOf(std::int32_t options) {
+  if ((options & ~(KIV_SAVE_BACKUP | KIV_SAVE_NO_FLUSH)) != 0) {
+    throw ArgumentError("options: valoare necunoscuta");
+  }
+  return {.backup = (options & KIV_SAVE_BACKUP) != 0, .flush = (options & KIV_SAVE_NO_FLUSH) == 0};
 }
 
 /// Values that a host has handed over, borrowed from it but for those in UTF-16.

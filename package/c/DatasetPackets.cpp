@@ -14,13 +14,6 @@ struct KivJournal {
 
 namespace {
 
-kiv::SaveOptions OptionsOf(std::int32_t options) {
-  if ((options & ~(KIV_SAVE_BACKUP | KIV_SAVE_NO_FLUSH)) != 0) {
-    throw ArgumentError("options: valoare necunoscuta");
-  }
-  return {.backup = (options & KIV_SAVE_BACKUP) != 0, .flush = (options & KIV_SAVE_NO_FLUSH) == 0};
-}
-
 kiv::PacketSink SinkOf(KivPacketSink sink, void* context) {
   if (sink == nullptr) {
     throw ArgumentError("sink: pointer nul");
@@ -84,7 +77,7 @@ KivStatus KivPacketContent(const char* path, size_t length, int32_t* content) {
 KivStatus KivDatasetSave(const KivDataset* dataset, const char* path, size_t length, int32_t options) {
   return Run([=] {
     kiv::SaveBinary(KIV_REQUIRED(dataset).View(), kiv::platform::PathFromText(KIV_TEXT(path, length)),
-                    OptionsOf(options));
+                    SaveOptionsOf(options));
   });
 }
 
@@ -116,7 +109,8 @@ KivStatus KivDatasetRead(KivPacketSource source, void* context, KivDataset** dat
 
 KivStatus KivDeltaSave(const KivDelta* delta, const char* path, size_t length, int32_t options) {
   return Run([=] {
-    kiv::SaveDelta(KIV_REQUIRED(delta).delta, kiv::platform::PathFromText(KIV_TEXT(path, length)), OptionsOf(options));
+    kiv::SaveDelta(KIV_REQUIRED(delta).delta, kiv::platform::PathFromText(KIV_TEXT(path, length)),
+                   SaveOptionsOf(options));
   });
 }
 
@@ -147,7 +141,7 @@ KivStatus KivJournalNew(KivDataset* dataset, const char* path, size_t length, in
     }
     result =
         new KivJournal{kiv::Journal(KIV_REQUIRED(dataset).Own(), kiv::platform::PathFromText(KIV_TEXT(path, length)),
-                                    {.flush = static_cast<kiv::JournalFlush>(flush), .save = OptionsOf(options)})};
+                                    {.flush = static_cast<kiv::JournalFlush>(flush), .save = SaveOptionsOf(options)})};
   });
 }
 

@@ -8,7 +8,8 @@
 #include "kivtools/UDepanarePointer.h"
 #include "kivtools/WideTools.h"
 #include "kivtools/WinUtil.h"
-#include "kivtools/dataset/Packet.h"
+#include "kivtools/dataset/Csv.h"
+#include "kivtools/dataset/Xml.h"
 #include "package/OnceOnly.h"
 #include "package/StartOrder.h"
 #include "platform/TestFolder.h"
@@ -73,10 +74,15 @@ TEST(Package, GlobalsLiveBetweenFirstInitializeAndLastFinalize) {
     EXPECT_TRUE(page_1250_ok);
     EXPECT_EQ(page_1250_replace, 1250);
     ASSERT_NE(FindDatasetEngine("DatasetLib"), nullptr);
-    EXPECT_EQ(FindDatasetEngine("DatasetLib")->Formats(), StringList{"kdp"});
+    EXPECT_EQ(FindDatasetEngine("DatasetLib")->Formats(), (StringList{"kdp", "xml", "csv"}));
     const TestFolder folder;
-    SaveBinary(Dataset("linii", {{"id", FieldType::AutoInc, kKey}}), folder / "linii.kdp");
-    EXPECT_EQ(FindDatasetEngine("DatasetLib")->Load(folder / "linii.kdp").Name(), "linii");
+    const Dataset lines("linii", {{"id", FieldType::AutoInc, kKey}});
+    SaveBinary(lines, folder / "linii.kdp");
+    SaveXml(lines, folder / "linii.XML");
+    SaveCsv(lines, folder / "linii.csv");
+    for (const char* name : {"linii.kdp", "linii.XML", "linii.csv"}) {
+      EXPECT_EQ(FindDatasetEngine("DatasetLib")->Load(folder / name).Name(), "linii");
+    }
 
     TempFilePath = "elsewhere";
     Finalize();

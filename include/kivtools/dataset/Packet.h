@@ -35,6 +35,26 @@ class KIV_API PacketError : public Error {
   std::uint64_t offset_;
 };
 
+/// A packet of text, CSV or XML, that is not what it has to be. Its Chunk() is -1.
+///
+///     try { LoadCsv("banca.csv"); }
+///     catch (const TextPacketError& error) { error.Line(); error.Column(); }   // 17 and 3
+class KIV_API TextPacketError : public PacketError {
+ public:
+  TextPacketError(std::uint64_t line, std::uint64_t column, std::uint64_t offset, const std::string& message);
+  ~TextPacketError() override;
+
+  /// The line with the fault, from 1.
+  [[nodiscard]] std::uint64_t Line() const noexcept { return line_; }
+  /// Of CSV the value's place in its row, from 1, 0 where it is the row that is wrong; of XML the byte within the line,
+  /// from 1.
+  [[nodiscard]] std::uint64_t Column() const noexcept { return column_; }
+
+ private:
+  std::uint64_t line_;
+  std::uint64_t column_;
+};
+
 /// The most that a packet may hold; one with more is refused before it has been given the memory.
 struct ReadLimits {
   /// Rows, deleted ones included.

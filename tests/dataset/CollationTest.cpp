@@ -3,13 +3,11 @@
 #include <utility>
 #include <vector>
 
-#include "kivtools/Types.h"
+#include "kivtools/Text.h"
 #include "kivtools/dataset/Collation.h"
 
 namespace kiv {
 namespace {
-
-using namespace kiv::literals;
 
 constexpr int SignOf(int number) {
   return (number > 0) - (number < 0);
@@ -30,17 +28,17 @@ TEST(Collation, OrdersTextsAsItsKindSays) {
         {"A", 4},
         {"\xE1", 5},
         {"ab", 6},
-        {"ă"_ro, 7},
-        {"â"_ro, 8},
+        {FromUtf8("ă"), 7},
+        {FromUtf8("â"), 8},
         {"b", 9},
         {"Sus", 10},
         {"sut", 11},
-        {"şa"_ro, 12},
-        {"Şa"_ro, 13},
-        {"şaaaaaaaaaab"_ro, 14},
-        {"şaaaaaaaaaac"_ro, 15},
+        {FromUtf8("şa"), 12},
+        {FromUtf8("Şa"), 13},
+        {FromUtf8("şaaaaaaaaaab"), 14},
+        {FromUtf8("şaaaaaaaaaac"), 15},
         {"z", 16}}},
-      {Collation::RomanianNoCase, {{"arges", 0}, {"ARGES", 0}, {"Arg\xE9s", 1}, {"Argeş"_ro, 2}}},
+      {Collation::RomanianNoCase, {{"arges", 0}, {"ARGES", 0}, {"Arg\xE9s", 1}, {FromUtf8("Argeş"), 2}}},
       {Collation::Binary,
        {{"", 0}, {Text(1, '\0'), 1}, {"Z", 2}, {"Zaaaaaaab", 3}, {"Zaaaaaaac", 4}, {"a", 5}, {"\xAA", 6}}},
   };

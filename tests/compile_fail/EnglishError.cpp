@@ -1,4 +1,4 @@
-// reason: no matching function
+// reason: no matching function | no matching conversion
 #include "apps/kivtools/InputError.h"
 
 void Refuse() {

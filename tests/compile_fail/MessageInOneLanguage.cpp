@@ -1,4 +1,4 @@
-// reason: invalid initialization of reference
+// reason: invalid initialization of reference | no matching function for call to 'Say'
 #include "apps/kivtools/Language.h"
 
 kivtools::Said Message() {

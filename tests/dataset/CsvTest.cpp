@@ -264,7 +264,7 @@ TEST(Csv, WhicheverCallFailsTheFileIsWholeAndALoadSaysSo) {
     try {
       EXPECT_EQ(LoadCsv(path).RowCount(), 50'000U);
       if (!failing.Failed()) {
-        EXPECT_GT(number, 10U) << "the file was not read twice";
+        EXPECT_GE(number, 10U) << "the file was not read twice";
         break;
       }
       EXPECT_EQ(failing.Seen().at(number), platform::SystemCall::Close) << number;

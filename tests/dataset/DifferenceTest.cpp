@@ -20,6 +20,7 @@ Dataset Of(const Rows& rows, const std::vector<FieldDef>& fields = kFields) {
   Loader loader(dataset);
   for (const auto& [key, sold] : rows) {
     std::vector<ValueView> values;
+    values.reserve(fields.size());
     for (const FieldDef& field : fields) {
       values.push_back(field.name == "cont"           ? ValueView(key.first)
                        : field.name == "an"           ? ValueView(key.second)

@@ -238,7 +238,7 @@ void XmlPull::TakeDeclaration(std::string_view declaration) {
       declaration = "?";
       return std::string();
     }
-    const std::string value(declaration.substr(1, close - 1));
+    std::string value(declaration.substr(1, close - 1));
     declaration.remove_prefix(close + 1);
     return value;
   };

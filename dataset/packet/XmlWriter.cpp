@@ -197,7 +197,7 @@ class XmlWriter {
 
   /// Large values go in pieces whose digits are whole.
   void PutBase64(std::string_view bytes) {
-    constexpr std::size_t kPiece = 3 * 4096;
+    constexpr std::size_t kPiece = 3 * std::size_t{4096};
     for (std::size_t at = 0; at < bytes.size(); at += kPiece) {
       text_.clear();
       packet::AppendBase64(text_, bytes.substr(at, kPiece));

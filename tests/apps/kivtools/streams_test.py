@@ -116,15 +116,30 @@ class Terminal:
 
     def read(self, seconds):
         end = time.monotonic() + seconds
-        while time.monotonic() < end:
+        last = 0.0
+        while (now := time.monotonic()) < end:
             if select.select([self.master], [], [], 0.02)[0]:
                 self.show(os.read(self.master, 65536))
+                last = now
+            elif now - last > 0.1:
+                self.flush()
 
     def show(self, data):
-        data = self.pending + data
-        text = data.decode("utf-8", "ignore")
-        self.pending = data[len(text.encode()):]
-        for part in re.findall(r"\r|\n|[^\r\n]+", text):
+        """What comes is cut anywhere; a line's state is one that the program meant once an end or a return follows."""
+        self.pending += data
+        whole = max(self.pending.rfind(b"\r"), self.pending.rfind(b"\n"))
+        if whole > 0:
+            self.put(self.pending[:whole])
+            self.pending = self.pending[whole:]
+
+    def flush(self):
+        """Shows what no end or return has followed for a while."""
+        text = self.pending.decode("utf-8", "ignore").encode()
+        self.put(text)
+        self.pending = self.pending[len(text):]
+
+    def put(self, data):
+        for part in re.findall(r"\r|\n|[^\r\n]+", data.decode("utf-8", "ignore")):
             if part == "\r":
                 self.column = 0
             elif part == "\n":
@@ -137,6 +152,7 @@ class Terminal:
                 self.states.add(self.lines[-1].rstrip())
 
     def result(self):
+        self.flush()
         return "\n".join(line.rstrip() for line in self.lines)
 
 

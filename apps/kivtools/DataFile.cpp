@@ -57,13 +57,11 @@ void DataFile::LoadXml(const std::string& name) {
 
 std::size_t DataFile::SaveDifference(const DataFile& after, const std::vector<std::string>& key,
                                      const std::filesystem::path& path) const {
-  std::vector<std::string> names;
-  std::vector<const char*> pointers;
-  for (const std::string& name : key) {
-    names.push_back(library_.FromUtf8(name));
-  }
-  for (const std::string& name : names) {
-    pointers.push_back(name.c_str());
+  std::vector<std::string> names(key.size());
+  std::vector<const char*> pointers(key.size());
+  for (std::size_t i = 0; i < key.size(); ++i) {
+    names[i] = library_.FromUtf8(key[i]);
+    pointers[i] = names[i].c_str();
   }
   KivDelta* made = nullptr;
   Check(KIVTOOLS_ENTRY(KivDatasetDifference)(dataset_.get(), after.dataset_.get(), pointers.data(), nullptr,

@@ -83,8 +83,8 @@ class DataFile {
 
   /// The delta that makes the rows of `after` of this dataset's, by the fields that tell rows apart, saved. Returns how
   /// many rows it has. Throws LibraryError.
-  std::size_t SaveDifference(const DataFile& after, const std::vector<std::string>& key,
-                             const std::filesystem::path& path) const;
+  [[nodiscard]] std::size_t SaveDifference(const DataFile& after, const std::vector<std::string>& key,
+                                           const std::filesystem::path& path) const;
 
   /// Makes the rows what they were before all changes.
   void TakeBackChanges();

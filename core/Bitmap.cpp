@@ -177,7 +177,9 @@ bool operator==(const Bitmap& a, const Bitmap& b) noexcept {
   if (a.width_ != b.width_ || a.height_ != b.height_ || a.format_ != b.format_) {
     return false;
   }
-  for (std::int32_t y = 0; y < a.height_; ++y) {
+  // A file may tell of two thousand million rows of nothing.
+  const std::int32_t rows = a.width_ == 0 ? 0 : a.height_;
+  for (std::int32_t y = 0; y < rows; ++y) {
     for (std::size_t at = 0; at < static_cast<std::size_t>(a.width_) * a.PixelBytes(); at += a.PixelBytes()) {
       if (std::memcmp(a.Row(y) + at, b.Row(y) + at, 3) != 0) {
         return false;

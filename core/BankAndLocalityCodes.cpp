@@ -34,9 +34,10 @@ constexpr Run Join(Run first, Run second) {
 }
 
 constexpr TextView kIban = "IBAN";
-/// Marks of characters: one bit for each letter of "IBAN", one for what cannot be in an account number.
-constexpr std::uint8_t kLettersOfIban = 0b0'1111;
-constexpr std::uint8_t kForeign = 0b1'0000;
+/// Marks of characters: one bit for each letter of "IBAN", one for what cannot be in an account number, one for blanks.
+constexpr std::uint8_t kLettersOfIban = 0b00'1111;
+constexpr std::uint8_t kForeign = 0b01'0000;
+constexpr std::uint8_t kBlank = 0b10'0000;
 
 struct Characters {
   std::array<Run, 256> runs{};
@@ -51,6 +52,7 @@ constexpr Characters MakeCharacters() {
     characters.marks[character] = 0;
   };
   accept(' ', MakeRun(0, 1));  // changes nothing wherever it is
+  characters.marks[' '] = kBlank;
   for (std::size_t digit = 0; digit < 10; ++digit) {
     accept('0' + digit, MakeRun(digit, 10));
   }
@@ -198,6 +200,17 @@ struct Parts {
   Remainder body;
 };
 
+/// The parts of an account number without blanks and without "IBAN".
+Parts PartsOfPlain(TextView account) noexcept {
+  Parts parts;
+  parts.length = account.size();
+  for (std::size_t i = 0; i < std::min(kHead, account.size()); ++i) {
+    parts.head.at(i) = &account[i];
+  }
+  parts.body = parts.body.With(account.substr(std::min(kHead, account.size())));
+  return parts;
+}
+
 Parts PartsOf(Pieces account) noexcept {
   Parts parts;
   for (const TextView piece : {account.before, account.after}) {
@@ -230,13 +243,17 @@ std::size_t RightLength(const Parts& parts) noexcept {
 
 /// The fault of an account number that has one.
 [[gnu::noinline]] CodeFault ExplainInvalid(TextView account) noexcept {
-  const auto isForeign = [](char character) {
-    return kCharacters.marks[static_cast<unsigned char>(character)] == kForeign;
-  };
-  if (const auto foreign = std::ranges::find_if(account, isForeign); foreign != account.end()) {
+  const auto markOf = [](char character) { return kCharacters.marks[static_cast<unsigned char>(character)]; };
+  std::uint8_t marks = 0;
+  for (const char character : account) {
+    marks |= markOf(character);
+  }
+  if ((marks & kForeign) != 0) {
+    const auto foreign = std::ranges::find(account, kForeign, markOf);
     return {CodeKind::Account, CodeRule::Character, static_cast<std::size_t>(foreign - account.begin())};
   }
-  const Parts parts = PartsOf(WithoutIban(account));
+  const bool plain = (marks & kBlank) == 0 && (marks & kLettersOfIban) != kLettersOfIban;
+  const Parts parts = plain ? PartsOfPlain(account) : PartsOf(WithoutIban(account));
   if (const std::size_t right = RightLength(parts); right != 0) {
     return {CodeKind::Account, CodeRule::Length, parts.length, static_cast<std::int32_t>(right)};
   }

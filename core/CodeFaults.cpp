@@ -1,6 +1,7 @@
 #include "kivtools/WinUtil/CodeFaults.h"
 
 #include <array>
+#include <utility>
 
 #include "core/Numbers.h"
 
@@ -66,29 +67,33 @@ class Sentence {
     text_.reserve(80);  // at once, for the longest
   }
 
-  [[nodiscard]] Text Write() {
+  [[nodiscard]] Text Write() && {
     switch (fault_.rule) {
       case CodeRule::None:
-        return Text(kValid.at(language_));
+        Append(kValid);
+        break;
       case CodeRule::Length:
         Append(kLengthIs);
         AppendDecimal(text_, fault_.position);
         Append(kInsteadOf);
-        return text_ + RightLengths(fault_, language_);
+        text_ += RightLengths(fault_, language_);
+        break;
       case CodeRule::Character:
         AppendPosition();
         Append(kNotAllowed.at(static_cast<std::size_t>(fault_.kind)));
-        return text_;
+        break;
       case CodeRule::FirstCharacter:
-        return Text((fault_.kind == CodeKind::Account ? kFirstLetter : kFirstDigit).at(language_));
+        Append(fault_.kind == CodeKind::Account ? kFirstLetter : kFirstDigit);
+        break;
       case CodeRule::Date:
         Append(fault_.position == kMonthAt ? kNoMonth : kNoDay);
         AppendPositionInBrackets();
-        return text_;
+        break;
       case CodeRule::CheckDigit:
-        return OfCheckDigit();
+        AppendCheckDigit();
+        break;
     }
-    Refuse("regula", static_cast<std::uint32_t>(fault_.rule));
+    return std::move(text_);
   }
 
  private:
@@ -103,7 +108,7 @@ class Sentence {
     text_ += ')';
   }
 
-  Text OfCheckDigit() {
+  void AppendCheckDigit() {
     const bool two = fault_.kind == CodeKind::Account;
     Append(fault_.expected < 0 ? kNoCheckDigit : two ? kCheckDigits : kCheckDigit);
     AppendPositionInBrackets();
@@ -111,7 +116,6 @@ class Sentence {
       Append(kShouldBe);
       AppendPadded(text_, fault_.expected, two ? 2 : 1);
     }
-    return text_;
   }
 
   const CodeFault& fault_;
@@ -127,6 +131,9 @@ Text CodeFaultText(const CodeFault& fault, MessageLanguage language) {
   }
   if (static_cast<std::size_t>(fault.kind) >= kKinds) {
     Refuse("felul de cod", static_cast<std::uint32_t>(fault.kind));
+  }
+  if (fault.rule > CodeRule::CheckDigit) {
+    Refuse("regula", static_cast<std::uint32_t>(fault.rule));
   }
   return Sentence(fault, static_cast<std::size_t>(language)).Write();
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "apps/kivtools/input/Blanks.h"
+#include "apps/kivtools/input/Bytes.h"
 #include "kivtools/Ascii.h"
 
 namespace kivtools {
@@ -14,11 +15,11 @@ bool HasRo(std::string_view code) noexcept {
 
 }  // namespace
 
+bool MayHaveGaps(std::string_view code) noexcept {
+  return HasAny(code, '-', kBlanks[0].front(), kBlanks[1].front(), kBlanks[2].front());
+}
+
 std::string WithoutGaps(std::string_view code) {
-  // Nearly all codes have none, and files have them by the million.
-  if (std::ranges::all_of(code, [](char byte) { return byte > ' ' && byte < '\x7F' && byte != '-'; })) {
-    return std::string(code);
-  }
   std::string joined;
   while (!code.empty()) {
     const std::size_t blank = BlankAtBegin(code);

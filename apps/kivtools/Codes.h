@@ -10,6 +10,9 @@ namespace kivtools {
 /// "-123" and "12--3" stay.
 std::string WithoutGaps(std::string_view code);
 
+/// Whether the code may have such gaps: nearly none does, and files have codes by the million.
+bool MayHaveGaps(std::string_view code) noexcept;
+
 /// The code without the "RO" of a VAT payer, in capitals or not, and without the blanks after it.
 /// Examples: "RO 123" and "ro123" give "123"; "DE123" stays.
 std::string_view WithoutRo(std::string_view code) noexcept;
@@ -26,6 +29,9 @@ template <class Predicate>
 bool SaysYes(const Predicate& predicate, std::string_view code, bool dropRo) {
   if (predicate(dropRo ? WithoutRo(code) : code)) {
     return true;
+  }
+  if (!MayHaveGaps(code)) {
+    return false;
   }
   const std::string plain = WithoutGaps(code);
   return plain != code && predicate(dropRo ? WithoutRo(plain) : std::string_view(plain));

@@ -98,8 +98,10 @@ class Check final : public ValueWork {
 
   /// The reason has no character that JSON would want escaped.
   void AppendReason(std::string_view value, TextBuffer& out) const override {
-    const std::string plain = WithoutGaps(value);
-    library_.AppendReason(explanation_, dropRo_ ? WithoutRo(plain) : std::string_view(plain), out);
+    const bool gaps = MayHaveGaps(value);
+    const std::string plain = gaps ? WithoutGaps(value) : std::string();
+    const std::string_view code = gaps ? plain : value;
+    library_.AppendReason(explanation_, dropRo_ ? WithoutRo(code) : code, out);
   }
 
   bool AppendMembers(std::string_view value, TextBuffer& out) const override {

@@ -2,10 +2,10 @@
 
 #include <algorithm>
 #include <array>
-#include <cstring>
 
 #include "apps/kivtools/Json.h"
 #include "apps/kivtools/input/BlockReader.h"
+#include "apps/kivtools/input/Bytes.h"
 #include "apps/kivtools/input/Lines.h"
 
 namespace kivtools {
@@ -15,33 +15,8 @@ Said NoField(std::size_t place) {
   return Say({"there is no field {0}", "câmpul {0} lipsește"}, place + 1);
 }
 
-/// Whether the text has one of the characters, none of them zero. Eight bytes are looked at together.
-bool HasAny(std::string_view text, const std::array<char, 4>& wanted) noexcept {
-  constexpr std::uint64_t kOnes = 0x0101010101010101;
-  constexpr std::uint64_t kHighs = 0x8080808080808080;
-  std::uint64_t found = 0;
-  const auto look = [&](std::uint64_t bytes) {
-    for (const char character : wanted) {
-      const std::uint64_t differences = bytes ^ (kOnes * static_cast<unsigned char>(character));
-      found |= (differences - kOnes) & ~differences & kHighs;
-    }
-  };
-  std::uint64_t bytes = 0;
-  if (text.size() < sizeof bytes) {
-    std::ranges::copy(text, reinterpret_cast<char*>(&bytes));
-    look(bytes);
-    return found != 0;
-  }
-  const std::size_t last = text.size() - sizeof bytes;
-  for (std::size_t at = 0; at < last + sizeof bytes; at += sizeof bytes) {
-    std::memcpy(&bytes, text.data() + std::min(at, last), sizeof bytes);  // the last ones may be looked at twice
-    look(bytes);
-  }
-  return found != 0;
-}
-
 void AppendField(std::string_view field, char separator, TextBuffer& out) {
-  if (!HasAny(field, {separator, '"', '\n', '\r'})) {
+  if (!HasAny(field, separator, '"', '\n', '\r')) {
     out += field;
     return;
   }

@@ -1,5 +1,6 @@
 #include "kivtools/dataset/Dataset.h"
 
+#include "dataset/query/CalculatedColumns.h"
 #include "dataset/store/Store.h"
 
 namespace kiv {
@@ -55,6 +56,26 @@ std::uint32_t Dataset::FindNumber(std::int64_t key) const {
   }
   const ValueView value(key);
   return store_->Find({&value, 1});
+}
+
+FieldRef Dataset::Calculate(TextView name, TextView expression) {
+  query::AddCalculation(*store_, name, expression);
+  return Field(name);
+}
+
+FieldRef Dataset::Lookup(FieldSelector field, Dataset& other, TextView key, TextView wanted, TextView name) {
+  const TextView own = name.empty() ? wanted : name;
+  query::AddLookup(*store_, ResolveAny(GetContents(), field), other.GetStore(), key, wanted, own);
+  return Field(own);
+}
+
+std::vector<FieldDef> Dataset::CalculatedFields() const {
+  std::vector<FieldDef> fields;
+  const auto& columns = GetContents().calculated;
+  for (std::size_t i = 0; columns != nullptr && i < columns->Count(); ++i) {
+    fields.push_back(columns->At(i).Field());
+  }
+  return fields;
 }
 
 Snapshot Dataset::TakeSnapshot() {

@@ -1,5 +1,6 @@
 #include "core/Calendar.h"
 #include "core/Numbers.h"
+#include "dataset/query/CalculatedColumns.h"
 #include "dataset/store/Contents.h"
 #include "kivtools/dataset/Dataset.h"
 
@@ -37,25 +38,56 @@ const Schema& DatasetView::GetSchema() const noexcept {
   return GetContents().schema;
 }
 
-std::size_t DatasetView::ResolveName(const Contents& contents, FieldSelector field) {
+const void* DatasetView::CalculatedOwner(const Contents& contents) noexcept {
+  // Within what tells whose a field is, so that it is nobody else's either.
+  return reinterpret_cast<const std::byte*>(contents.schemaData) + 1;
+}
+
+std::size_t DatasetView::ResolveAny(const Contents& contents, FieldSelector field) {
+  const std::size_t fields = contents.columns.size();
   if ((field.size_ & FieldSelector::kIsReference) != 0) {
-    throw Error(contents.owner + ": campul este al altui set de date");
+    const std::size_t index = field.size_ & ~FieldSelector::kIsReference;
+    if (field.owner_ != CalculatedOwner(contents)) {
+      return Resolve(contents, field);
+    }
+    if (contents.calculated == nullptr || index - fields >= contents.calculated->Count()) {
+      throw Error(contents.owner + ": o imagine nu are campuri calculate");
+    }
+    return index;
   }
   const TextView name(static_cast<const char*>(field.owner_), field.size_);
-  return store::RequireField(contents, name);
+  const auto found = query::IndexOfAny(contents, name);
+  return found ? *found : store::RequireField(contents, name);
+}
+
+std::size_t DatasetView::ResolveName(const Contents& contents, FieldSelector field) {
+  const bool isReference = (field.size_ & FieldSelector::kIsReference) != 0;
+  if (isReference && field.owner_ != CalculatedOwner(contents)) {
+    throw Error(contents.owner + ": campul este al altui set de date");
+  }
+  if (!isReference) {
+    const auto found = contents.schemaData->IndexOf({static_cast<const char*>(field.owner_), field.size_});
+    if (found) {
+      return *found;
+    }
+  }
+  const FieldDef& calculated = query::FieldAt(contents, ResolveAny(contents, field));
+  throw Error(contents.owner + ": campul " + store::Quoted(calculated.name) + " este calculat si nu se modifica");
 }
 
 FieldRef DatasetView::Field(TextView name) const {
-  return {GetContents().schemaData, static_cast<std::uint16_t>(Resolve(GetContents(), name))};
+  return FieldAt(ResolveAny(GetContents(), name));
 }
 
 FieldRef DatasetView::FieldAt(std::size_t index) const {
-  if (index >= GetContents().columns.size()) {
-    Text message = GetContents().owner + ": campul ";
+  const Contents& contents = GetContents();
+  const std::size_t fields = contents.columns.size();
+  if (index >= fields + (contents.calculated == nullptr ? 0 : contents.calculated->Count())) {
+    Text message = contents.owner + ": campul ";
     AppendDecimal(message, index);
     throw ListIndexError(message + " nu exista");
   }
-  return {GetContents().schemaData, static_cast<std::uint16_t>(index)};
+  return {index < fields ? contents.schemaData : CalculatedOwner(contents), static_cast<std::uint16_t>(index)};
 }
 
 std::size_t DatasetView::RowCount() const noexcept {
@@ -93,25 +125,18 @@ RowState DatasetView::State(RowId row) const {
   return static_cast<RowState>(GetContents().StateOf(RequireRow(GetContents(), row, true)));
 }
 
-namespace {
-
-[[noreturn]] void RefuseType(const Contents& contents, std::size_t field) {
-  throw InvalidCast(contents.owner + ": campul " + store::Quoted(contents.schemaData->fields[field].name) +
-                    " este de tip " + store::TraitsOf(contents.columns[field].type).name +
-                    " si nu se citeste ca alt fel de valoare");
-}
-
-}  // namespace
-
-const store::ColumnHead& DatasetView::LocateOrRefuse(RowId row, FieldSelector field, TypeSet types) const {
+DatasetView::Location DatasetView::LocateOrRefuse(RowId row, FieldSelector field, TypeSet types) const {
   const Contents& contents = GetContents();
-  const std::size_t index = Resolve(contents, field);
-  const store::ColumnHead& column = contents.columns[index];
-  if ((types >> static_cast<unsigned>(column.type) & 1U) == 0) {
-    RefuseType(contents, index);
+  const std::size_t index = ResolveAny(contents, field);
+  const FieldDef& definition = query::FieldAt(contents, index);
+  if ((types >> static_cast<unsigned>(definition.type) & 1U) == 0) {
+    throw InvalidCast(contents.owner + ": campul " + store::Quoted(definition.name) + " este de tip " +
+                      store::TraitsOf(definition.type).name + " si nu se citeste ca alt fel de valoare");
   }
-  RequireRow(contents, row);
-  return column;
+  const std::uint32_t number = RequireRow(contents, row);
+  const query::CalculatedColumn* const calculated = query::CalculatedAt(contents, index);
+  return calculated == nullptr ? Location{&contents.columns[index], number, false}
+                               : Location{&calculated->Show(contents, number), 0, true};
 }
 
 DateTime DatasetView::MomentAt(const store::ColumnHead& column, std::uint32_t row) noexcept {
@@ -119,50 +144,61 @@ DateTime DatasetView::MomentAt(const store::ColumnHead& column, std::uint32_t ro
                                                      : column.values.At<std::int32_t>(row));
 }
 
-TextView DatasetView::TextAt(const store::ColumnHead& column, std::uint32_t row) const noexcept {
-  if (column.IsNull(row)) {
+TextView DatasetView::TextAt(const Location& found) const noexcept {
+  const auto& column = static_cast<const store::Column&>(*found.column);
+  if (found.isCalculated) {
+    return static_cast<const query::CalculatedColumn::Shown&>(column).bytes;
+  }
+  if (column.IsNull(found.row)) {
     return {};
   }
-  const auto code = column.values.At<std::uint32_t>(row);
+  const auto code = column.values.At<std::uint32_t>(found.row);
   const store::LargeValues& large = GetContents().large;
-  return column.type == FieldType::Memo || column.type == FieldType::Blob
-             ? large.At(code)
-             : static_cast<const store::Column&>(column).texts.Read(code, large);
+  return column.type == FieldType::Memo || column.type == FieldType::Blob ? large.At(code)
+                                                                          : column.texts.Read(code, large);
 }
 
 std::u16string_view DatasetView::GetWideText(RowId row, FieldSelector field) const {
-  const std::string_view bytes = TextAt(Locate(row, field, SetOf(FieldType::WideText)), NumberOf(row));
+  const std::string_view bytes = TextAt(Locate(row, field, SetOf(FieldType::WideText)));
   return {reinterpret_cast<const char16_t*>(bytes.data()), bytes.size() / sizeof(char16_t)};
 }
 
 Guid DatasetView::GetGuid(RowId row, FieldSelector field) const {
-  const store::ColumnHead& column = Locate(row, field, SetOf(FieldType::Guid));
-  const Cell cell = static_cast<const store::Column&>(column).Load(NumberOf(row));
+  const Location found = Locate(row, field, SetOf(FieldType::Guid));
+  const Cell cell = static_cast<const store::Column&>(*found.column).Load(found.row);
   return cell.isNull ? Guid() : std::get<Guid>(store::ViewOf(FieldType::Guid, cell).Get());
 }
 
 BytesView DatasetView::GetBytes(RowId row, FieldSelector field) const {
-  const std::string_view bytes = TextAt(Locate(row, field, SetOf(FieldType::Blob, FieldType::Memo)), NumberOf(row));
+  const std::string_view bytes = TextAt(Locate(row, field, SetOf(FieldType::Blob, FieldType::Memo)));
   return {reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()};
 }
 
 ValueView DatasetView::View(RowId row, FieldSelector field) const {
-  const std::size_t index = Resolve(GetContents(), field);
-  return store::ViewOf(GetContents().columns[index].type, GetContents().Read(RequireRow(GetContents(), row), index));
+  const Contents& contents = GetContents();
+  const std::size_t index = ResolveAny(contents, field);
+  const std::uint32_t number = RequireRow(contents, row);
+  const query::CalculatedColumn* const calculated = query::CalculatedAt(contents, index);
+  return calculated == nullptr ? store::ViewOf(contents.columns[index].type, contents.Read(number, index))
+                               : store::ViewOf(calculated->Field().type, calculated->Evaluate(contents, number));
 }
 
 Value DatasetView::Get(RowId row, FieldSelector field) const {
-  const std::size_t index = Resolve(GetContents(), field);
-  return store::ValueOf(GetContents().columns[index].type, GetContents().Read(RequireRow(GetContents(), row), index));
+  return store::OwnedValue(View(row, field));
 }
 
 Value DatasetView::Original(RowId row, FieldSelector field) const {
-  const std::size_t index = Resolve(GetContents(), field);
-  const std::uint32_t number = RequireRow(GetContents(), row, true);
-  if (GetContents().StateOf(number) == StoredState::Inserted) {
-    store::RefuseRow(GetContents(), number, " este nou si nu are valori initiale");
+  const Contents& contents = GetContents();
+  const std::size_t index = ResolveAny(contents, field);
+  const std::uint32_t number = RequireRow(contents, row, true);
+  if (contents.StateOf(number) == StoredState::Inserted) {
+    store::RefuseRow(contents, number, " este nou si nu are valori initiale");
   }
-  return store::ValueOf(GetContents().columns[index].type, GetContents().ReadOriginal(number, index));
+  const auto originalOf = [&](std::uint32_t original) { return contents.ReadOriginal(number, original); };
+  const query::CalculatedColumn* const calculated = query::CalculatedAt(contents, index);
+  return calculated == nullptr
+             ? store::ValueOf(contents.columns[index].type, originalOf(static_cast<std::uint32_t>(index)))
+             : store::ValueOf(calculated->Field().type, calculated->EvaluateOf(originalOf, number));
 }
 
 }  // namespace kiv

@@ -5,6 +5,8 @@
 #include <cmath>
 
 #include "core/Numbers.h"
+#include "dataset/query/CalculatedColumns.h"
+#include "dataset/query/Lookup.h"
 #include "dataset/query/Parser.h"
 
 namespace kiv::query {
@@ -30,18 +32,16 @@ bool IsSame(const Cell& left, const Cell& right) noexcept {
 }  // namespace
 
 AggregateState::AggregateState(store::Store& store, TextView what, TextView groupBy, const FilterParameters& parameters)
-    : followers_(store.GetFollowers()), by_(ParseOrder(store.GetContents(), groupBy)), groups_(KeyBefore{this}) {
+    : followers_(store.GetFollowers()),
+      by_(ParseOrder(store.GetContents(), groupBy)),
+      keyReader_(store.GetContents(), by_),
+      groups_(KeyBefore{this}) {
   const Contents& contents = store.GetContents();
   ParseFigure(contents, what, parameters);
   for (const OrderField& field : by_) {
-    types_.push_back(contents.columns[field.field].type);
-    reads_.push_back(field.field);
+    types_.push_back(FieldAt(contents, field.field).type);
   }
-  for (const Node& node : tree_.nodes) {
-    if (node.op == Op::Field) {
-      reads_.push_back(static_cast<std::uint16_t>(node.detail));
-    }
-  }
+  reads_ = FieldsOf(tree_);
   key_.resize(by_.size());
   followers_->Add(*this);
 }
@@ -84,7 +84,7 @@ void AggregateState::ParseFigure(const Contents& contents, TextView what, const 
     figure_ = Figure::Rows;
     return;
   }
-  tree_ = Parse(*contents.schemaData, expression, parameters);
+  tree_ = Parse(contents, expression, parameters);
   kind_ = tree_.ResultKind();
   const bool isNumeric = IsNumber(kind_) || kind_ == Kind::Null;
   const bool isAllowed = figure_ == Figure::Count || (figure_ == Figure::Sum || figure_ == Figure::Average
@@ -115,9 +115,9 @@ bool AggregateState::KeyBefore::operator()(std::span<const Cell> left, const Key
   return state->CompareKeys(left, right.cells) < 0;
 }
 
-void AggregateState::ReadKey(const Contents& contents, std::uint32_t row) {
+void AggregateState::ReadKey(std::uint32_t row) {
   for (std::size_t i = 0; i < by_.size(); ++i) {
-    key_[i] = contents.Read(row, by_[i].field);
+    key_[i] = keyReader_.Read(i, row);
   }
 }
 
@@ -146,12 +146,16 @@ AggregateState::Group& AggregateState::GroupOfKey() {
 
 bool AggregateState::Concerns(const RowChange& change) const noexcept {
   return !change.wasThere || !change.isThere || std::ranges::any_of(change.fields, [this](std::uint16_t field) {
-    return std::ranges::find(reads_, field) != reads_.end();
+    return std::ranges::find(reads_, field) != reads_.end() || keyReader_.Reads(field);
   });
 }
 
+std::uint64_t AggregateState::CurrentLookupVersion() const noexcept {
+  return LookupVersion(tree_) + keyReader_.Version();
+}
+
 void AggregateState::Before(const RowChange& change) noexcept {
-  if (isStale_ || !change.wasThere || !Concerns(change)) {
+  if (!IsReady() || !change.wasThere || !Concerns(change)) {
     return;
   }
   try {
@@ -162,6 +166,7 @@ void AggregateState::Before(const RowChange& change) noexcept {
 }
 
 void AggregateState::After(const RowChange& change) noexcept {
+  isStale_ = !IsReady();  // a row that was looked up may have changed
   if (isStale_ || !change.isThere || !Concerns(change)) {
     return;
   }
@@ -173,7 +178,7 @@ void AggregateState::After(const RowChange& change) noexcept {
 }
 
 void AggregateState::Add(const Contents& contents, std::uint32_t row) {
-  ReadKey(contents, row);
+  ReadKey(row);
   Group& group = GroupOfKey();
   ++group.rows;
   if (!evaluator_) {
@@ -189,7 +194,7 @@ void AggregateState::Add(const Contents& contents, std::uint32_t row) {
 }
 
 void AggregateState::Remove(const Contents& contents, std::uint32_t row) {
-  ReadKey(contents, row);
+  ReadKey(row);
   Group& group = GroupOfKey();
   if (--group.rows == 0) {
     groups_.erase(groups_.find(std::span<const Cell>(key_)));
@@ -278,7 +283,7 @@ void AggregateState::MakeDirtyAnew(const Contents& contents) {
   }
   for (std::uint32_t row = 0; row < contents.rowCount; ++row) {
     if (contents.IsPresent(row)) {
-      ReadKey(contents, row);
+      ReadKey(row);
       if (groups_.find(std::span<const Cell>(key_))->second.isDirty) {
         Add(contents, row);
       }
@@ -291,6 +296,8 @@ void AggregateState::MakeDirtyAnew(const Contents& contents) {
 
 void AggregateState::Refresh() {
   const Contents& contents = Check();
+  const std::uint64_t version = CurrentLookupVersion();
+  isStale_ = isStale_ || version != lookupVersion_;
   if (!isStale_ && !hasDirty_) {
     return;
   }
@@ -305,12 +312,13 @@ void AggregateState::Refresh() {
   isMakingAnew_ = false;
   isStale_ = false;
   hasDirty_ = false;
+  lookupVersion_ = version;
 }
 
 void AggregateState::TellFault(const Contents& contents, const Group& group) {
   for (std::uint32_t row = 0; row < contents.rowCount; ++row) {
     if (contents.IsPresent(row)) {
-      ReadKey(contents, row);
+      ReadKey(row);
       if (&groups_.find(std::span<const Cell>(key_))->second == &group) {
         evaluator_->Evaluate(tree_.Root(), contents, row);
       }
@@ -378,7 +386,7 @@ Value AggregateState::Get(std::span<const ValueView> key) {
   }
   std::vector<Cell> cells;
   for (std::size_t i = 0; i < key.size(); ++i) {
-    cells.push_back(store::MakeCell(contents.schemaData->fields[by_[i].field], key[i], contents.owner));
+    cells.push_back(store::MakeCell(FieldAt(contents, by_[i].field), key[i], contents.owner));
   }
   static const Group kNone;
   const auto found = groups_.find(std::span<const Cell>(cells));

@@ -8,7 +8,7 @@
 
 #include "core/Int128.h"
 #include "dataset/query/Evaluator.h"
-#include "dataset/query/Order.h"
+#include "dataset/query/OrderReader.h"
 #include "dataset/store/Followers.h"
 #include "dataset/store/Store.h"
 #include "kivtools/dataset/Aggregate.h"
@@ -65,8 +65,11 @@ class AggregateState final : public store::Follower {
   [[nodiscard]] const store::Contents& Check() const;
   void ParseFigure(const store::Contents& contents, TextView what, const FilterParameters& parameters);
   [[nodiscard]] int CompareKeys(std::span<const store::Cell> left, std::span<const store::Cell> right) const noexcept;
+  [[nodiscard]] std::uint64_t CurrentLookupVersion() const noexcept;
+  /// Whether what it holds is that of the rows, be it but for groups to be gone through.
+  [[nodiscard]] bool IsReady() const noexcept { return !isStale_ && lookupVersion_ == CurrentLookupVersion(); }
   [[nodiscard]] bool Concerns(const store::RowChange& change) const noexcept;
-  void ReadKey(const store::Contents& contents, std::uint32_t row);
+  void ReadKey(std::uint32_t row);
   [[nodiscard]] bool IsKey(const Key& key) const noexcept;
   Group& GroupOfKey();
   void Add(const store::Contents& contents, std::uint32_t row);
@@ -93,6 +96,8 @@ class AggregateState final : public store::Follower {
   std::optional<Evaluator> evaluator_;
   std::vector<std::uint16_t> reads_;  // the fields that matter
   Order by_;
+  OrderReader keyReader_;
+  std::uint64_t lookupVersion_ = 0;
   Grouped groups_;
   std::vector<FieldType> types_;  // of the fields of the key
   std::vector<store::Cell> key_;  // of the row that is looked at

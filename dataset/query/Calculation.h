@@ -9,7 +9,7 @@
 namespace kiv::query {
 
 /// Why there is no result.
-enum class Fault : std::uint8_t { None, Overflow, DivisionByZero };
+enum class Fault : std::uint8_t { None, Overflow, DivisionByZero, DatasetGone };
 
 /// A value with the kind that says how to read it.
 struct Operand {

@@ -79,6 +79,12 @@ void CursorState::Update() {
   high_ = to_.cells.empty() ? index_->Count() : std::max(low_, index_->Search(to_.cells, true));
   position_.reset();
   version_ = index_->Version();
+  if (place_ == Place::On && !IsInRange(row_)) {
+    // What was looked up for its row is another now.
+    const std::uint32_t next = index_->PositionOf(row_);
+    place_ = next < high_ ? Place::On : Place::Behind;
+    row_ = next < high_ ? index_->At(next) : row_;
+  }
 }
 
 void CursorState::OrderBy(TextView order) {
@@ -213,7 +219,7 @@ std::vector<Cell> CursorState::CellsOf(std::span<const ValueView> values) const 
   }
   std::vector<Cell> cells;
   for (std::size_t i = 0; i < values.size(); ++i) {
-    cells.push_back(store::MakeCell(Contents().schemaData->fields[order[i].field], values[i], Contents().owner));
+    cells.push_back(store::MakeCell(FieldAt(Contents(), order[i].field), values[i], Contents().owner));
   }
   return cells;
 }
@@ -222,7 +228,7 @@ CursorState::Limit CursorState::LimitOf(std::span<const ValueView> values) const
   Limit limit;
   const std::vector<Cell> cells = CellsOf(values);
   for (std::size_t i = 0; i < cells.size(); ++i) {
-    limit.values.push_back(store::ValueOf(Contents().columns[index_->GetOrder()[i].field].type, cells[i]));
+    limit.values.push_back(store::ValueOf(FieldAt(Contents(), index_->GetOrder()[i].field).type, cells[i]));
   }
   // Of the values that are kept: what was given may be gone when they are compared.
   limit.cells = CellsOf(std::vector<ValueView>(limit.values.begin(), limit.values.end()));
@@ -264,8 +270,8 @@ bool CursorState::Locate(std::span<const FieldValue> values) {
   RequireNoEdit();
   std::vector<SoughtField> fields;
   for (const FieldValue& value : values) {
-    const auto index = static_cast<std::uint16_t>(DatasetView::Resolve(Contents(), value.field));
-    const FieldDef& field = Contents().schemaData->fields[index];
+    const auto index = static_cast<std::uint16_t>(DatasetView::ResolveAny(Contents(), value.field));
+    const FieldDef& field = FieldAt(Contents(), index);
     fields.push_back({{index, field.collation}, store::MakeCell(field, value.value, Contents().owner)});
   }
   Update();
@@ -293,13 +299,22 @@ std::uint32_t CursorState::Seek(std::span<const SoughtField> fields) {
     const std::uint32_t position = std::max(low_, index_->Search(cells, false));
     return position < high_ && index_->Compare(index_->At(position), cells) == 0 ? position : kNone;
   }
+  Order order;
+  for (const SoughtField& sought : fields) {
+    order.push_back(sought.by);
+  }
+  OrderReader reader(Contents(), order);
+  const auto hasAll = [&](std::uint32_t row) {
+    for (std::size_t i = 0; i < fields.size(); ++i) {
+      const FieldType type = FieldAt(Contents(), order[i].field).type;
+      if (CompareCells(order[i], type, reader.Read(i, row), fields[i].cell) != 0) {
+        return false;
+      }
+    }
+    return true;
+  };
   for (std::uint32_t position = low_; position < high_; ++position) {
-    const std::uint32_t row = index_->At(position);
-    const auto isEqual = [&](const SoughtField& sought) {
-      return CompareCells(sought.by, Contents().columns[sought.by.field].type, Contents().Read(row, sought.by.field),
-                          sought.cell) == 0;
-    };
-    if (std::ranges::all_of(fields, isEqual)) {
+    if (hasAll(index_->At(position))) {
       return position;
     }
   }
@@ -378,16 +393,32 @@ void CursorState::Delete() {
 }
 
 const Value* CursorState::Proposed(FieldSelector field) const {
-  const std::size_t index = DatasetView::Resolve(Contents(), field);
+  const std::size_t index = DatasetView::ResolveAny(Contents(), field);
+  if (const CalculatedColumn* const column = CalculatedAt(Contents(), index); column != nullptr && IsEditing()) {
+    return ProposedBy(*column);
+  }
   const auto found = std::ranges::find(proposed_, index, &std::pair<std::uint16_t, Value>::first);
   return found == proposed_.end() ? nullptr : &found->second;
 }
 
+/// What a calculated column comes to with the values of the edit.
+const Value* CursorState::ProposedBy(const CalculatedColumn& column) const {
+  const store::Contents& contents = Contents();
+  const std::uint32_t row = edit_ == EditOf::NewRow ? Evaluator::kNoRow : ReadRow();
+  const auto valueOf = [&](std::uint32_t field) {
+    const auto found = std::ranges::find(proposed_, field, &std::pair<std::uint16_t, Value>::first);
+    return found == proposed_.end()
+               ? contents.Read(row, field)
+               : store::MakeCell(contents.schemaData->fields[field], found->second, contents.owner);
+  };
+  calculated_ = store::ValueOf(column.Field().type, column.EvaluateOf(valueOf, row));
+  return &calculated_;
+}
+
 void CursorState::RefuseType(FieldSelector field) const {
-  const std::size_t index = DatasetView::Resolve(Contents(), field);
-  throw InvalidCast(Contents().owner + ": campul " + store::Quoted(Contents().schemaData->fields[index].name) +
-                    " este de tip " + store::TraitsOf(Contents().columns[index].type).name +
-                    " si nu se citeste ca alt fel de valoare");
+  const FieldDef& definition = FieldAt(Contents(), DatasetView::ResolveAny(Contents(), field));
+  throw InvalidCast(Contents().owner + ": campul " + store::Quoted(definition.name) + " este de tip " +
+                    store::TraitsOf(definition.type).name + " si nu se citeste ca alt fel de valoare");
 }
 
 // Following.

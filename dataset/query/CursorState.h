@@ -4,6 +4,7 @@
 #include <utility>
 #include <vector>
 
+#include "dataset/query/CalculatedColumns.h"
 #include "dataset/query/OrderedIndex.h"
 #include "kivtools/dataset/Cursor.h"
 
@@ -63,7 +64,7 @@ class CursorState final : public store::Follower {
   /// Whether the values of a field are of that kind.
   template <class Held>
   [[nodiscard]] bool Holds(FieldSelector field) const {
-    const FieldType type = Contents().columns[DatasetView::Resolve(Contents(), field)].type;
+    const FieldType type = FieldAt(Contents(), DatasetView::ResolveAny(Contents(), field)).type;
     return std::holds_alternative<Held>(store::ViewOf(type, {.isNull = false}).Get());
   }
   [[noreturn]] void RefuseType(FieldSelector field) const;
@@ -94,6 +95,7 @@ class CursorState final : public store::Follower {
   [[noreturn]] void Refuse(TextView why) const;
   [[nodiscard]] std::vector<store::Cell> CellsOf(std::span<const ValueView> values) const;
   [[nodiscard]] Limit LimitOf(std::span<const ValueView> values) const;
+  [[nodiscard]] const Value* ProposedBy(const CalculatedColumn& column) const;
   void Update();
   void UseFilter(std::optional<Filter> filter);
   [[nodiscard]] bool IsInRange(std::uint32_t row) const noexcept;
@@ -117,6 +119,7 @@ class CursorState final : public store::Follower {
   EditOf edit_ = EditOf::None;
   std::uint32_t editedRow_ = 0;
   std::vector<std::pair<std::uint16_t, Value>> proposed_;
+  mutable Value calculated_;  // what a getter gives that borrows
 };
 
 }  // namespace kiv::query

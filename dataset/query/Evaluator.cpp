@@ -4,6 +4,7 @@
 
 #include "core/Numbers.h"
 #include "dataset/query/Functions.h"
+#include "dataset/query/Lookup.h"
 #include "dataset/store/SchemaData.h"
 #include "kivtools/dataset/Filter.h"
 
@@ -69,13 +70,17 @@ Fault ApplyToValues(const Tree& tree, const Node& node, std::span<const Operand>
       return Fault::None;
     case Op::Call:
       return Call(node, operands, out, buffer);
+    case Op::Lookup:
+      return LookUp(*tree.lookups[node.detail], operands[0].cell, out, buffer);
     default:
       return Calculate(node.op, node.kind, operands[0], operands[1], out);
   }
 }
 
 TextView ReasonOf(Fault fault) noexcept {
-  return fault == Fault::Overflow ? "rezultatul nu incape in tipul sau: " : "impartire la zero: ";
+  return fault == Fault::Overflow         ? "rezultatul nu incape in tipul sau: "
+         : fault == Fault::DivisionByZero ? "impartire la zero: "
+                                          : "setul de date in care se cauta nu mai exista: ";
 }
 
 }  // namespace
@@ -122,7 +127,8 @@ Place Evaluator::AfterGuard(Place guard) {
 }
 
 template <class Fields>
-Fault Evaluator::Run(Place root, const Fields& fields) {
+bool Evaluator::Run(Place root, const Fields& fields) {
+  fault_ = Fault::None;
   for (Place place = tree_.nodes[root].start; place <= root;) {
     const Node& node = tree_.nodes[place];
     if (node.op == Op::Guard) {
@@ -136,35 +142,48 @@ Fault Evaluator::Run(Place root, const Fields& fields) {
       for (const Place operand : tree_.OperandsOf(node)) {
         operands_.push_back({tree_.nodes[operand].kind, values_[operand]});
       }
-      if (const Fault fault = Apply(tree_, node, operands_, values_[place], buffers_[place]); fault != Fault::None) {
+      fault_ = Apply(tree_, node, operands_, values_[place], buffers_[place]);
+      if (fault_ != Fault::None) {
         failed_ = place;
-        return fault;
+        return false;
       }
     }
     ++place;
   }
-  return Fault::None;
+  return true;
+}
+
+const Cell& Evaluator::RequireValue(Place root, std::uint32_t row) const {
+  if (fault_ == Fault::None) {
+    return values_[root];
+  }
+  const Span span = tree_.nodes[failed_].span;
+  Text message = "Filtru: " + Text(ReasonOf(fault_)) + store::Quoted(tree_.TextOf(span));
+  if (row != kNoRow) {
+    message += ", randul ";
+    AppendDecimal(message, row);
+  }
+  throw FilterError(span.from, message);
 }
 
 const Cell& Evaluator::Evaluate(Place root, const store::Contents& contents, std::uint32_t row) {
-  const Fault fault = Run(root, [&](std::uint32_t field) { return contents.Read(row, field); });
-  if (fault != Fault::None) {
-    const Span span = tree_.nodes[failed_].span;
-    Text message = "Filtru: " + Text(ReasonOf(fault)) + store::Quoted(tree_.TextOf(span)) + ", randul ";
-    AppendDecimal(message, row);
-    throw FilterError(span.from, message);
-  }
-  return values_[root];
+  Run(root, [&](std::uint32_t field) { return contents.Read(row, field); });
+  return RequireValue(root, row);
+}
+
+const Cell& Evaluator::EvaluateOf(Place root, const std::function<Cell(std::uint32_t field)>& fields,
+                                  std::uint32_t row) {
+  Run(root, fields);
+  return RequireValue(root, row);
 }
 
 const Cell* Evaluator::TryEvaluate(Place root, const store::Contents& contents, std::uint32_t row) {
-  const Fault fault = Run(root, [&](std::uint32_t field) { return contents.Read(row, field); });
-  return fault == Fault::None ? &values_[root] : nullptr;
+  return Run(root, [&](std::uint32_t field) { return contents.Read(row, field); }) ? &values_[root] : nullptr;
 }
 
 bool Evaluator::EvaluateFor(Place root, const Cell& field, const Cell*& result) {
   result = &values_[root];
-  return Run(root, [&](std::uint32_t) -> const Cell& { return field; }) == Fault::None;
+  return Run(root, [&](std::uint32_t) -> const Cell& { return field; });
 }
 
 }  // namespace kiv::query

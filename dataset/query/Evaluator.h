@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -22,22 +23,30 @@ class Evaluator {
   /// The value of the subtree that ends at `root`, borrowed until the next call. Throws FilterError, naming the node
   /// and the row, where there is none.
   const store::Cell& Evaluate(Place root, const store::Contents& contents, std::uint32_t row);
-  /// The same; null in place of a FilterError.
+  /// The same of the fields' values that are given; of a row without a number kNoRow.
+  const store::Cell& EvaluateOf(Place root, const std::function<store::Cell(std::uint32_t field)>& fields,
+                                std::uint32_t row);
+  static constexpr std::uint32_t kNoRow = 0xFFFFFFFF;
+  /// The same; null in place of a FilterError, and then LastFault() says why.
   const store::Cell* TryEvaluate(Place root, const store::Contents& contents, std::uint32_t row);
   /// The same where every field of the subtree has one value, for all rows that have it. False in place of a
   /// FilterError.
   bool EvaluateFor(Place root, const store::Cell& field, const store::Cell*& result);
+  /// Why the last evaluation had no value.
+  [[nodiscard]] Fault LastFault() const noexcept { return fault_; }
 
  private:
   template <class Fields>
-  Fault Run(Place root, const Fields& fields);
+  bool Run(Place root, const Fields& fields);
   [[nodiscard]] Place AfterGuard(Place guard);
+  [[nodiscard]] const store::Cell& RequireValue(Place root, std::uint32_t row) const;
 
   const Tree& tree_;
   std::vector<store::Cell> values_;
   std::vector<std::string> buffers_;
   std::vector<Operand> operands_;
   Place failed_ = 0;
+  Fault fault_ = Fault::None;
 };
 
 }  // namespace kiv::query

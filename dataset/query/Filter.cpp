@@ -1,5 +1,6 @@
 #include "kivtools/dataset/Filter.h"
 
+#include "dataset/query/CalculatedColumns.h"
 #include "dataset/query/Evaluator.h"
 #include "dataset/query/Parser.h"
 #include "dataset/query/Selection.h"
@@ -13,7 +14,7 @@ FilterError::~FilterError() = default;
 namespace {
 
 std::shared_ptr<const query::Tree> Compile(const DatasetView& rows, TextView text, const FilterParameters& parameters) {
-  return std::make_shared<const query::Tree>(query::Parse(*rows.GetContents().schemaData, text, parameters));
+  return std::make_shared<const query::Tree>(query::Parse(rows.GetContents(), text, parameters));
 }
 
 }  // namespace
@@ -51,7 +52,9 @@ std::size_t Filter::Count() const {
 }
 
 Value Filter::Sum(TextView field) const {
-  return query::SumRows(*tree_, *contents_, store::RequireField(*contents_, field), query::BestKernels());
+  const auto index = query::IndexOfAny(*contents_, field);
+  return query::SumRows(*tree_, *contents_, index ? *index : store::RequireField(*contents_, field),
+                        query::BestKernels());
 }
 
 }  // namespace kiv

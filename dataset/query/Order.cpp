@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "core/Numbers.h"
+#include "dataset/query/CalculatedColumns.h"
 
 namespace kiv::query {
 
@@ -90,11 +91,11 @@ class Words {
 
 OrderField ParseField(const Contents& contents, TextView text, Words& words) {
   const TextView name = words.Take();
-  const auto found = contents.schemaData->IndexOf(name);
+  const auto found = IndexOfAny(contents, name);
   if (name.empty() || !found) {
     Refuse(contents, text, name);
   }
-  const FieldDef& field = contents.schemaData->fields[*found];
+  const FieldDef& field = FieldAt(contents, *found);
   if (field.type == FieldType::Blob) {
     throw Error(contents.owner + ": campul " + store::Quoted(field.name) + " de tip Blob nu are o ordine");
   }
@@ -142,7 +143,7 @@ Order ParseOrder(const Contents& contents, TextView text) {
 Text OrderText(const Contents& contents, const Order& order) {
   Text text;
   for (const OrderField& by : order) {
-    const FieldDef& field = contents.schemaData->fields[by.field];
+    const FieldDef& field = FieldAt(contents, by.field);
     text += text.empty() ? "" : ", ";
     text += field.name;
     if (by.collation != field.collation) {
@@ -229,7 +230,7 @@ PackedKey Pack(const Contents& contents, std::span<const OrderField> order, std:
   for (std::size_t i = 0; i < cells.size(); ++i) {
     const OrderField& by = order[i];
     OrderedBits value =
-        OrderedBitsOf(contents.columns[by.field].type, by.collation, cells[i].isNull ? Cell{} : cells[i]);
+        OrderedBitsOf(FieldAt(contents, by.field).type, by.collation, cells[i].isNull ? Cell{} : cells[i]);
     if (by.isDescending) {
       value.bits = ~value.bits & (~std::uint64_t{0} >> (64 - value.width));
     }

@@ -1,5 +1,7 @@
 #include "dataset/query/OrderedIndex.h"
 
+#include "dataset/query/CalculatedColumns.h"
+#include "dataset/query/Lookup.h"
 #include "dataset/query/RowSort.h"
 
 namespace kiv::query {
@@ -21,8 +23,13 @@ OrderedIndex::OrderedIndex(store::Store& store, const Order& order, std::optiona
     : followers_(store.GetFollowers()),
       contents_(store.GetContents()),
       order_(order),
+      sought_(contents_, order_),
+      met_(contents_, order_),
       cells_(order.size()),
       filter_(std::move(filter)) {
+  for (const OrderField& by : order_) {
+    types_.push_back(FieldAt(contents_, by.field).type);
+  }
   followers_->Add(*this);
 }
 
@@ -30,8 +37,12 @@ OrderedIndex::~OrderedIndex() {
   followers_->Remove(*this);
 }
 
+std::uint64_t OrderedIndex::CurrentLookupVersion() const noexcept {
+  return met_.Version() + (filter_ ? LookupVersion(filter_->GetTree()) : 0);
+}
+
 void OrderedIndex::Repair() {
-  if (!isStale_ && !hasFailed_) {
+  if (IsReady() && !hasFailed_ && !sought_.HasFailed() && !met_.HasFailed()) {
     return;
   }
   std::vector<std::uint32_t> rows = SortedRows(contents_, order_);
@@ -40,8 +51,11 @@ void OrderedIndex::Repair() {
   }
   rows_.Assign(rows, [this](std::uint32_t row) { return KeyOf(row); });
   ++version_;
+  lookupVersion_ = CurrentLookupVersion();
   isStale_ = false;
   hasFailed_ = false;
+  sought_.ForgetFailure();
+  met_.ForgetFailure();
 }
 
 bool OrderedIndex::Admits(std::uint32_t row) const noexcept {
@@ -55,7 +69,7 @@ bool OrderedIndex::Admits(std::uint32_t row) const noexcept {
 
 void OrderedIndex::ReadCells(std::uint32_t row) noexcept {
   for (std::size_t i = 0; i < order_.size(); ++i) {
-    cells_[i] = contents_.Read(row, order_[i].field);
+    cells_[i] = sought_.TryRead(i, row);
   }
 }
 
@@ -66,9 +80,7 @@ PackedKey OrderedIndex::KeyOf(std::uint32_t row) noexcept {
 
 int OrderedIndex::Compare(std::uint32_t row, std::span<const Cell> cells) const noexcept {
   for (std::size_t i = 0; i < cells.size(); ++i) {
-    const store::Column& column = contents_.columns[order_[i].field];
-    if (const int order = CompareCells(order_[i], column.type, contents_.Read(row, order_[i].field), cells[i]);
-        order != 0) {
+    if (const int order = CompareCells(order_[i], types_[i], met_.TryRead(i, row), cells[i]); order != 0) {
       return order;
     }
   }
@@ -91,13 +103,12 @@ std::uint32_t OrderedIndex::Search(std::span<const Cell> cells, bool after) cons
 }
 
 bool OrderedIndex::Concerns(const store::RowChange& change) const noexcept {
-  return filter_ || change.wasThere != change.isThere || std::ranges::any_of(order_, [&](const OrderField& by) {
-           return std::ranges::find(change.fields, by.field) != change.fields.end();
-         });
+  return filter_ || change.wasThere != change.isThere ||
+         std::ranges::any_of(change.fields, [this](std::uint16_t field) { return sought_.Reads(field); });
 }
 
 void OrderedIndex::Prepare(std::uint32_t changes) {
-  if (isStale_) {
+  if (!IsReady()) {
     try {
       Repair();
     } catch (const FilterError&) {
@@ -109,7 +120,7 @@ void OrderedIndex::Prepare(std::uint32_t changes) {
 
 void OrderedIndex::Before(const store::RowChange& change) noexcept {
   leaving_.reset();
-  if (!isStale_ && change.wasThere && Concerns(change)) {
+  if (IsReady() && change.wasThere && Concerns(change)) {
     const RowList::Place place = PlaceOf(change.row);
     if (rows_.Has(place, change.row)) {
       leaving_ = place;
@@ -118,6 +129,9 @@ void OrderedIndex::Before(const store::RowChange& change) noexcept {
 }
 
 void OrderedIndex::After(const store::RowChange& change) noexcept {
+  if (!isStale_ && !IsReady()) {
+    BecomeStale();  // a row that was looked up has changed
+  }
   if (isStale_ || !Concerns(change)) {
     return;
   }

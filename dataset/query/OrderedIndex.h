@@ -4,6 +4,7 @@
 #include <optional>
 #include <vector>
 
+#include "dataset/query/OrderReader.h"
 #include "dataset/query/RowList.h"
 #include "dataset/store/Followers.h"
 #include "dataset/store/Store.h"
@@ -15,7 +16,8 @@ namespace kiv::query {
 /// a compaction it is made anew when it is next asked for something.
 ///
 /// With a filter it has the rows that pass, and is nobody's but its cursor's and that one's clones. A row for which the
-/// filter has no value is not left out: the next one who asks is told.
+/// filter has no value is not left out: the next one who asks is told. So it is where a calculated field of the order
+/// has none. What look-ups find may change without the rows: then it is made anew, too.
 class OrderedIndex final : public store::Follower, public std::enable_shared_from_this<OrderedIndex> {
  public:
   /// The index of that order that the store has, or a new one. Throws std::bad_alloc.
@@ -36,7 +38,7 @@ class OrderedIndex final : public store::Follower, public std::enable_shared_fro
   /// filter has no value. Everything below needs it.
   void Repair();
   /// Whether it may be asked for something without that.
-  [[nodiscard]] bool IsReady() const noexcept { return !isStale_; }
+  [[nodiscard]] bool IsReady() const noexcept { return !isStale_ && lookupVersion_ == CurrentLookupVersion(); }
 
   [[nodiscard]] std::uint32_t Count() const noexcept { return rows_.Count(); }
   /// The row at a position, from 0.
@@ -48,6 +50,8 @@ class OrderedIndex final : public store::Follower, public std::enable_shared_fro
   [[nodiscard]] std::uint32_t Search(std::span<const store::Cell> cells, bool after) const noexcept;
   /// How the first fields of a row stand to these cells: below 0 before them.
   [[nodiscard]] int Compare(std::uint32_t row, std::span<const store::Cell> cells) const noexcept;
+  /// The values of the order's fields in a row, with `place` from 0.
+  [[nodiscard]] store::Cell Read(std::size_t place, std::uint32_t row) { return met_.Read(place, row); }
 
   void Prepare(std::uint32_t changes) override;
   void Before(const store::RowChange& change) noexcept override;
@@ -61,6 +65,7 @@ class OrderedIndex final : public store::Follower, public std::enable_shared_fro
     isStale_ = true;
     ++version_;
   }
+  [[nodiscard]] std::uint64_t CurrentLookupVersion() const noexcept;
   [[nodiscard]] bool Concerns(const store::RowChange& change) const noexcept;
   void ReadCells(std::uint32_t row) noexcept;
   [[nodiscard]] PackedKey KeyOf(std::uint32_t row) noexcept;
@@ -70,11 +75,15 @@ class OrderedIndex final : public store::Follower, public std::enable_shared_fro
   std::shared_ptr<store::Followers> followers_;
   const store::Contents& contents_;
   Order order_;
+  OrderReader sought_;            // of the row that is looked for
+  mutable OrderReader met_;       // of those that it is compared with
+  std::vector<FieldType> types_;  // of the fields of the order
   RowList rows_;
   std::vector<store::Cell> cells_;  // of the row that is looked for, so that one allocates nothing for them
   std::optional<RowList::Place> leaving_;
   std::optional<Filter> filter_;
   std::uint64_t version_ = 0;
+  std::uint64_t lookupVersion_ = 0;
   bool isStale_ = true;
   mutable bool hasFailed_ = false;  // the filter had no value in a row that is in the list nevertheless
 };

@@ -13,8 +13,8 @@ using store::Quoted;
 
 class Parser {
  public:
-  Parser(const store::SchemaData& schema, TextView text, const FilterParameters& parameters)
-      : lexer_(text), builder_(schema, parameters, text) {
+  Parser(const store::Contents& contents, TextView text, const FilterParameters& parameters, TextView own)
+      : lexer_(text), builder_(contents, parameters, text, own) {
     if (text.size() > kMostText) {
       Refuse(kMostText, "textul are peste 65536 de octeti");
     }
@@ -299,8 +299,8 @@ class Parser {
 
 }  // namespace
 
-Tree Parse(const store::SchemaData& schema, TextView text, const FilterParameters& parameters) {
-  return Parser(schema, text, parameters).Whole();
+Tree Parse(const store::Contents& contents, TextView text, const FilterParameters& parameters, TextView own) {
+  return Parser(contents, text, parameters, own).Whole();
 }
 
 }  // namespace kiv::query

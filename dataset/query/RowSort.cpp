@@ -3,8 +3,13 @@
 #include <algorithm>
 #include <array>
 #include <bit>
+#include <deque>
 #include <limits>
 #include <memory>
+#include <string>
+
+#include "dataset/query/CalculatedColumns.h"
+#include "dataset/query/OrderReader.h"
 
 // Rows are sorted by one number each, which holds as many of the fields as 64 bits have room for: of numbers and days
 // how far they are above the least, of texts in a dictionary the place of the text in it, of other texts what they
@@ -246,10 +251,48 @@ void SortRows(const Contents& contents, const Order& order, std::span<const Fiel
   }
 }
 
+/// Sorts by fields some of which are calculated, once for each row.
+void SortCalculated(const Contents& contents, const Order& order, OrderReader& reader,
+                    std::vector<std::uint32_t>& rows) {
+  struct Keyed {
+    PackedKey key;
+    std::uint32_t row;
+    std::size_t place;
+  };
+  std::vector<Cell> cells;
+  cells.reserve(rows.size() * order.size());
+  std::deque<std::string> bytes;
+  std::vector<Keyed> items;
+  items.reserve(rows.size());
+  for (const std::uint32_t row : rows) {
+    items.push_back({{}, row, cells.size()});
+    for (std::size_t i = 0; i < order.size(); ++i) {
+      Cell& cell = cells.emplace_back(reader.Read(i, row));
+      if (!cell.bytes.empty() && CalculatedAt(contents, order[i].field) != nullptr) {
+        cell.bytes = bytes.emplace_back(cell.bytes);
+      }
+    }
+    items.back().key = Pack(contents, order, {&cells[items.back().place], order.size()});
+  }
+  std::ranges::sort(items, [&](const Keyed& left, const Keyed& right) {
+    int found = left.key.Compare(right.key);
+    for (std::size_t i = 0; found == 0 && i < order.size(); ++i) {
+      found =
+          CompareCells(order[i], FieldAt(contents, order[i].field).type, cells[left.place + i], cells[right.place + i]);
+    }
+    return found != 0 ? found < 0 : left.row < right.row;
+  });
+  std::ranges::transform(items, rows.begin(), &Keyed::row);
+}
+
 }  // namespace
 
 std::vector<std::uint32_t> SortedRows(const Contents& contents, const Order& order) {
   std::vector<std::uint32_t> rows = PresentRows(contents);
+  if (OrderReader reader(contents, order); reader.Calculates()) {
+    SortCalculated(contents, order, reader, rows);
+    return rows;
+  }
   std::vector<FieldKey> fields;
   fields.reserve(order.size());
   unsigned bits = 0;

@@ -2,7 +2,10 @@
 
 #include <bit>
 #include <cmath>
+#include <memory>
+#include <optional>
 
+#include "dataset/query/CalculatedColumns.h"
 #include "dataset/query/VectorRun.h"
 #include "dataset/store/SchemaData.h"
 
@@ -38,15 +41,52 @@ std::size_t CountOf(const Bits& rows) noexcept {
 class Summation {
  public:
   Summation(const store::Contents& contents, std::size_t field, const Kernels& kernels)
-      : contents_(contents), column_(contents.columns[field]), field_(field), kernels_(kernels) {
-    if (!IsNumber(query::KindOf(column_.type))) {
-      throw InvalidCast(contents.owner + ": campul " + Name() + " este de tip " + store::TraitsOf(column_.type).name +
-                        " si nu se aduna");
+      : contents_(contents), field_(FieldAt(contents, field)), kernels_(kernels) {
+    if (!IsNumber(query::KindOf(field_.type))) {
+      throw InvalidCast(contents.owner + ": campul " + store::Quoted(field_.name) + " este de tip " +
+                        store::TraitsOf(field_.type).name + " si nu se aduna");
+    }
+    if (const CalculatedColumn* const calculated = CalculatedAt(contents, field)) {
+      tree_ = calculated->GetTree();
+      evaluator_.emplace(*tree_);
+    } else {
+      column_ = &contents.columns[field];
     }
   }
 
-  void Add(std::uint32_t first, Bits rows, std::size_t count) {
-    const auto nulls = column_.nulls.BlockBytes(store::BlockOf(first));
+  void Add(std::uint32_t first, const Bits& rows, std::size_t count) {
+    if (column_ == nullptr) {
+      ForEachRow(first, rows, [this](std::uint32_t row) { AddCalculated(row); });
+    } else {
+      AddColumn(*column_, first, rows, count);
+    }
+  }
+
+  [[nodiscard]] Value Result() const {
+    if (count_ == 0) {
+      return Null{};
+    }
+    if (field_.type == FieldType::Double) {
+      return std::isfinite(total_) ? total_ : Refuse();
+    }
+    const auto sum = sum_.In64Bits();
+    const std::int64_t value = sum ? *sum : (Refuse(), 0);
+    return field_.type == FieldType::Currency ? Value(Currency::FromRaw(value)) : Value(value);
+  }
+
+ private:
+  void AddCalculated(std::uint32_t row) {
+    const store::Cell& cell = evaluator_->Evaluate(tree_->Root(), contents_, row);
+    count_ += cell.isNull ? 0 : 1;
+    if (field_.type == FieldType::Double) {
+      total_ += cell.isNull ? 0 : std::bit_cast<double>(cell.bits);
+    } else {
+      sum_ += cell.isNull ? 0 : IntegerOf(cell);
+    }
+  }
+
+  void AddColumn(const store::Column& column, std::uint32_t first, Bits rows, std::size_t count) {
+    const auto nulls = column.nulls.BlockBytes(store::BlockOf(first));
     const std::size_t offset = store::PlaceInBlock(first) / 8;
     if (nulls.size() > offset) {
       Bits isNull{};
@@ -60,37 +100,25 @@ class Summation {
     if (values == 0) {
       return;
     }
-    if (column_.type == FieldType::Double) {
-      ForEachRow(first, rows, [&](std::uint32_t row) { total_ += column_.values.At<double>(row); });
-    } else if (column_.values.ElementWidth() == store::Plane::Width::Eight) {
-      const auto* const block = reinterpret_cast<const std::int64_t*>(column_.values.BlockAt(first));
+    if (column.type == FieldType::Double) {
+      ForEachRow(first, rows, [&](std::uint32_t row) { total_ += column.values.At<double>(row); });
+    } else if (column.values.ElementWidth() == store::Plane::Width::Eight) {
+      const auto* const block = reinterpret_cast<const std::int64_t*>(column.values.BlockAt(first));
       sum_ += kernels_.sum64(block + store::PlaceInBlock(first), count, rows);
     } else {
-      ForEachRow(first, rows, [&](std::uint32_t row) { sum_ += static_cast<std::int64_t>(column_.Load(row).bits); });
+      ForEachRow(first, rows, [&](std::uint32_t row) { sum_ += static_cast<std::int64_t>(column.Load(row).bits); });
     }
   }
 
-  [[nodiscard]] Value Result() const {
-    if (count_ == 0) {
-      return Null{};
-    }
-    if (column_.type == FieldType::Double) {
-      return std::isfinite(total_) ? total_ : Refuse();
-    }
-    const auto sum = sum_.In64Bits();
-    const std::int64_t value = sum ? *sum : (Refuse(), 0);
-    return column_.type == FieldType::Currency ? Value(Currency::FromRaw(value)) : Value(value);
-  }
-
- private:
-  [[nodiscard]] Text Name() const { return store::Quoted(contents_.schemaData->fields[field_].name); }
   [[noreturn]] double Refuse() const {
-    throw Error(contents_.owner + ": suma campului " + Name() + " nu incape in tipul sau");
+    throw Error(contents_.owner + ": suma campului " + store::Quoted(field_.name) + " nu incape in tipul sau");
   }
 
   const store::Contents& contents_;
-  const store::Column& column_;
-  std::size_t field_;
+  const FieldDef& field_;
+  const store::Column* column_ = nullptr;  // null where the values are calculated
+  std::shared_ptr<const Tree> tree_;
+  std::optional<Evaluator> evaluator_;
   const Kernels& kernels_;
   std::size_t count_ = 0;
   Int128 sum_;

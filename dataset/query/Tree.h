@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <deque>
+#include <memory>
 #include <span>
 #include <vector>
 
@@ -35,6 +36,7 @@ enum class Op : std::uint8_t {
   Modulo,
   Concatenate,
   Call,
+  Lookup,  ///< the row of another dataset whose key the operand is
 };
 
 enum class Function : std::uint8_t {
@@ -63,6 +65,8 @@ enum class Function : std::uint8_t {
 
 enum class Relation : std::uint8_t { Equal, NotEqual, Less, LessOrEqual, Greater, GreaterOrEqual };
 
+struct LookupTarget;
+
 /// Where a node stands among the nodes.
 using Place = std::uint32_t;
 
@@ -79,7 +83,7 @@ struct Node {
   /// Of its operands among those of the tree.
   std::uint32_t firstOperand = 0;
   std::uint32_t operandCount = 0;
-  /// The field, the constant, the pattern, or the node to which a guard skips.
+  /// The field, the constant, the pattern, the look-up, or the node to which a guard skips.
   std::uint32_t detail = 0;
   Span span;
 };
@@ -100,6 +104,7 @@ struct Tree {
   std::vector<Place> operands;
   std::vector<store::Cell> constants;
   std::vector<Pattern> patterns;
+  std::vector<std::shared_ptr<const LookupTarget>> lookups;
   /// What the constants of texts are views of.
   std::deque<std::string> bytes;
   /// The text that was compiled.

@@ -5,6 +5,7 @@
 
 #include "core/Calendar.h"
 #include "core/Windows1250Codec.h"
+#include "dataset/query/CalculatedColumns.h"
 #include "dataset/query/Evaluator.h"
 #include "dataset/query/Functions.h"
 #include "platform/Clock.h"
@@ -103,8 +104,9 @@ void RequireCondition(const Tree& tree, Place operand) {
   }
 }
 
-TreeBuilder::TreeBuilder(const store::SchemaData& schema, const FilterParameters& parameters, TextView text)
-    : schema_(schema), parameters_(parameters) {
+TreeBuilder::TreeBuilder(const store::Contents& contents, const FilterParameters& parameters, TextView text,
+                         TextView own)
+    : contents_(contents), parameters_(parameters), own_(own) {
   tree_.text = text;
 }
 
@@ -157,16 +159,64 @@ Place TreeBuilder::AddConstant(Kind kind, Cell cell, Span span) {
 }
 
 Place TreeBuilder::AddField(TextView name, Span span) {
-  const auto index = schema_.IndexOf(name);
+  const auto index = IndexOfAny(contents_, name);
   if (!index) {
-    Refuse(span.from, "campul " + Quoted(name) + " nu exista");
+    const bool isOwn = store::FoldName(name) == store::FoldName(own_);
+    Refuse(span.from, "campul " + Quoted(name) + (isOwn ? " s-ar calcula din el insusi" : " nu exista"));
   }
-  const FieldDef& field = schema_.fields[*index];
+  if (const CalculatedColumn* const column = CalculatedAt(contents_, *index)) {
+    return AddTree(*column->GetTree(), span);
+  }
+  const FieldDef& field = contents_.schemaData->fields[*index];
   Node node{
       .op = Op::Field, .kind = query::KindOf(field.type), .detail = static_cast<std::uint32_t>(*index), .span = span};
   node.collation = field.collation;
   node.hasCollation = node.kind == Kind::Text;
   return Push(node, {});
+}
+
+/// Takes the expression of a calculated column in; what goes wrong in it is told of its name.
+Place TreeBuilder::AddTree(const Tree& tree, Span span) {
+  if (tree_.nodes.size() + tree.nodes.size() > kMostNodes) {
+    Refuse(span.from, "expresia are peste 4096 de parti");
+  }
+  const auto nodes = static_cast<std::uint32_t>(tree_.nodes.size());
+  const auto operands = static_cast<std::uint32_t>(tree_.operands.size());
+  const auto constants = static_cast<std::uint32_t>(tree_.constants.size());
+  const auto patterns = static_cast<std::uint32_t>(tree_.patterns.size());
+  const auto lookups = static_cast<std::uint32_t>(tree_.lookups.size());
+  for (Node node : tree.nodes) {
+    node.start += nodes;
+    node.firstOperand += operands;
+    node.detail += node.op == Op::Guard      ? nodes
+                   : node.op == Op::Constant ? constants
+                   : node.op == Op::Like     ? patterns
+                   : node.op == Op::Lookup   ? lookups
+                                             : 0;
+    node.span = span;
+    tree_.nodes.push_back(node);
+  }
+  for (const Place operand : tree.operands) {
+    tree_.operands.push_back(operand + nodes);
+  }
+  for (Cell constant : tree.constants) {
+    constant.bytes = constant.bytes.empty() ? TextView() : tree_.bytes.emplace_back(constant.bytes);
+    tree_.constants.push_back(constant);
+  }
+  tree_.patterns.insert(tree_.patterns.end(), tree.patterns.begin(), tree.patterns.end());
+  tree_.lookups.insert(tree_.lookups.end(), tree.lookups.begin(), tree.lookups.end());
+  return tree_.Root();
+}
+
+Place TreeBuilder::AddLookup(Place key, std::shared_ptr<const LookupTarget> target, const FieldDef& wanted, Span span) {
+  Node node{.op = Op::Lookup,
+            .kind = query::KindOf(wanted.type),
+            .detail = static_cast<std::uint32_t>(tree_.lookups.size()),
+            .span = span};
+  node.collation = wanted.collation;
+  node.hasCollation = node.kind == Kind::Text;
+  tree_.lookups.push_back(std::move(target));
+  return Push(node, {&key, 1});
 }
 
 Place TreeBuilder::AddParameter(TextView name, Span span) {

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "dataset/query/Tree.h"
-#include "dataset/store/SchemaData.h"
+#include "dataset/store/Contents.h"
 #include "kivtools/dataset/Filter.h"
 
 namespace kiv::query {
@@ -18,7 +18,7 @@ void RequireCondition(const Tree& tree, Place operand);
 /// operands that do not go together and for more nodes than there may be.
 class TreeBuilder {
  public:
-  TreeBuilder(const store::SchemaData& schema, const FilterParameters& parameters, TextView text);
+  TreeBuilder(const store::Contents& contents, const FilterParameters& parameters, TextView text, TextView own);
 
   Place AddConstant(Kind kind, store::Cell cell, Span span);
   Place AddField(TextView name, Span span);
@@ -34,13 +34,17 @@ class TreeBuilder {
   Place AddLike(Place value, Place pattern, std::optional<Place> escape, Span span);
   Place AddNegate(Place operand, Span span);
   Place AddArithmetic(Op op, Place left, Place right, Span span);
+  /// What another dataset has for a key, of that field's kind.
+  Place AddLookup(Place key, std::shared_ptr<const LookupTarget> target, const FieldDef& wanted, Span span);
   Place AddCall(TextView name, std::span<const Place> arguments, Span span);
 
   [[nodiscard]] const Tree& Current() const noexcept { return tree_; }
-  [[nodiscard]] Tree Finish() && noexcept { return std::move(tree_); }
+  // The move of a deque allocates.
+  [[nodiscard]] Tree Finish() && { return std::move(tree_); }
 
  private:
   Place Push(Node node, std::span<const Place> operands);
+  Place AddTree(const Tree& tree, Span span);
   Place PushFolded(Node node, std::span<const Place> operands);
   Place PushFolded(Node node, std::initializer_list<Place> operands) {
     return PushFolded(node, std::span(operands.begin(), operands.size()));
@@ -52,8 +56,9 @@ class TreeBuilder {
   [[nodiscard]] Kind ResultOf(Op op, Place left, Place right) const;
   [[nodiscard]] TextView TextOfConstant(Place place, TextView what) const;
 
-  const store::SchemaData& schema_;
+  const store::Contents& contents_;
   const FilterParameters& parameters_;
+  TextView own_;
   Tree tree_;
 };
 

@@ -99,6 +99,7 @@ void Store::Compact() {
   compacted.contents_.name.swap(contents_.name);
   compacted.contents_.schema = contents_.schema;
   compacted.contents_.schemaData = contents_.schemaData;
+  compacted.contents_.calculated = std::move(contents_.calculated);
   contents_ = std::move(compacted.contents_);
   dictionaries_ = std::move(compacted.dictionaries_);
   textSeed_ = compacted.textSeed_;

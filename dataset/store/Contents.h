@@ -2,11 +2,16 @@
 
 #include <array>
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 #include "dataset/store/Column.h"
 #include "dataset/store/Log.h"
 #include "kivtools/dataset/Dataset.h"
+
+namespace kiv::query {
+class CalculatedColumns;
+}  // namespace kiv::query
 
 /// What a dataset is made of, and how the library's other parts read it.
 ///
@@ -88,6 +93,9 @@ struct ContentsMembers : ContentsHead {
   std::vector<ColumnPlanes> originals;
   std::uint32_t shadowCount = 0;
   Plane shadows{Plane::Width::Four, Plane::Filled::Zeros};  ///< number of the copy + 1
+
+  /// Those of a dataset that has some; a copy has none.
+  std::shared_ptr<const query::CalculatedColumns> calculated;
 
   /// What the next AutoInc gets.
   std::int64_t nextTemporary = -1;

@@ -44,7 +44,8 @@ class Follower {
 /// The followers of a store. It outlives the store where somebody still holds it.
 class Followers {
  public:
-  explicit Followers(Store& store) noexcept : store_(&store) {}
+  /// Throws std::bad_alloc.
+  Followers(Store& store, std::size_t fields) : store_(&store), fieldVersions_(fields) {}
 
   /// The store, null once it is gone.
   [[nodiscard]] Store* GetStore() const noexcept { return store_; }
@@ -57,6 +58,24 @@ class Followers {
     for (Follower* const follower : followers_) {
       follower->Prepare(changes);
     }
+  }
+  /// Grows with every change of the values of a field, be it that there are others because rows come or go. Whoever
+  /// reads the rows of this store without following them sees by it that something has changed.
+  [[nodiscard]] std::uint64_t VersionOf(std::size_t field) const noexcept {
+    return rowsVersion_ + fieldVersions_[field];
+  }
+  void Count(const RowChange& change) noexcept {
+    if (!change.wasThere || !change.isThere) {
+      ++rowsVersion_;
+      return;
+    }
+    for (const std::uint16_t field : change.fields) {
+      ++fieldVersions_[field];
+    }
+  }
+  void RowsAdded() noexcept {
+    ++rowsVersion_;
+    ForEach([](Follower& follower) { follower.RowsAdded(); });
   }
   /// How often rows have been given new numbers.
   [[nodiscard]] std::uint32_t Numbering() const noexcept { return numbering_; }
@@ -75,6 +94,8 @@ class Followers {
   Store* store_;
   std::vector<Follower*> followers_;
   std::uint32_t numbering_ = 0;
+  std::uint64_t rowsVersion_ = 0;
+  std::vector<std::uint64_t> fieldVersions_;
 };
 
 }  // namespace kiv::store

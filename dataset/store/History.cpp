@@ -215,7 +215,9 @@ void Store::ForgetHistory() noexcept {
 }
 
 std::shared_ptr<const Contents> Store::CopyContents() {
-  auto copy = std::make_shared<const Contents>(contents_);
+  auto copy = std::make_shared<Contents>(contents_);
+  // They read other datasets, which are no part of what stays as it is.
+  copy->calculated = nullptr;
   appendEnd_ = 0;
   loadEnd_ = 0;
   return copy;

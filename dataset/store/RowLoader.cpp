@@ -76,7 +76,9 @@ void RowLoader::Finish() {
   store_.pendingRows_ = 0;
   store_.isLoading_ = false;
   isDone_ = true;
-  store_.TellFollowers([](Follower& follower) { follower.RowsAdded(); });
+  if (store_.followers_ != nullptr) {
+    store_.followers_->RowsAdded();
+  }
   store_.TellOfAll();
 }
 

@@ -42,7 +42,7 @@ Store::~Store() {
 
 std::shared_ptr<Followers> Store::GetFollowers() {
   if (followers_ == nullptr) {
-    followers_ = std::make_shared<Followers>(*this);
+    followers_ = std::make_shared<Followers>(*this, contents_.columns.size());
   }
   return followers_;
 }

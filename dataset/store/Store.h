@@ -54,6 +54,17 @@ class Store {
   /// A copy that shares everything and stays as it is.
   [[nodiscard]] std::shared_ptr<const Contents> CopyContents();
 
+  /// The row with a key of one field, whose kind of value the cell holds; Contents::kNone for a null and where there is
+  /// none. Throws std::bad_alloc.
+  [[nodiscard]] std::uint32_t FindCell(const Cell& key) {
+    keys_.Repair();
+    return key.isNull ? HashIndex::kNone : keys_.Find(keys_.TagOf({&key, 1}), {&key, 1});
+  }
+  /// The calculated columns from now on.
+  void SetCalculated(std::shared_ptr<const query::CalculatedColumns> columns) noexcept {
+    contents_.calculated = std::move(columns);
+  }
+
   /// Those that go with its rows.
   [[nodiscard]] std::shared_ptr<Followers> GetFollowers();
 
@@ -124,6 +135,9 @@ class Store {
     TellFollowers([&change](Follower& follower) { follower.Before(change); });
   }
   void TellAfter(const RowChange& change) noexcept {
+    if (followers_ != nullptr) {
+      followers_->Count(change);
+    }
     TellFollowers([&change](Follower& follower) { follower.After(change); });
   }
   void TellDone() noexcept {

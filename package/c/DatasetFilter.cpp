@@ -1,6 +1,7 @@
 #include "kivtools/c/DatasetFilter.h"
 
 #include "core/Trim.h"
+#include "dataset/query/CalculatedColumns.h"
 #include "dataset/store/Cell.h"
 #include "kivtools/dataset/Filter.h"
 #include "package/c/DatasetHandles.h"
@@ -42,9 +43,35 @@ kiv::FilterParameters ParametersOf(kiv::TextView names, const KivFieldValue* val
   return parameters;
 }
 
+kiv::TextView NameOf(const kiv::DatasetView& rows, std::size_t field) {
+  return kiv::query::FieldAt(rows.GetContents(), rows.FieldAt(field).Index()).name;
+}
+
 }  // namespace
 
 extern "C" {
+
+KivStatus KivDatasetCalculate(KivDataset* dataset, const char* name, size_t length, const char* expression,
+                              size_t expressionLength, size_t* field) {
+  return Run([=] {
+    kiv::Dataset& rows = KIV_REQUIRED(dataset).Own();
+    const kiv::TextView own = KIV_TEXT(name, length);
+    const kiv::TextView formula = KIV_TEXT(expression, expressionLength);
+    std::size_t& made = KIV_REQUIRED(field);
+    made = rows.Calculate(own, formula).Index();
+  });
+}
+
+KivStatus KivDatasetLookup(KivDataset* dataset, size_t by, KivDataset* other, size_t key, size_t wanted,
+                           const char* name, size_t length, size_t* field) {
+  return Run([=] {
+    kiv::Dataset& rows = KIV_REQUIRED(dataset).Own();
+    kiv::Dataset& others = KIV_REQUIRED(other).Own();
+    const kiv::TextView own = KIV_TEXT(name, length);
+    std::size_t& made = KIV_REQUIRED(field);
+    made = rows.Lookup(rows.FieldAt(by), others, NameOf(others, key), NameOf(others, wanted), own).Index();
+  });
+}
 
 KivStatus KivFilterNew(const KivDataset* dataset, const char* text, size_t length, const char* names,
                        size_t namesLength, const KivFieldValue* values, size_t count, KivFilter** filter) {
@@ -84,8 +111,7 @@ KivAnswer KivFilterSum(const KivFilter* filter, size_t field, KivFieldValue* sum
   return GiveAnswer([=] {
     const KivFilter& own = KIV_REQUIRED(filter);
     KivFieldValue& out = KIV_REQUIRED(sum);
-    const std::size_t index = own.rows.FieldAt(field).Index();
-    return GiveValue(own.filter.Sum(own.rows.GetSchema().Fields()[index].name), out);
+    return GiveValue(own.filter.Sum(NameOf(own.rows, field)), out);
   });
 }
 

@@ -1,5 +1,6 @@
 #include "kivtools/c/DatasetPackets.h"
 
+#include "dataset/query/CalculatedColumns.h"
 #include "kivtools/dataset/Journal.h"
 #include "kivtools/dataset/Packet.h"
 #include "package/c/Abi.h"
@@ -45,9 +46,12 @@ const kiv::FieldDef& FieldOf(const kiv::Schema& schema, std::size_t field) {
   return schema.Fields()[field];
 }
 
-void GiveField(const kiv::Schema& schema, std::size_t field, std::int32_t* type, std::int32_t* size,
-               std::int32_t* flags) {
-  const kiv::FieldDef& definition = FieldOf(schema, field);
+/// Of a calculated column too.
+const kiv::FieldDef& FieldOf(const kiv::DatasetView& rows, std::size_t field) {
+  return kiv::query::FieldAt(rows.GetContents(), rows.FieldAt(field).Index());
+}
+
+void GiveField(const kiv::FieldDef& definition, std::int32_t* type, std::int32_t* size, std::int32_t* flags) {
   const auto give = [](std::int32_t* into, std::int32_t value) {
     if (into != nullptr) {
       *into = value;
@@ -173,12 +177,11 @@ KivLength KivDatasetFieldCount(const KivDataset* dataset) {
 }
 
 KivLength KivDatasetFieldName(const KivDataset* dataset, size_t field, char* buffer, size_t capacity) {
-  return GiveText(buffer, capacity,
-                  [=] { return kiv::TextView(FieldOf(KIV_REQUIRED(dataset).View().GetSchema(), field).name); });
+  return GiveText(buffer, capacity, [=] { return kiv::TextView(FieldOf(KIV_REQUIRED(dataset).View(), field).name); });
 }
 
 KivStatus KivDatasetFieldInfo(const KivDataset* dataset, size_t field, int32_t* type, int32_t* size, int32_t* flags) {
-  return Run([=] { GiveField(KIV_REQUIRED(dataset).View().GetSchema(), field, type, size, flags); });
+  return Run([=] { GiveField(FieldOf(KIV_REQUIRED(dataset).View(), field), type, size, flags); });
 }
 
 KivLength KivDatasetCountOf(const KivDataset* dataset, int32_t state) {
@@ -193,7 +196,7 @@ KivLength KivDatasetCountOf(const KivDataset* dataset, int32_t state) {
 KivLength KivDatasetValueText(const KivDataset* dataset, uint32_t row, size_t field, char* buffer, size_t capacity) {
   return GiveText(buffer, capacity, [=] {
     const kiv::DatasetView& rows = KIV_REQUIRED(dataset).View();
-    return kiv::ShownValue(FieldOf(rows.GetSchema(), field).type, rows.View(kiv::RowId{row}, rows.FieldAt(field)));
+    return kiv::ShownValue(FieldOf(rows, field).type, rows.View(kiv::RowId{row}, rows.FieldAt(field)));
   });
 }
 
@@ -211,7 +214,7 @@ KivLength KivDeltaFieldName(const KivDelta* delta, size_t field, char* buffer, s
 }
 
 KivStatus KivDeltaFieldInfo(const KivDelta* delta, size_t field, int32_t* type, int32_t* size, int32_t* flags) {
-  return Run([=] { GiveField(KIV_REQUIRED(delta).delta.GetSchema(), field, type, size, flags); });
+  return Run([=] { GiveField(FieldOf(KIV_REQUIRED(delta).delta.GetSchema(), field), type, size, flags); });
 }
 
 KivLength KivDeltaValueText(const KivDelta* delta, uint32_t ticket, size_t field, int32_t original, char* buffer,

@@ -2,6 +2,47 @@
 
 #include "Expect.h"
 
+/* Columns that are worked out, of a dataset of names and sums and of one that has towns by name. */
+static void TestColumns(KivDataset* lines) {
+  KivSchema* schema = KivSchemaNew();
+  KivDataset* towns = NULL;
+  KivFilter* filter = NULL;
+  KivFieldValue sum;
+  char text[20];
+  int64_t amount = 0;
+  int32_t type = 0;
+  size_t field = 0;
+  EXPECT(KivSchemaAddField(schema, "cod", KIV_ZERO_ENDED, KIV_FIELD_TEXT, 20, KIV_FLAG_KEY) == KIV_OK);
+  EXPECT(KivSchemaAddField(schema, "oras", KIV_ZERO_ENDED, KIV_FIELD_TEXT, 20, 0) == KIV_OK);
+  EXPECT(KivDatasetNew("orase", KIV_ZERO_ENDED, schema, &towns) == KIV_OK);
+  EXPECT(KivDatasetInsert(towns) == KIV_OK);
+  EXPECT(KivDatasetSetText(towns, KIV_NO_ROW, 0, "Beta", 4) == KIV_OK);
+  EXPECT(KivDatasetSetText(towns, KIV_NO_ROW, 1, "Cluj", 4) == KIV_OK && KivDatasetPost(towns, NULL) == KIV_OK);
+  EXPECT(KivDatasetCalculate(lines, "tva", 3, "suma * 0.21", KIV_ZERO_ENDED, &field) == KIV_OK && field == 2);
+  EXPECT(KivDatasetLookup(lines, 0, towns, 0, 1, NULL, 0, &field) == KIV_OK && field == 3);
+  EXPECT(KivDatasetLookup(lines, 0, towns, 0, 1, "loc", KIV_ZERO_ENDED, &field) == KIV_OK && field == 4);
+  EXPECT(KivDatasetField(lines, "LOC", 3) == 4 && KivDatasetFieldCount(lines) == 2);
+  EXPECT(KivDatasetFieldName(lines, 3, text, sizeof text) == 4 && strcmp(text, "oras") == 0);
+  EXPECT(KivDatasetFieldInfo(lines, 2, &type, NULL, NULL) == KIV_OK && type == KIV_FIELD_CURRENCY);
+  EXPECT(KivDatasetFieldInfo(lines, 5, &type, NULL, NULL) == -KIV_ERROR_LIST_INDEX);
+  EXPECT(KivDatasetGetCurrency(lines, 1, 2, &amount) == 1 && amount == 42000);
+  EXPECT(KivDatasetGetText(lines, 1, 3, text, sizeof text) == 4 && strcmp(text, "Cluj") == 0);
+  EXPECT(KivDatasetValueText(lines, 1, 2, text, sizeof text) == 6 && strcmp(text, "4.2000") == 0);
+  EXPECT(KivDatasetIsNull(lines, 0, 4) == 1);
+  EXPECT(KivFilterNew(lines, "loc = 'Cluj'", KIV_ZERO_ENDED, NULL, 0, NULL, 0, &filter) == KIV_OK);
+  EXPECT(KivFilterSum(filter, 2, &sum) == 1 && sum.kind == KIV_VALUE_CURRENCY && sum.integer == 42000);
+  KivFilterFree(filter);
+  EXPECT(KivDatasetSetCurrency(lines, 1, 2, 1) == KIV_OK && KivDatasetPost(lines, NULL) == -KIV_ERROR_GENERAL);
+  EXPECT(LastMessageIs("Dataset \"linii\": campul \"tva\" este calculat si nu se modifica"));
+  EXPECT(KivDatasetCancel(lines) == KIV_OK);
+  EXPECT(KivDatasetCalculate(lines, "x", 1, "suma +", KIV_ZERO_ENDED, &field) == -KIV_ERROR_FILTER);
+  EXPECT(KivDatasetLookup(lines, 1, towns, 0, 1, "x", 1, &field) == -KIV_ERROR_GENERAL && field == 4);
+  KivDatasetFree(towns);
+  EXPECT(KivDatasetGetText(lines, 1, 3, text, sizeof text) == -KIV_ERROR_FILTER);
+  EXPECT(LastMessageIs("Filtru: setul de date in care se cauta nu mai exista: \"oras\", randul 1"));
+  KivSchemaFree(schema);
+}
+
 void DatasetFilterTest(void) {
   KivSchema* schema = KivSchemaNew();
   KivDataset* lines = NULL;
@@ -75,6 +116,7 @@ void DatasetFilterTest(void) {
   KivExpressionFree(expression);
   KivExpressionFree(NULL);
   KivDatasetFree(image);
+  TestColumns(lines);
   KivDatasetFree(lines);
   KivSchemaFree(schema);
 }

@@ -21,6 +21,19 @@ typedef struct KivFilter KivFilter;
 /** A value worked out from the fields of a row. */
 typedef struct KivExpression KivExpression;
 
+/** Adds a column that is worked out from the others of its row, and stores its place, behind the fields. It is read as
+ * a field is and follows every edit; it is neither set nor saved, and a snapshot does not have it. Fails with
+ * KIV_ERROR_FILTER for a text that is no expression. Example: 5 for "tva" and "suma * 0.21" in a dataset of five
+ * fields. */
+KIV_API KivStatus KivDatasetCalculate(KivDataset* dataset, const char* name, size_t length, const char* expression,
+                                      size_t expressionLength, size_t* field);
+/** Adds a column with what the field `wanted` of another dataset, or of this one, holds in the row whose only key field
+ * `key` is what `by` is here; null where there is no such row. Without a name it has that of `wanted`. It is as one of
+ * KivDatasetCalculate; once the other dataset is freed, reading it fails with KIV_ERROR_FILTER. Example: 6 for the
+ * partner's name by the partner's number. */
+KIV_API KivStatus KivDatasetLookup(KivDataset* dataset, size_t by, KivDataset* other, size_t key, size_t wanted,
+                                   const char* name, size_t length, size_t* field);
+
 /** Compiles a condition and stores its address. Fails with KIV_ERROR_FILTER, whose place KivLastErrorPlace tells, for a
  * text that is none. Example: 0 for "suma > :prag" with "prag" and one value, -12 for "suma >". */
 KIV_API KivStatus KivFilterNew(const KivDataset* dataset, const char* text, size_t length, const char* names,

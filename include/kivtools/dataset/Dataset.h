@@ -9,6 +9,7 @@
 #include <memory>
 #include <optional>
 #include <span>
+#include <vector>
 
 #include "kivtools/Export.h"
 #include "kivtools/Types.h"
@@ -121,16 +122,19 @@ class RowRange {
 /// A getter throws Error, naming dataset and row, for a row that does not exist or is deleted, Error for a field that
 /// the dataset does not have, and InvalidCast for a field of a type that the getter does not give. Where the value is
 /// null it gives zero, false or an empty text; IsNull() and Get() tell the difference. Texts and bytes are borrowed:
-/// they stay where they are until Compact() or the end of the dataset, whatever happens to their row.
+/// they stay where they are until Compact() or the end of the dataset, whatever happens to their row; those of a
+/// calculated column only until that is read again or a dataset that it looks up in ends or is compacted.
 class DatasetView {
  public:
   /// The dataset's name. Example: "linii".
   [[nodiscard]] KIV_API TextView Name() const noexcept;
   /// Its fields.
   [[nodiscard]] KIV_API const Schema& GetSchema() const noexcept;
-  /// The field of that name, case apart. Throws Error where there is none. Example: `linii.Field("suma")`.
+  /// The field or calculated column of that name, case apart. Throws Error where there is none. Example:
+  /// `linii.Field("suma")`.
   [[nodiscard]] KIV_API FieldRef Field(TextView name) const;
-  /// The field at that place of the schema, from 0. Throws ListIndexError beyond the last.
+  /// The field at that place of the schema, from 0; behind the last one the calculated columns follow. Throws
+  /// ListIndexError beyond the last of them.
   [[nodiscard]] KIV_API FieldRef FieldAt(std::size_t index) const;
 
   /// How many rows there are, deleted ones not counted.
@@ -192,6 +196,7 @@ class DatasetView {
   const store::ContentsHead* head_;
 
  private:
+  friend class Dataset;
   friend class query::CursorState;
   friend class store::Store;
   /// A bit for each FieldType.
@@ -203,59 +208,74 @@ class DatasetView {
   /// The place of the field. Throws Error for a name that is none and for another dataset's reference.
   [[nodiscard]] static std::size_t Resolve(const store::Contents& contents, FieldSelector field);
   [[nodiscard]] static std::size_t ResolveName(const store::Contents& contents, FieldSelector field);
-  /// The column of a field whose type is among `types`. Throws as a getter does.
-  [[nodiscard]] const store::ColumnHead& Locate(RowId row, FieldSelector field, TypeSet types) const {
+  /// The same, also for a calculated column: they are counted behind the fields.
+  [[nodiscard]] static std::size_t ResolveAny(const store::Contents& contents, FieldSelector field);
+  /// What a reference to a calculated column has in place of the dataset.
+  [[nodiscard]] static const void* CalculatedOwner(const store::Contents& contents) noexcept;
+
+  /// Where a value lies: that of a calculated column has been put there.
+  struct Location {
+    const store::ColumnHead* column;
+    std::uint32_t row;
+    bool isCalculated;
+  };
+  /// The value of a field whose type is among `types`. Throws as a getter does.
+  [[nodiscard]] Location Locate(RowId row, FieldSelector field, TypeSet types) const {
     if (field.owner_ == head_->schemaData && head_->IsPresent(NumberOf(row))) [[likely]] {
       const store::ColumnHead& column = *head_->columnHeads[field.size_ & ~FieldSelector::kIsReference];
       if ((types >> static_cast<unsigned>(column.type) & 1U) != 0) [[likely]] {
-        return column;
+        return {&column, NumberOf(row), false};
       }
     }
     return LocateOrRefuse(row, field, types);
   }
-  [[nodiscard]] KIV_API const store::ColumnHead& LocateOrRefuse(RowId row, FieldSelector field, TypeSet types) const;
+  [[nodiscard]] KIV_API Location LocateOrRefuse(RowId row, FieldSelector field, TypeSet types) const;
   [[nodiscard]] KIV_API static DateTime MomentAt(const store::ColumnHead& column, std::uint32_t row) noexcept;
-  [[nodiscard]] KIV_API TextView TextAt(const store::ColumnHead& column, std::uint32_t row) const noexcept;
+  [[nodiscard]] KIV_API TextView TextAt(const Location& found) const noexcept;
 };
 
 inline bool DatasetView::IsNull(RowId row, FieldSelector field) const {
-  return Locate(row, field, ~TypeSet{0}).IsNull(NumberOf(row));
+  const Location found = Locate(row, field, ~TypeSet{0});
+  return found.column->IsNull(found.row);
 }
 
 inline bool DatasetView::GetBool(RowId row, FieldSelector field) const {
-  return Locate(row, field, SetOf(FieldType::Boolean)).values.BitAt(NumberOf(row));
+  const Location found = Locate(row, field, SetOf(FieldType::Boolean));
+  return found.column->values.BitAt(found.row);
 }
 
 inline std::int64_t DatasetView::GetInt64(RowId row, FieldSelector field) const {
   constexpr TypeSet kIntegers = SetOf(FieldType::Int16, FieldType::Int32, FieldType::Int64, FieldType::AutoInc);
-  const store::ColumnHead& column = Locate(row, field, kIntegers);
-  switch (column.type) {
+  const Location found = Locate(row, field, kIntegers);
+  switch (found.column->type) {
     case FieldType::Int16:
-      return column.values.At<std::int16_t>(NumberOf(row));
+      return found.column->values.At<std::int16_t>(found.row);
     case FieldType::Int32:
-      return column.values.At<std::int32_t>(NumberOf(row));
+      return found.column->values.At<std::int32_t>(found.row);
     default:
-      return column.values.At<std::int64_t>(NumberOf(row));
+      return found.column->values.At<std::int64_t>(found.row);
   }
 }
 
 inline double DatasetView::GetDouble(RowId row, FieldSelector field) const {
-  return Locate(row, field, SetOf(FieldType::Double)).values.At<double>(NumberOf(row));
+  const Location found = Locate(row, field, SetOf(FieldType::Double));
+  return found.column->values.At<double>(found.row);
 }
 
 inline Currency DatasetView::GetCurrency(RowId row, FieldSelector field) const {
-  return Currency::FromRaw(Locate(row, field, SetOf(FieldType::Currency)).values.At<std::int64_t>(NumberOf(row)));
+  const Location found = Locate(row, field, SetOf(FieldType::Currency));
+  return Currency::FromRaw(found.column->values.At<std::int64_t>(found.row));
 }
 
 inline DateTime DatasetView::GetDateTime(RowId row, FieldSelector field) const {
   constexpr TypeSet kMoments = SetOf(FieldType::Date, FieldType::Time, FieldType::DateTime);
-  const store::ColumnHead& column = Locate(row, field, kMoments);
-  return column.type == FieldType::Date ? DateTime(column.values.At<std::int32_t>(NumberOf(row)))
-                                        : MomentAt(column, NumberOf(row));
+  const Location found = Locate(row, field, kMoments);
+  return found.column->type == FieldType::Date ? DateTime(found.column->values.At<std::int32_t>(found.row))
+                                               : MomentAt(*found.column, found.row);
 }
 
 inline TextView DatasetView::GetText(RowId row, FieldSelector field) const {
-  return TextAt(Locate(row, field, SetOf(FieldType::Text, FieldType::Memo)), NumberOf(row));
+  return TextAt(Locate(row, field, SetOf(FieldType::Text, FieldType::Memo)));
 }
 
 /// A dataset as it was at one moment. It shares memory with it, and what is edited later is copied first, 64 KiB at a
@@ -322,6 +342,31 @@ class Dataset : public DatasetView {
     const std::uint32_t row = FindNumber(key);
     return row == kNoRow ? std::nullopt : std::optional(RowId{row});
   }
+
+  /// Adds a column that is worked out from the others of its row by an expression; docs/filters.md has the language. It
+  /// reads like a field, by getters, cursors, filters, orders and aggregates, follows every edit and what takes it
+  /// back, and is neither set nor saved; a snapshot does not have it. Other calculated columns may stand in the
+  /// expression. Throws Error for a name that is taken or no identifier, FilterError, naming the place, for a text that
+  /// is no expression, also for one that refers to the column itself. Reading a row in which it has no value throws
+  /// FilterError.
+  ///
+  ///     const FieldRef tva = linii.Calculate("tva", "suma * 0.21");
+  ///     linii.GetCurrency(row, tva)   // 259.2576_lei
+  KIV_API FieldRef Calculate(TextView name, TextView expression);
+  /// Adds a column with what another dataset, or this one, holds in the row whose key a field of this one has; null
+  /// where there is no such row. `key` is the other's only key field, `wanted` one of its fields or calculated columns,
+  /// whose name the column has unless it is given one. It is as a calculated column is, and follows the edits of the
+  /// other dataset, too: a cursor goes on from its row once it is next moved or counted. Both datasets are used from
+  /// one thread. The other one need not live as long: from its end on, reading a row with a key throws FilterError.
+  /// Throws Error for a name that is taken or no identifier, fields that do not exist or are of another kind, a key
+  /// that is not the other's.
+  ///
+  ///     linii.Lookup("partener_id", parteneri, "id", "nume");
+  ///     linii.GetText(row, "nume")    // "Şapte Arini"
+  KIV_API FieldRef Lookup(FieldSelector field, Dataset& other, TextView key, TextView wanted, TextView name = {});
+  /// The calculated columns in the order in which they were added; that of FieldAt behind the fields of the schema.
+  /// Example: `linii.CalculatedFields()[0].type` is FieldType::Currency.
+  [[nodiscard]] KIV_API std::vector<FieldDef> CalculatedFields() const;
 
   /// The history of its changes. Example: `linii.Changes().UndoLast()`.
   [[nodiscard]] ChangeLog Changes() noexcept { return ChangeLog(*store_); }

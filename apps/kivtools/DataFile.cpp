@@ -1,6 +1,8 @@
 #include "apps/kivtools/DataFile.h"
 
 #include <algorithm>
+#include <array>
+#include <charconv>
 
 #include "apps/kivtools/LibraryCalls.h"
 #include "apps/kivtools/system/Paths.h"
@@ -191,6 +193,44 @@ std::uint64_t DataFile::ForEachRow(const Wanted& wanted,
     visit(state, values);
   }
   return static_cast<std::uint64_t>(KIVTOOLS_ENTRY(KivCursorCount)(made)) - visited;
+}
+
+namespace {
+
+/// A sum as the values that it is made of are shown.
+std::string ShownSum(const KivFieldValue& sum) {
+  if (sum.kind == KIV_VALUE_DOUBLE) {
+    std::array<char, 32> digits{};
+    return {digits.data(), std::to_chars(digits.data(), digits.data() + digits.size(), sum.number).ptr};
+  }
+  std::string shown = std::to_string(sum.integer);
+  if (sum.kind == KIV_VALUE_CURRENCY) {
+    const std::size_t sign = sum.integer < 0 ? 1 : 0;
+    shown.insert(sign, 5 - std::min<std::size_t>(5, shown.size() - sign), '0');
+    shown.insert(shown.size() - 4, 1, '.');
+  }
+  return shown;
+}
+
+}  // namespace
+
+DataFile::Totals DataFile::SumUp(const std::string& filter, const std::vector<std::size_t>& fields) const {
+  const std::string condition = filter.empty() ? "true" : library_.FromUtf8(filter);
+  KivFilter* made = nullptr;
+  Check(
+      KIVTOOLS_ENTRY(KivFilterNew)(dataset_.get(), condition.data(), condition.size(), nullptr, 0, nullptr, 0, &made));
+  const std::unique_ptr<KivFilter, decltype(KivFilterFree)*> rows(made, KIVTOOLS_ENTRY(KivFilterFree));
+  const auto checked = [this](auto answer) {
+    Check(static_cast<KivStatus>(std::min<decltype(answer)>(answer, 0)));
+    return answer;
+  };
+  Totals totals{static_cast<std::size_t>(checked(KIVTOOLS_ENTRY(KivFilterCount)(made))), {}};
+  for (const std::size_t field : fields) {
+    KivFieldValue sum{};
+    const bool hasSum = checked(KIVTOOLS_ENTRY(KivFilterSum)(made, field, &sum)) == 1;
+    totals.sums.push_back(hasSum ? Shown(ShownSum(sum)) : Shown());
+  }
+  return totals;
 }
 
 DataFile::Shown DataFile::TicketValue(std::uint32_t ticket, std::size_t field, bool original) const {

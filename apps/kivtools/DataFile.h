@@ -101,6 +101,14 @@ class DataFile {
   /// there are beyond the most. Throws LibraryError for an order or a filter that is none.
   std::uint64_t ForEachRow(const Wanted& wanted,
                            const std::function<void(std::int32_t, const std::vector<Shown>&)>& visit) const;
+  /// How many rows of a dataset pass a filter, and what some of their fields come to together; null where none of them
+  /// has a value.
+  struct Totals {
+    std::size_t rows;
+    std::vector<Shown> sums;
+  };
+  /// Throws LibraryError for a filter that is none, a field that is not added up and a sum beyond its type.
+  [[nodiscard]] Totals SumUp(const std::string& filter, const std::vector<std::size_t>& fields) const;
   /// Calls back with each row that is not as it was: its key, and of updates what changed.
   void ForEachChange(const std::function<void(const Change&)>& visit) const;
 

@@ -65,6 +65,21 @@ class Table {
   std::vector<std::pair<std::string_view, std::vector<std::string>>> waiting_;
 };
 
+/// What is to be added up, and what it comes to.
+struct Summed {
+  std::vector<std::size_t> fields;
+  DataFile::Totals totals;
+};
+
+void ShowSums(Output& out, const DataFile& file, const Summed& summed) {
+  std::string sums;
+  for (std::size_t i = 0; i < summed.fields.size(); ++i) {
+    sums += (i == 0 ? "" : ", ") + file.Fields()[summed.fields[i]].name + " " + ForPeople(summed.totals.sums[i]);
+  }
+  out.Write(Say({"total of {0}: {1}\n", "total pe {0}: {1}\n"},
+                Counted(summed.totals.rows, {{"row", "rând"}, {"rows", "rânduri"}}), sums));
+}
+
 void ShowRows(Output& out, const DataFile& file, const DataFile::Wanted& wanted, const std::string& summary) {
   out.Write(summary + "\n");
   Table table(out, file, wanted.fields);
@@ -80,7 +95,8 @@ void ShowRows(Output& out, const DataFile& file, const DataFile::Wanted& wanted,
   }
 }
 
-void ShowRowsAsJson(Output& out, const DataFile& file, const DataFile::Wanted& wanted) {
+void ShowRowsAsJson(Output& out, const DataFile& file, const DataFile::Wanted& wanted,
+                    const std::optional<Summed>& summed) {
   out.Write("{\"name\": " + JsonString(file.Name()) + ", \"rows\": [");
   std::string separator = "\n  ";
   file.ForEachRow(wanted, [&](std::int32_t state, const std::vector<DataFile::Shown>& values) {
@@ -92,7 +108,16 @@ void ShowRowsAsJson(Output& out, const DataFile& file, const DataFile::Wanted& w
     out.Write(row + "}}");
     separator = ",\n  ";
   });
-  out.Write("]}\n");
+  std::string end = "]";
+  if (summed) {
+    end += ", \"count\": " + std::to_string(summed->totals.rows) + ", \"sum\": {";
+    for (std::size_t i = 0; i < summed->fields.size(); ++i) {
+      end += (i == 0 ? "" : ", ") + JsonString(file.Fields()[summed->fields[i]].name) + ": " +
+             ForMachines(summed->totals.sums[i]);
+    }
+    end += "}";
+  }
+  out.Write(end + "}\n");
 }
 
 /// The places of the fields of a list "name,total"; of all where it is not given.
@@ -173,10 +198,18 @@ int ShowData(Session& session, const std::string& name, const Arguments& argumen
   if (arguments.Has("original")) {
     file.TakeBackChanges();
   }
+  std::optional<Summed> summed;
+  if (const auto sum = arguments.ValueOf("sum")) {
+    summed = Summed{FieldsOf(file, sum), {}};
+    summed->totals = file.SumUp(wanted.filter, summed->fields);
+  }
   if (arguments.Has("json")) {
-    ShowRowsAsJson(session.out, file, wanted);
-  } else {
-    ShowRows(session.out, file, wanted, summary);
+    ShowRowsAsJson(session.out, file, wanted, summed);
+    return kDone;
+  }
+  ShowRows(session.out, file, wanted, summary);
+  if (summed) {
+    ShowSums(session.out, file, *summed);
   }
   return kDone;
 }

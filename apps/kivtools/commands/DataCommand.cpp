@@ -14,7 +14,7 @@ namespace kivtools {
 namespace {
 
 constexpr std::array<std::string_view, 2> kEncodings = {"utf-8", "windows-1250"};
-constexpr std::array<Option, 15> kOptions = {{
+constexpr std::array<Option, 16> kOptions = {{
     {"columns", "LIST", {"show: only these fields, \"name,total\"", "show: numai aceste câmpuri, \"nume,total\""}},
     {"encoding",
      "NAME",
@@ -44,6 +44,10 @@ constexpr std::array<Option, 15> kOptions = {{
      "C",
      {"what stands between values of a .csv, or \"tab\"", "ce stă între valorile unui .csv, sau \"tab\""}},
     {"sort", "LIST", {"show: in this order, \"name, total desc\"", "show: în această ordine, \"nume, total desc\""}},
+    {"sum",
+     "LIST",
+     {"show: what these fields of all rows that pass come to",
+      "show: cât fac aceste câmpuri la toate rândurile care trec"}},
     {"table", "NAME", {"the name of the rows of a .csv", "numele rândurilor unui .csv"}},
     {"types",
      "LIST",
@@ -65,6 +69,7 @@ constexpr Phrase kDetails = {
     "Examples:\n"
     "  kivtools data show lines.kdp\n"
     "  kivtools data show --sort \"partner, total desc\" --limit 10 lines.kdp\n"
+    "  kivtools data show --filter \"total > 100\" --sum total lines.kdp\n"
     "  kivtools data changes --json to-send.kdp\n"
     "  kivtools data check lines.kdp\n"
     "  kivtools data convert --types cont:text bank.csv bank.kdp\n"
@@ -82,6 +87,7 @@ constexpr Phrase kDetails = {
     "Exemple:\n"
     "  kivtools data show lines.kdp\n"
     "  kivtools data show --sort \"partner, total desc\" --limit 10 lines.kdp\n"
+    "  kivtools data show --filter \"total > 100\" --sum total lines.kdp\n"
     "  kivtools data changes --json to-send.kdp\n"
     "  kivtools data check lines.kdp\n"
     "  kivtools data convert --types cont:text bank.csv bank.kdp\n"
@@ -178,7 +184,8 @@ int RunCheck(Session& session, const Arguments& arguments) {
 }
 
 constexpr std::array<std::string_view, 1> kJson = {"json"};
-constexpr std::array<std::string_view, 6> kShowOptions = {"columns", "filter", "json", "limit", "original", "sort"};
+constexpr std::array<std::string_view, 7> kShowOptions = {"columns",  "filter", "json", "limit",
+                                                          "original", "sort",   "sum"};
 const std::array<DataAction, 5> kActions = {{{"show", 2, kShowOptions, RunShow},
                                              {"changes", 2, kJson, RunChanges},
                                              {"check", 2, kJson, RunCheck},

@@ -292,6 +292,12 @@ def refused_folder(folder):
                              env={"KIVTOOLS_LIBRARY": copies[LIBRARY]}, **somebody)
     expect("a folder that may not be listed", (run.returncode, "ȘA 2026-0117".encode() in run.stdout, run.stderr.decode()),
            (2, True, f"kivtools invoice: {closed}: cannot be listed: Permission denied (error 13)\n"))
+    listing = subprocess.run([copies[PROGRAM], "list", reachable, "--json"], stdout=subprocess.PIPE,
+                             stderr=subprocess.STDOUT, cwd=reachable, env={"KIVTOOLS_LIBRARY": copies[LIBRARY]}, **somebody)
+    found, _, told = listing.stdout.decode().partition("]\n")
+    expect("what was found stands before what was not", (listing.returncode, "kivtools" in found,
+                                                         told.startswith("kivtools list: "), closed in told),
+           (2, True, True, True))
     os.rmdir(closed)
 
 

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <string_view>
+#include <utility>
 
 #include "apps/kivtools/LibraryCalls.h"
 #include "apps/kivtools/system/Paths.h"
@@ -12,10 +14,17 @@
 
 namespace kivtools {
 
-DataFormat FormatOf(const std::filesystem::path& path) {
+std::optional<DataFormat> FormatNamed(const std::filesystem::path& path) {
+  static constexpr std::array<std::pair<std::string_view, DataFormat>, 3> kEndings = {
+      {{".kdp", DataFormat::Packet}, {".xml", DataFormat::Xml}, {".csv", DataFormat::Csv}}};
   std::string ending = path.extension().string();
   std::ranges::transform(ending, ending.begin(), [](char character) { return kiv::ascii::ToLower(character); });
-  return ending == ".csv" ? DataFormat::Csv : ending == ".xml" ? DataFormat::Xml : DataFormat::Packet;
+  const auto* const named = std::ranges::find(kEndings, ending, [](const auto& one) { return one.first; });
+  return named == kEndings.end() ? std::nullopt : std::optional(named->second);
+}
+
+DataFormat FormatOf(const std::filesystem::path& path) {
+  return FormatNamed(path).value_or(DataFormat::Packet);
 }
 
 DataFile::DataFile(const Library& library, const std::filesystem::path& path, const DataForm& form)

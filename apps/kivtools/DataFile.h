@@ -40,7 +40,9 @@ struct DataForm {
 
 /// The forms of files of data.
 enum class DataFormat : std::uint8_t { Packet, Xml, Csv };
-/// By the file's ending, case apart; a packet where it is none of a text's.
+/// That which the file's ending names, case apart. Example: "a.CSV" gives Csv, "a.txt" nothing.
+std::optional<DataFormat> FormatNamed(const std::filesystem::path& path);
+/// The same; a packet where the ending names none, because applications call theirs as they like.
 DataFormat FormatOf(const std::filesystem::path& path);
 
 /// A file of the dataset engine: a dataset with its journal, or a delta. Texts are UTF-8.

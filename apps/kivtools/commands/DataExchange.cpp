@@ -115,6 +115,11 @@ DataFile Load(Session& session, const std::string& name, const DataForm& form) {
 int RunConvert(Session& session, const Arguments& arguments) {
   const DataForm form = FormOf(arguments);
   const std::string& out = arguments.Values()[2];
+  if (!FormatNamed(PathFromUtf8(out))) {
+    throw InputError(Say({"{0} is not called .kdp, .xml or .csv, which says in what form to write it",
+                          "{0} nu se termină în .kdp, .xml sau .csv, ceea ce spune în ce formă să fie scris"},
+                         ShownName(out)));
+  }
   const DataFile file = Load(session, arguments.Values()[1], form);
   file.Save(PathFromUtf8(out), form);
   const std::size_t rows =

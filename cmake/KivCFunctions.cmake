@@ -10,7 +10,7 @@ set(KIV_C_FREE_FAMILIES
   NumbersInWords PersonalNumericCode Rounding StringList Strings System TextShaping Transliteration Variants Versions)
 # Families that write files, start or end programs, or ask the user: only their own tests call them.
 set(KIV_C_SYSTEM_FAMILIES
-  Bitmaps DatasetExchange DatasetPackets FileLists FileTrees Files Floppy Forms Host Paths Processes)
+  Bitmaps DatasetArrow DatasetExchange DatasetPackets FileLists FileTrees Files Floppy Forms Host Paths Processes)
 
 # The header's text without its comments.
 function(kiv_read_header header out)

@@ -20,6 +20,7 @@
 #include "kivtools/Types.h"
 #include "kivtools/WideTools.h"
 #include "kivtools/WinUtil.h"
+#include "kivtools/dataset/Arrow.h"
 #include "kivtools/dataset/Csv.h"
 #include "kivtools/dataset/Difference.h"
 #include "kivtools/dataset/Xml.h"
@@ -240,6 +241,9 @@ Text OfFiles(std::uint32_t number) {
   SaveXml(dataset, folder / "linii.xml");
   const Dataset fromXml = LoadXml(folder / "linii.xml");
   all += Shown(static_cast<double>(Difference(dataset, fromXml).ChangeCount()));
+  ArrowArrayStream columns;
+  ExportArrow(dataset.TakeSnapshot(), columns);
+  all += ImportArrow(columns, "linii").GetText(RowId{0}, "nume");
   SaveCsv(dataset, folder / "linii.csv");
   all += LoadCsv(folder / "linii.csv").GetText(RowId{0}, "nume");
   RecursiveDelete(at(""));

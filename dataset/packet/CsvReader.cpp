@@ -138,30 +138,21 @@ void CsvReader::Look(CsvRecords& records) {
   }
 }
 
-/// The fields by the header, by what was seen of them and by what the caller says. Names that no field can have are
-/// made into ones, and the later of two equal ones gets a number.
+/// The fields by the header, by what was seen of them and by what the caller says.
 void CsvReader::MakeFields() {
-  constexpr std::size_t kRoomForNumber = 5;
   fields_.clear();
-  std::vector<Text> taken;
+  packet::ColumnNames names;
   for (std::size_t i = 0; i < header_.size(); ++i) {
-    const Text wanted = packet::NameFrom(isUtf8_ ? packet::ShownUtf8(header_[i]) : header_[i]);
-    Text name = wanted;
-    for (int number = 2; std::ranges::find(taken, store::FoldName(name)) != taken.end(); ++number) {
-      name = wanted.substr(0, packet::kLongestName - kRoomForNumber) + "_";
-      AppendDecimal(name, number);
-    }
-    taken.push_back(store::FoldName(name));
+    Text name = names.Add(isUtf8_ ? packet::ShownUtf8(header_[i]) : header_[i]);
     fields_.emplace_back(std::move(name), guesses_[i].Type(isUtf8_));
   }
   given_ = 0;
   for (const FieldDef& given : options_.fields) {
-    const auto found = std::ranges::find(taken, store::FoldName(given.name));
-    if (found == taken.end()) {
+    const auto column = names.Take(given.name);
+    if (!column) {
       packet::RefuseText(operation_, {}, "coloana " + Quoted(given.name) + " lipseste sau apare de doua ori");
     }
-    fields_[static_cast<std::size_t>(found - taken.begin())] = given;
-    *found = "";
+    fields_[*column] = given;
     ++given_;
   }
   bytes_.resize(fields_.size());

@@ -178,6 +178,7 @@ void XmlPull::RefuseCutShort() const {
 void XmlPull::ReadDeclaration() {
   const bool hasMark = Starts(kMark);
   at_ += hasMark ? kMark.size() : 0;
+  checked_ = at_;
   if (Starts("<?xml")) {
     std::size_t size = 0;
     while ((size = std::string_view(at_, static_cast<std::size_t>(end_ - at_)).find("?>")) == std::string_view::npos) {

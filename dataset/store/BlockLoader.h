@@ -82,6 +82,10 @@ class BlockLoader {
 
   /// Checks states and keys against the log, builds the key index and hands the dataset over.
   std::unique_ptr<Store> Finish();
+  /// The first row that has the key of one before it, where Finish() has thrown for that.
+  [[nodiscard]] std::optional<std::uint32_t> RowWithTakenKey() const noexcept {
+    return store_->keys_.RowWithTakenKey();
+  }
 
  private:
   [[noreturn]] void Refuse(std::size_t field, std::uint32_t row, TextView why) const;

@@ -102,7 +102,8 @@ void KeyIndex::Build(std::uint32_t rows) {
   }
   std::vector<Cell> key(fields_.size());
   if (!built.AddBySegment(rows, key)) {
-    built.RefuseFirstTwice(rows, key);
+    rowWithTakenKey_ = built.FindFirstTwice(rows, key);
+    RefuseTwice(key);
   }
   index_ = std::move(built.index_);
   isExact_ = built.isExact_;
@@ -131,13 +132,14 @@ bool KeyIndex::AddBySegment(std::uint32_t rows, std::vector<Cell>& key) {
   return true;
 }
 
-void KeyIndex::RefuseFirstTwice(std::uint32_t rows, std::vector<Cell>& key) {
+std::optional<std::uint32_t> KeyIndex::FindFirstTwice(std::uint32_t rows, std::vector<Cell>& key) {
   index_.Clear();
   for (std::uint32_t row = 0; row < rows; ++row) {
     if (contents_.StateOf(row) < StoredState::Deleted && !TryAdd({TagOf(ReadKey(row, key)), row}, key)) {
-      RefuseTwice(key);
+      return row;
     }
   }
+  return std::nullopt;
 }
 
 void KeyIndex::ReadEntries(std::uint32_t first, std::uint32_t end, std::vector<Entry>& entries,

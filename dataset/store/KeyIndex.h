@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -59,6 +60,8 @@ class KeyIndex {
   /// Makes the index anew from the first `rows` rows, or from nothing. Throws std::bad_alloc, and Error naming the key
   /// where two rows have the same; nothing has changed then.
   void Build(std::uint32_t rows);
+  /// The first row that has the key of one before it, where Build() has thrown for that.
+  [[nodiscard]] std::optional<std::uint32_t> RowWithTakenKey() const noexcept { return rowWithTakenKey_; }
   /// Takes the entries of another index, whose rows and keys are now those of this one's contents.
   void TakeOver(KeyIndex& other) noexcept {
     index_ = std::move(other.index_);
@@ -79,8 +82,8 @@ class KeyIndex {
   };
   /// Adds the first `rows` rows; false where two have the same key. `key` is for the keys that are read.
   bool AddBySegment(std::uint32_t rows, std::vector<Cell>& key);
-  /// Names the first key that is there twice, in the order of the rows.
-  void RefuseFirstTwice(std::uint32_t rows, std::vector<Cell>& key);
+  /// The first row that has the key of one before it, and that key.
+  std::optional<std::uint32_t> FindFirstTwice(std::uint32_t rows, std::vector<Cell>& key);
   void ReadEntries(std::uint32_t first, std::uint32_t end, std::vector<Entry>& entries, std::vector<Cell>& key);
   static void SortBySegment(std::span<const Entry> entries, std::span<Entry> sorted) noexcept;
   bool TryAdd(const Entry& entry, std::vector<Cell>& key);
@@ -93,6 +96,7 @@ class KeyIndex {
   bool isInteger_;
   bool isExact_;
   bool isBroken_ = false;
+  std::optional<std::uint32_t> rowWithTakenKey_;
 };
 
 }  // namespace kiv::store

@@ -15,6 +15,7 @@
 #include "kivtools/c/Colours.h"
 #include "kivtools/c/Dataset.h"
 #include "kivtools/c/DatasetAggregate.h"
+#include "kivtools/c/DatasetArrow.h"
 #include "kivtools/c/DatasetCursor.h"
 #include "kivtools/c/DatasetExchange.h"
 #include "kivtools/c/DatasetFilter.h"

@@ -166,6 +166,7 @@ TEST(Xml, WhatIsNotKnownOrNotAllowedIsRefusedAtItsPlace) {
     std::string_view message;
   } kCases[] = {
       {"", 1, 1, "textul este retezat"},
+      {"\xEF\xBB\xBF", 1, 4, "textul este retezat"},
       {"<kivdata", 1, 1, "textul este retezat"},
       {"<x/>", 1, 1, "trebuie elementul <kivdata>"},
       {replaced("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n", "<!DOCTYPE a [<!ENTITY b \"c\">]>"), 1, 1,

@@ -1,6 +1,7 @@
 #include "dataset/query/OrderedIndex.h"
 
 #include "dataset/query/CalculatedColumns.h"
+#include "dataset/query/Candidates.h"
 #include "dataset/query/Lookup.h"
 #include "dataset/query/RowSort.h"
 
@@ -45,9 +46,12 @@ void OrderedIndex::Repair() {
   if (IsReady() && !hasFailed_ && !sought_.HasFailed() && !met_.HasFailed()) {
     return;
   }
-  std::vector<std::uint32_t> rows = SortedRows(contents_, order_);
+  std::vector<std::uint32_t> rows;
   if (filter_) {
-    std::erase_if(rows, [this](std::uint32_t row) { return !filter_->Test(RowId{row}); });
+    rows = PassingRows(*followers_->GetStore(), filter_->GetTree());
+    SortRows(contents_, order_, rows);
+  } else {
+    rows = SortedRows(contents_, order_);
   }
   rows_.Assign(rows, [this](std::uint32_t row) { return KeyOf(row); });
   ++version_;
@@ -78,6 +82,23 @@ PackedKey OrderedIndex::KeyOf(std::uint32_t row) noexcept {
   return Pack(contents_, order_, cells_);
 }
 
+int OrderedIndex::CompareWithSought(std::uint32_t row) const noexcept {
+  for (std::size_t i = 0; i < order_.size(); ++i) {
+    const Cell& sought = cells_[i];
+    if (order_[i].field < contents_.columns.size()) {
+      const Cell met = contents_.columns[order_[i].field].Load(row);
+      // Equal codes are equal texts.
+      if (met.isNull == sought.isNull && met.bits == sought.bits && met.more == sought.more) {
+        continue;
+      }
+    }
+    if (const int order = CompareCells(order_[i], types_[i], met_.TryRead(i, row), sought); order != 0) {
+      return order;
+    }
+  }
+  return 0;
+}
+
 int OrderedIndex::Compare(std::uint32_t row, std::span<const Cell> cells) const noexcept {
   for (std::size_t i = 0; i < cells.size(); ++i) {
     if (const int order = CompareCells(order_[i], types_[i], met_.TryRead(i, row), cells[i]); order != 0) {
@@ -90,7 +111,7 @@ int OrderedIndex::Compare(std::uint32_t row, std::span<const Cell> cells) const 
 RowList::Place OrderedIndex::PlaceOf(std::uint32_t row) noexcept {
   const PackedKey key = KeyOf(row);
   return rows_.FirstNot(key, [this, row](std::uint32_t other) {
-    const int order = other == row ? 0 : Compare(other, cells_);
+    const int order = other == row ? 0 : CompareWithSought(other);
     return order < 0 || (order == 0 && other < row);
   });
 }

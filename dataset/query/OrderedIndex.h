@@ -39,6 +39,10 @@ class OrderedIndex final : public store::Follower, public std::enable_shared_fro
   void Repair();
   /// Whether it may be asked for something without that.
   [[nodiscard]] bool IsReady() const noexcept { return !isStale_ && lookupVersion_ == CurrentLookupVersion(); }
+  /// Whether all rows are in it, and it may be asked for them.
+  [[nodiscard]] bool HoldsAllRows() const noexcept {
+    return !filter_ && IsReady() && !hasFailed_ && !sought_.HasFailed() && !met_.HasFailed();
+  }
 
   [[nodiscard]] std::uint32_t Count() const noexcept { return rows_.Count(); }
   /// The row at a position, from 0.
@@ -69,6 +73,8 @@ class OrderedIndex final : public store::Follower, public std::enable_shared_fro
   [[nodiscard]] bool Concerns(const store::RowChange& change) const noexcept;
   void ReadCells(std::uint32_t row) noexcept;
   [[nodiscard]] PackedKey KeyOf(std::uint32_t row) noexcept;
+  /// How a row stands to the one whose cells were read last.
+  [[nodiscard]] int CompareWithSought(std::uint32_t row) const noexcept;
   /// The place of a row or the one that it would have.
   [[nodiscard]] RowList::Place PlaceOf(std::uint32_t row) noexcept;
 

@@ -60,7 +60,9 @@ class FieldKey {
  public:
   FieldKey(const Contents& contents, const OrderField& by, std::span<const std::uint32_t> rows)
       : contents_(contents), column_(contents.columns[by.field]), by_(by), rows_(rows) {
-    if (store::TraitsOf(column_.type).storage == store::Storage::Texts && column_.texts.HasDictionary()) {
+    // For a few rows it costs less to look at their own texts.
+    if (store::TraitsOf(column_.type).storage == store::Storage::Texts && column_.texts.HasDictionary() &&
+        column_.texts.EntryCount() <= rows.size()) {
       RankEntries();
     }
     FindRange();
@@ -217,8 +219,8 @@ Item<Key>* SortByKey(Item<Key>* from, Item<Key>* to, std::size_t count, unsigned
 }
 
 template <class Key>
-void SortRows(const Contents& contents, const Order& order, std::span<const FieldKey> fields, bool isExact,
-              unsigned bits, std::vector<std::uint32_t>& rows) {
+void SortByFields(const Contents& contents, const Order& order, std::span<const FieldKey> fields, bool isExact,
+                  unsigned bits, std::vector<std::uint32_t>& rows) {
   const auto memory = std::make_unique_for_overwrite<Item<Key>[]>(rows.size() * 2);
   Item<Key>* const items = memory.get();
   for (std::size_t i = 0; i < rows.size(); ++i) {
@@ -289,9 +291,14 @@ void SortCalculated(const Contents& contents, const Order& order, OrderReader& r
 
 std::vector<std::uint32_t> SortedRows(const Contents& contents, const Order& order) {
   std::vector<std::uint32_t> rows = PresentRows(contents);
+  SortRows(contents, order, rows);
+  return rows;
+}
+
+void SortRows(const Contents& contents, const Order& order, std::vector<std::uint32_t>& rows) {
   if (OrderReader reader(contents, order); reader.Calculates()) {
     SortCalculated(contents, order, reader, rows);
-    return rows;
+    return;
   }
   std::vector<FieldKey> fields;
   fields.reserve(order.size());
@@ -307,14 +314,13 @@ std::vector<std::uint32_t> SortedRows(const Contents& contents, const Order& ord
     bits = std::min(bits + field.Width(), 64U);
   }
   if (bits == 0 && isExact) {
-    return rows;
+    return;
   }
   if (bits <= 32) {
-    SortRows<std::uint32_t>(contents, order, fields, isExact, bits, rows);
+    SortByFields<std::uint32_t>(contents, order, fields, isExact, bits, rows);
   } else {
-    SortRows<std::uint64_t>(contents, order, fields, isExact, bits, rows);
+    SortByFields<std::uint64_t>(contents, order, fields, isExact, bits, rows);
   }
-  return rows;
 }
 
 }  // namespace kiv::query

@@ -8,6 +8,7 @@
 #include "Expect.h"
 #include "PacketBytes.h"
 #include "Show.h"
+#include "kivtools/dataset/Aggregate.h"
 #include "kivtools/dataset/Cursor.h"
 #include "kivtools/dataset/Loader.h"
 #include "platform/TestFolder.h"
@@ -136,6 +137,61 @@ std::string Walked(Cursor& cursor) {
     seen += " " + std::to_string(static_cast<std::uint32_t>(clone.Row()));
   }
   return seen;
+}
+
+/// The rows that a cursor sees, wherever it stands.
+std::string RowsOf(Cursor& cursor) {
+  cursor.First();
+  return cursor.AtEnd() ? "" : Walked(cursor);
+}
+
+std::string Shown(const Aggregate& aggregate) {
+  std::string shown;
+  for (const AggregateGroup& group : aggregate.Groups()) {
+    shown += ShownValue(FieldType::Text, group.key.at(0)) + "=" + ShownValue(FieldType::Currency, group.value) + " ";
+  }
+  return shown;
+}
+
+TEST(Allocations, AFailureLeavesFiltersAndFiguresAsTheyWere) {
+  std::vector<Operation> operations(std::begin(kOperations), std::end(kOperations));
+  operations.push_back({"filter by vectors", [](Dataset& d) { Cursor(d).Filter("suma < 2 and text like 't%'"); }});
+  operations.push_back({"filter by index", [](Dataset& d) {
+                          Cursor ordered(d);
+                          ordered.OrderBy("text");
+                          Cursor(d).Filter("text = 't17' or text = 't18'");
+                          Cursor(d).Filter("text = 't17' and suma / 2 < 3");
+                        }});
+  operations.push_back({"figure", [](Dataset& d) { static_cast<void>(Aggregate(d, "max(text)", "suma").Groups()); }});
+  constexpr TextView kCondition = "Substr(text, 2) || 'un text mai lung' >= '3' or suma = 2";
+  for (const auto& [name, act] : operations) {
+    bool hasFailed = true;
+    for (std::uint64_t failing = 0; hasFailed; ++failing) {
+      ASSERT_LT(failing, 10'000U) << name;
+      Dataset dataset = Edited();
+      Cursor cursor(dataset);
+      cursor.OrderBy("text desc");
+      cursor.Filter(kCondition);
+      const Aggregate sums(dataset, "sum(suma)", "text");
+      const std::string before = RowsOf(cursor);
+      const std::string sumsBefore = Shown(sums);
+      Allocations::FailFrom(failing);
+      try {
+        act(dataset);
+        hasFailed = Allocations::Stop();  // what follows an edit may fail and catch up
+      } catch (const std::bad_alloc&) {
+        ASSERT_TRUE(Allocations::Stop());
+        ASSERT_EQ(RowsOf(cursor), before) << name << " " << failing;
+        ASSERT_EQ(Shown(sums), sumsBefore) << name << " " << failing;
+        act(dataset);
+      }
+      Cursor fresh(dataset);
+      fresh.OrderBy("text desc");
+      fresh.Filter(kCondition);
+      ASSERT_EQ(RowsOf(cursor), RowsOf(fresh)) << name << " " << failing;
+      ASSERT_EQ(Shown(sums), Shown(Aggregate(dataset, "sum(suma)", "text"))) << name << " " << failing;
+    }
+  }
 }
 
 TEST(Allocations, AFailureLeavesOrdersAndCursorsAsTheyWere) {

@@ -1,12 +1,15 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <optional>
 
 #include "EveryType.h"
 #include "Expect.h"
 #include "FilterTexts.h"
+#include "dataset/query/Candidates.h"
 #include "dataset/query/Evaluator.h"
 #include "dataset/query/Selection.h"
+#include "kivtools/dataset/Cursor.h"
 #include "kivtools/dataset/Filter.h"
 
 namespace kiv {
@@ -142,6 +145,105 @@ TEST(FilterVectors, GiveTheRowsOfThePlainEvaluator) {
   EXPECT_GT(compiled, 1000);
   EXPECT_GT(faulty, 20);
   EXPECT_LT(faulty, compiled / 2);
+}
+
+/// Orders in whose indexes values are looked up.
+constexpr TextView kOrders[] = {"i2",     "c desc nulls last, id", "s", "x desc", "n binary", "d",
+                                "f desc", "m nulls last",          "b", "w"};
+/// Conditions that few rows pass, and some that look so.
+constexpr TextView kNarrow[] = {"id = 17",
+                                "17 = id",
+                                "id in (3, 5, 4000, 5)",
+                                "id = 12.5",
+                                "i2 = 7",
+                                "i2 > 197",
+                                "i2 < 2 and i2 <> 1",
+                                "i2 in (3, 4)",
+                                "i2 between 150 and 151",
+                                "c = 0.0005",
+                                "c < -0.0005",
+                                "f < 3",
+                                "f between 5 and 5.5",
+                                "d = {1900-01-05}",
+                                "d between {1900-01-03} and {1900-01-06 12:00}",
+                                "m <= {1900-01-09 12:00}",
+                                "s = 'oras 77'",
+                                "s < 'oras 1'",
+                                "s >= 'oras 98'",
+                                "x = 'oras 78'",
+                                "x between 'oras 5' and 'oras 52'",
+                                "n = 'oras 100'",
+                                "n > 'oras 2'",
+                                "w = 'ăă'",
+                                "s <> 'oras 1'",
+                                "s = null",
+                                "i2 in (3, 4) and 100 div (i2 - 3) > 1",
+                                "i2 = 7 and 100 div (i4 - i4) > 1",
+                                "id = 17 and 1 / (id - 17) > 0",
+                                "f < 3 and 5 / (i2 - 1) > 1",
+                                "b = true"};
+
+TEST(FilterVectors, FindTheSameRowsAmongThoseOfAnIndex) {
+  std::vector<Dataset> datasets = Datasets();
+  FilterTexts texts(Fields(), 17);
+  int few = 0;
+  int faulty = 0;
+  for (std::size_t at = 2; at < datasets.size(); ++at) {
+    Dataset& dataset = datasets[at];
+    std::vector<Cursor> orders;
+    for (const TextView order : kOrders) {
+      orders.emplace_back(dataset).OrderBy(order);
+    }
+    for (std::size_t i = 0; i < 20 * std::size(kNarrow); ++i) {
+      Text text(kNarrow[i % std::size(kNarrow)]);
+      if (i % 3 != 0) {
+        text += " and " + texts.Condition(1);
+      }
+      if (i % 4 == 0) {
+        text.insert(0, texts.Condition(1) + " and ");
+      }
+      text = FromUtf8(text);
+      std::optional<Filter> filter;
+      try {
+        filter.emplace(dataset, text);
+      } catch (const FilterError&) {
+        continue;  // kinds that do not go together
+      }
+      const Outcome expected = ByRows(*filter, dataset);
+      const auto passing = [&](auto& rows) {
+        for (const std::uint32_t row : query::PassingRows(dataset.GetStore(), filter->GetTree())) {
+          rows.push_back(RowId{row});
+        }
+      };
+      ASSERT_EQ(Of(passing), expected) << text;
+      const bool isFew = query::FewCandidates(dataset.GetStore(), filter->GetTree()).has_value();
+      few += isFew ? 1 : 0;
+      faulty += isFew && !expected.fault.empty() ? 1 : 0;
+      const auto walked = [&](auto& rows) {
+        Cursor cursor(dataset);
+        cursor.OrderBy("x, id desc");
+        cursor.Filter(text);
+        while (cursor.Next()) {
+          rows.push_back(cursor.Row());
+        }
+        Cursor all(dataset);
+        all.OrderBy("x, id desc");
+        std::vector<RowId> inOrder;
+        while (all.Next()) {
+          if (filter->Test(all.Row())) {
+            inOrder.push_back(all.Row());
+          }
+        }
+        EXPECT_EQ(rows, inOrder) << text;
+        std::ranges::sort(rows);
+      };
+      if (i % 16 == 0) {
+        ASSERT_EQ(Of(walked), expected) << text;
+      }
+    }
+  }
+  EXPECT_GT(few, 300);
+  EXPECT_GT(faulty, 10);
 }
 
 /// Numbers at the ends of their types, of every column width, beside the edges of batches and blocks.

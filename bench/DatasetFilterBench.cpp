@@ -1,11 +1,18 @@
 #include <benchmark/benchmark.h>
 #include <sqlite3.h>
 
+#include <algorithm>
+#include <map>
+#include <memory>
 #include <string>
+#include <string_view>
 
 #include "bench/DatasetContainers.h"
 #include "bench/DuckDb.h"
+#include "dataset/query/Evaluator.h"
 #include "dataset/query/Selection.h"
+#include "kivtools/dataset/Aggregate.h"
+#include "kivtools/dataset/Cursor.h"
 #include "kivtools/dataset/Filter.h"
 
 // A million rows are asked for those of one town with large sums, which are few, and for the sum over all rows above a
@@ -21,12 +28,15 @@ constexpr const char* kWide = "suma > 5000";
 struct Figures {
   std::int64_t narrow = 0;
   std::int64_t wide = 0;
+  std::int64_t towns = 0;  // the greatest sum of a town
 };
 
 const Figures& Expected() {
   static const Figures expected = [] {
     Figures figures;
+    std::map<std::string_view, std::int64_t> sums;
     for (const Line& line : Lines()) {
+      figures.towns = std::max(figures.towns, sums[line.town] += line.sum);
       figures.narrow += line.town == "orasul 123" && line.sum > 90'000'000 ? 1 : 0;
       figures.wide += line.sum > 50'000'000 ? line.sum : 0;
     }
@@ -46,6 +56,50 @@ class KivRows : public Kiv {
   [[nodiscard]] std::int64_t Wide(const kiv::query::Kernels& kernels) const {
     const kiv::Filter filter(dataset_, kWide);
     return std::get<kiv::Currency>(SumRows(filter.GetTree(), dataset_.GetContents(), sum_.Index(), kernels)).Raw();
+  }
+  /// Asks an aggregate that is new.
+  [[nodiscard]] std::int64_t Towns() { return GreatestOf(kiv::Aggregate(dataset_, "sum(suma)", "oras")); }
+  /// Asks one that is there after an edit that concerns it.
+  [[nodiscard]] std::int64_t TownsAfterEdit() {
+    static const kiv::Aggregate followed(dataset_, "sum(suma)", "oras");
+    dataset_.Set(kiv::RowId{0}, sum_, kiv::Currency());
+    dataset_.Changes().UndoLast();
+    return GreatestOf(followed);
+  }
+  /// A cursor over the few rows that pass.
+  [[nodiscard]] std::int64_t NarrowCursor() {
+    kiv::Cursor cursor(dataset_);
+    cursor.Filter(kNarrow);
+    return static_cast<std::int64_t>(cursor.Count());
+  }
+  /// The same where there is an order by town.
+  [[nodiscard]] std::int64_t NarrowCursorWithIndex() {
+    static const std::unique_ptr<kiv::Cursor> byTown = [this] {
+      auto made = std::make_unique<kiv::Cursor>(dataset_);
+      made->OrderBy("oras");
+      return made;
+    }();
+    return NarrowCursor();
+  }
+  /// The same by testing row after row.
+  [[nodiscard]] std::int64_t NarrowByRows() {
+    const kiv::Filter filter(dataset_, kNarrow);
+    kiv::query::Evaluator evaluator(filter.GetTree());
+    std::int64_t passing = 0;
+    for (std::uint32_t row = 0; row < kRows; ++row) {
+      const kiv::store::Cell& truth = evaluator.Evaluate(filter.GetTree().Root(), dataset_.GetContents(), row);
+      passing += !truth.isNull && truth.bits != 0 ? 1 : 0;
+    }
+    return passing;
+  }
+
+ private:
+  static std::int64_t GreatestOf(const kiv::Aggregate& aggregate) {
+    std::int64_t greatest = 0;
+    for (const kiv::AggregateGroup& group : aggregate.Groups()) {
+      greatest = std::max(greatest, std::get<kiv::Currency>(group.value).Raw());
+    }
+    return greatest;
   }
 };
 
@@ -68,16 +122,19 @@ class SqliteRows {
     sqlite3_exec(database_, "commit", nullptr, nullptr, nullptr);
     narrow_ = Prepare("select count(*) from linii where oras = 'orasul 123' and suma > 90000000");
     wide_ = Prepare("select sum(suma) from linii where suma > 50000000");
+    towns_ = Prepare("select max(s) from (select sum(suma) s from linii group by oras)");
   }
   SqliteRows(const SqliteRows&) = delete;
   SqliteRows& operator=(const SqliteRows&) = delete;
   ~SqliteRows() {
     sqlite3_finalize(narrow_);
     sqlite3_finalize(wide_);
+    sqlite3_finalize(towns_);
     sqlite3_close(database_);
   }
   [[nodiscard]] std::int64_t Narrow() const { return Number(narrow_); }
   [[nodiscard]] std::int64_t Wide() const { return Number(wide_); }
+  [[nodiscard]] std::int64_t Towns() const { return Number(towns_); }
 
  private:
   sqlite3_stmt* Prepare(const char* sql) {
@@ -94,27 +151,24 @@ class SqliteRows {
   sqlite3* database_ = nullptr;
   sqlite3_stmt* narrow_ = nullptr;
   sqlite3_stmt* wide_ = nullptr;
+  sqlite3_stmt* towns_ = nullptr;
 };
 
 class DuckRows {
  public:
   DuckRows() {
-    database_.Run("create table linii(id integer, suma bigint, oras varchar)");
-    constexpr std::size_t kAtOnce = 10'000;
-    for (std::size_t i = 0; i < kRows; i += kAtOnce) {
-      std::string sql = "insert into linii values ";
-      for (std::size_t at = i; at < i + kAtOnce; ++at) {
-        const Line& line = Lines()[at];
-        sql +=
-            (at == i ? "(" : ",(") + std::to_string(line.id) + "," + std::to_string(line.sum) + ",'" + line.town + "')";
-      }
-      database_.Run(sql.c_str());
-    }
+    database_.Fill("linii", "id integer, suma bigint, oras varchar", kRows, [](std::size_t row) {
+      const Line& line = Lines()[row];
+      return std::to_string(line.id) + "," + std::to_string(line.sum) + ",'" + line.town + "'";
+    });
   }
   std::int64_t Narrow() {
     return database_.Number("select count(*) from linii where oras = 'orasul 123' and suma > 90000000");
   }
   std::int64_t Wide() { return database_.Number("select sum(suma)::bigint from linii where suma > 50000000"); }
+  std::int64_t Towns() {
+    return database_.Number("select max(s)::bigint from (select sum(suma) s from linii group by oras)");
+  }
 
  private:
   DuckDb database_;
@@ -151,6 +205,11 @@ void Time(benchmark::State& state, std::int64_t expected, Ask ask) {
           [kernels] { return One<KivRows>().Wide(*kernels); });
     }
   };
+  const auto addOne = [](const char* name, const std::int64_t Figures::*figure, auto ask) {
+    benchmark::RegisterBenchmark(name, [figure, ask](benchmark::State& state) {
+      Time(state, Expected().*figure, ask);
+    })->Unit(benchmark::kMicrosecond);
+  };
   addKernels("kiv", &kiv::query::BestKernels());
   addKernels("kiv_sse2", kiv::query::Sse2Kernels());
   add(
@@ -158,7 +217,21 @@ void Time(benchmark::State& state, std::int64_t expected, Ask ask) {
   if (DuckDb::IsThere()) {
     add(
         "duckdb", [] { return One<DuckRows>().Narrow(); }, [] { return One<DuckRows>().Wide(); });
+    addOne("DatasetFilter/sum_by_town_1000000/duckdb", &Figures::towns, [] { return One<DuckRows>().Towns(); });
   }
+  addOne("DatasetFilter/sum_by_town_1000000/kiv", &Figures::towns, [] { return One<KivRows>().Towns(); });
+  addOne("DatasetFilter/sum_by_town_1000000/sqlite", &Figures::towns, [] { return One<SqliteRows>().Towns(); });
+  addOne("DatasetFilter/sum_by_town_after_an_edit_of_1000000/kiv", &Figures::towns,
+         [] { return One<KivRows>().TownsAfterEdit(); });
+  addOne("DatasetFilter/sum_by_town_after_an_edit_of_1000000/sqlite_anew", &Figures::towns,
+         [] { return One<SqliteRows>().Towns(); });
+  addOne("DatasetFilter/narrow_cursor_1000000/kiv", &Figures::narrow, [] { return One<KivRows>().NarrowCursor(); });
+  addOne("DatasetFilter/narrow_cursor_1000000/row_by_row", &Figures::narrow,
+         [] { return One<KivRows>().NarrowByRows(); });
+  addOne("DatasetFilter/narrow_cursor_with_index_1000000/kiv", &Figures::narrow,
+         [] { return One<KivRows>().NarrowCursorWithIndex(); });
+  addOne("DatasetFilter/narrow_cursor_with_index_1000000/row_by_row", &Figures::narrow,
+         [] { return One<KivRows>().NarrowByRows(); });
   return true;
 }();
 

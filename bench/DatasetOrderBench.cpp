@@ -2,6 +2,7 @@
 #include <sqlite3.h>
 
 #include "bench/DatasetOrders.h"
+#include "bench/DuckDb.h"
 
 // A million rows in the order of town and day: made from rows that are there, and kept while rows are added one by one.
 // Every peer's order is compared with ours before it is timed.
@@ -98,12 +99,40 @@ void SortSqlite(benchmark::State& state) {
   Require(isSame, "SQLite's order of a dataset");
   SortAll(state, lines);
 }
+
+class DuckLines {
+ public:
+  DuckLines() {
+    database_.Fill("linii", "id integer, zi integer, oras varchar", kRows, [](std::size_t row) {
+      const Line& line = Lines()[row];
+      return std::to_string(row) + "," + std::to_string(line.day) + ",'" + line.town + "'";
+    });
+  }
+  void Order() { database_.Run(kInOrder); }
+  void Disorder() {}
+  template <class Take>
+  void ForEach(Take&& take) {
+    database_.ForEachNumber(kInOrder, [&](std::int64_t row) {
+      const Line& line = Lines()[static_cast<std::size_t>(row)];
+      take(std::string_view(line.town), line.day);
+    });
+  }
+
+ private:
+  static constexpr const char* kInOrder = "select id from linii order by oras, zi";
+  DuckDb database_;
+};
+
+void SortDuckDb(benchmark::State& state) {
+  static DuckLines lines;
+  static const bool isSame = DigestOf(lines) == OurDigest();
+  Require(isSame, "DuckDB's order of a dataset");
+  SortAll(state, lines);
+}
 void SortMultiIndex(benchmark::State& state) {
   static OrderOfLines lines;
   SortAll(state, lines);
 }
-
-constexpr std::size_t kInsertions = 100'000;
 
 /// What the order is after the insertions, worked out without any of the containers.
 std::uint64_t DigestAfterInsertions() {
@@ -112,8 +141,7 @@ std::uint64_t DigestAfterInsertions() {
     for (const Line& line : Lines()) {
       places.emplace_back(line.town, line.day);
     }
-    for (std::size_t i = 0; i < kInsertions; ++i) {
-      const Line& line = Lines()[RandomOrder()[i]];
+    for (const Line& line : NewLines()) {
       places.emplace_back(line.town, line.day);
     }
     std::ranges::sort(places);
@@ -128,6 +156,7 @@ std::uint64_t DigestAfterInsertions() {
 
 template <class Container>
 void InsertIntoOrder(benchmark::State& state) {
+  const std::vector<Line>& lines = NewLines();
   for (auto _ : state) {
     state.PauseTiming();
     auto container = std::make_unique<Container>(kRows);
@@ -135,15 +164,15 @@ void InsertIntoOrder(benchmark::State& state) {
       container->Order();
     }
     state.ResumeTiming();
-    for (std::size_t i = 0; i < kInsertions; ++i) {
-      container->Add(NewLine(RandomOrder()[i]));
+    for (const Line& line : lines) {
+      container->Add(line);
     }
     state.PauseTiming();
     Require(DigestOf(*container) == DigestAfterInsertions(), "the order after insertions");
     container.reset();
     state.ResumeTiming();
   }
-  state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(kInsertions));
+  state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(kNewLines));
 }
 
 [[maybe_unused]] const bool kRegistered = [] {
@@ -152,6 +181,9 @@ void InsertIntoOrder(benchmark::State& state) {
   };
   slow("Dataset/sort_by_town_and_day_1000000/kiv", &SortKiv);
   slow("Dataset/sort_by_town_and_day_1000000/sqlite", &SortSqlite);
+  if (DuckDb::IsThere()) {
+    slow("Dataset/sort_by_town_and_day_1000000/duckdb", &SortDuckDb);
+  }
   slow("Dataset/ordered_index_bulk_1000000/kiv", &SortKiv);
   slow("Dataset/ordered_index_bulk_1000000/multi_index", &SortMultiIndex);
   slow("Dataset/insert_in_order_of_1000000/kiv_logged", &InsertIntoOrder<KivOrdered>)->Iterations(3);

@@ -107,11 +107,20 @@ std::uint64_t DigestOf(Container& container) {
   return digest.Get();
 }
 
-/// Lines as new ones: their numbers are nobody's.
-inline Line NewLine(std::size_t number) {
-  Line line = Lines()[number % kRows];
-  line.id = static_cast<std::int32_t>(number * 3 + 1);
-  return line;
+inline constexpr std::size_t kNewLines = 100'000;
+
+/// Lines in no order as new ones: their numbers are nobody's. Made beforehand, so that what adds them waits for its own
+/// memory alone.
+inline const std::vector<Line>& NewLines() {
+  static const std::vector<Line> lines = [] {
+    std::vector<Line> made;
+    for (std::size_t i = 0; i < kNewLines; ++i) {
+      made.push_back(Lines()[RandomOrder()[i]]);
+      made.back().id = static_cast<std::int32_t>(RandomOrder()[i] * 3 + 1);
+    }
+    return made;
+  }();
+  return lines;
 }
 
 }  // namespace bench

@@ -44,11 +44,32 @@ class DuckDb {
 
   /// The first value of the first row.
   std::int64_t Number(const char* sql) {
-    Result result{};
-    Require(query_(connection_, sql, &result) == 0, sql);
-    const std::int64_t number = value_(&result, 0, 0);
-    destroy_(&result);
+    std::int64_t number = 0;
+    Ask(sql, [&](Result& result) { number = value_(&result, 0, 0); });
     return number;
+  }
+  /// Calls back with the first value of each row.
+  template <class Take>
+  void ForEachNumber(const char* sql, Take&& take) {
+    Ask(sql, [&](Result& result) {
+      const std::uint64_t count = count_(&result);
+      for (std::uint64_t row = 0; row < count; ++row) {
+        take(value_(&result, 0, row));
+      }
+    });
+  }
+  /// Makes a table of rows, `valuesOf(row)` as SQL has them. Example: `1,'x'`.
+  template <class ValuesOf>
+  void Fill(const std::string& table, const std::string& columns, std::size_t rows, ValuesOf&& valuesOf) {
+    Run(("create table " + table + "(" + columns + ")").c_str());
+    constexpr std::size_t kAtOnce = 10'000;
+    for (std::size_t first = 0; first < rows; first += kAtOnce) {
+      std::string sql = "insert into " + table + " values ";
+      for (std::size_t row = first; row < first + kAtOnce && row < rows; ++row) {
+        sql += (row == first ? "(" : ",(") + valuesOf(row) + ")";
+      }
+      Run(sql.c_str());
+    }
   }
 
   /// The first column, as text.
@@ -136,6 +157,14 @@ class DuckDb {
     void* inner;
   };
 
+  template <class Take>
+  void Ask(const char* sql, Take&& take) {
+    Result result{};
+    Require(query_(connection_, sql, &result) == 0, sql);
+    take(result);
+    destroy_(&result);
+  }
+
   static void* Library() {
     static void* const library = [] {
       const std::filesystem::path peers = KIV_BENCH_PEERS;
@@ -154,6 +183,7 @@ class DuckDb {
   int (*query_)(void*, const char*, Result*) = Entry<int (*)(void*, const char*, Result*)>("duckdb_query");
   std::int64_t (*value_)(Result*, std::uint64_t, std::uint64_t) =
       Entry<std::int64_t (*)(Result*, std::uint64_t, std::uint64_t)>("duckdb_value_int64");
+  std::uint64_t (*count_)(Result*) = Entry<std::uint64_t (*)(Result*)>("duckdb_row_count");
   void (*destroy_)(Result*) = Entry<void (*)(Result*)>("duckdb_destroy_result");
   void* database_ = nullptr;
   void* connection_ = nullptr;

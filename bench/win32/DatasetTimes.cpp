@@ -2,14 +2,18 @@
 //   cmake --build --preset win32 --target kiv_dataset_times && scripts/wine32 build/win32/bin/kiv_dataset_times.exe
 // prints nanoseconds a row (the shortest of some rounds, ours and the peer in turn) and how many times the peer takes
 // that is.
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <cstring>
 #include <limits>
 #include <memory>
+#include <vector>
 
 #include "bench/DatasetContainers.h"
+#include "bench/DatasetOrders.h"
 #include "bench/DatasetPackets.h"
+#include "kivtools/dataset/Filter.h"
 
 namespace {
 
@@ -107,10 +111,98 @@ void ComparePackets(const char* save, const char* load, kiv::FieldFlags idFlags)
       copyAll);
 }
 
+void CompareFilters() {
+  const kiv::Dataset dataset = MakeDataset(kRows, kiv::kKey);
+  std::size_t few = 0;
+  std::int64_t sum = 0;
+  Compare(
+      "narrow filter, loop over structs",
+      [&] { return SecondsOf([&] { few = kiv::Filter(dataset, "oras = 'orasul 123' and suma > 9000").Count(); }); },
+      [&] {
+        std::size_t count = 0;
+        const double seconds = SecondsOf([&] {
+          for (const Line& line : Lines()) {
+            count += line.town == "orasul 123" && line.sum > 90'000'000 ? 1U : 0U;
+          }
+        });
+        Require(count == few, "narrow filter");
+        return seconds;
+      });
+  Compare(
+      "wide filter and sum, loop over structs",
+      [&] {
+        return SecondsOf([&] { sum = std::get<kiv::Currency>(kiv::Filter(dataset, "suma > 5000").Sum("suma")).Raw(); });
+      },
+      [&] {
+        std::int64_t total = 0;
+        const double seconds = SecondsOf([&] {
+          for (const Line& line : Lines()) {
+            total += line.sum > 50'000'000 ? line.sum : 0;
+          }
+        });
+        Require(total == sum, "wide filter");
+        return seconds;
+      });
+}
+
+/// The lines in the order of town and day, as places of them.
+double SortPlaces(std::uint64_t expected) {
+  std::vector<const Line*> places;
+  for (const Line& line : Lines()) {
+    places.push_back(&line);
+  }
+  const double seconds = SecondsOf([&] {
+    std::ranges::stable_sort(places, [](const Line* left, const Line* right) {
+      return left->town != right->town ? left->town < right->town : left->day < right->day;
+    });
+  });
+  OrderDigest digest;
+  for (const Line* const line : places) {
+    digest(line->town, line->day);
+  }
+  Require(digest.Get() == expected, "order");
+  return seconds;
+}
+
+/// Adds some lines to the million that are in order; the time for a million.
+template <class Container>
+double AddInOrder() {
+  const std::vector<Line>& lines = NewLines();
+  const auto container = std::make_unique<Container>(kRows);
+  if constexpr (requires { container->Order(); }) {
+    container->Order();
+  }
+  return SecondsOf([&] {
+           for (const Line& line : lines) {
+             container->Add(line);
+           }
+         }) *
+         (static_cast<double>(kRows) / kNewLines);
+}
+
+void CompareOrders() {
+  {
+    KivOrdered ordered(kRows);
+    ordered.Order();
+    const std::uint64_t digest = DigestOf(ordered);
+    Compare(
+        "sort by town and day, stable_sort of pointers",
+        [&] {
+          ordered.Disorder();
+          return SecondsOf([&] { ordered.Order(); });
+        },
+        [&] { return SortPlaces(digest); });
+  }
+  Compare("insert into an order, logged, MultiIndex without log", AddInOrder<KivOrdered>,
+          AddInOrder<OrderedMultiIndex>);
+}
+
 }  // namespace
 
 int main() {
   CompareContainers();
+  CompareFilters();
+  CompareOrders();
   ComparePackets("save, memcpy of the packet", "load without key, memcpy of the packet", kiv::FieldFlags::None);
   ComparePackets("save with key, memcpy of the packet", "load with key, memcpy of the packet", kiv::kKey);
   return 0;

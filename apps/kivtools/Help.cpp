@@ -40,7 +40,7 @@ std::string HelpOfCommand(const Command& command) {
   }
   std::size_t width = 16;
   for (const Option& option : command.options) {
-    width = std::max(width, UsageOf(option).size() + 1);
+    width = std::max(width, UsageOf(option).size() + 2);
   }
   for (const Option& option : command.options) {
     help += "  " + PadEnd(UsageOf(option), width) + Say(option.help).Text() + "\n";

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <functional>
 #include <memory>
 
@@ -25,6 +26,27 @@ struct TwoPasses {
   std::function<PacketSource()> second;
 };
 
+/// The lines in which rows begin, in little memory: mostly each row is one line.
+class RowLines {
+ public:
+  void Note(std::uint32_t row, std::uint64_t line) {
+    if (runs_.empty() || runs_.back().line + (row - runs_.back().row) != line) {
+      runs_.push_back({row, line});
+    }
+  }
+  [[nodiscard]] std::uint64_t LineOf(std::uint32_t row) const noexcept {
+    const auto after = std::ranges::upper_bound(runs_, row, {}, &Run::row);
+    return after[-1].line + (row - after[-1].row);
+  }
+
+ private:
+  struct Run {
+    std::uint32_t row;
+    std::uint64_t line;
+  };
+  std::vector<Run> runs_;
+};
+
 /// Turns comma-separated values into a dataset.
 class CsvReader {
  public:
@@ -44,6 +66,7 @@ class CsvReader {
   void Look(CsvRecords& records);
   void MakeFields();
   Dataset Load(CsvRecords& records, TextView name);
+  std::unique_ptr<store::Store> Finish(store::BlockLoader& loader, const RowLines& lines, std::uint64_t end) const;
   void Take(const CsvRecords& records, std::size_t column, Cell& cell);
   bool TakeValue(std::size_t column, std::string_view text, Cell& cell);
   bool TakeText(std::size_t column, std::string_view text, Cell& cell);
@@ -163,7 +186,9 @@ Dataset CsvReader::Load(CsvRecords& records, TextView name) {
   store::BlockLoader loader(name, Schema(fields_));
   std::vector<Cell> cells(fields_.size());
   std::uint64_t bytes = 0;
+  RowLines lines;
   for (std::uint32_t row = 0; NextRow(records); ++row) {
+    lines.Note(row, records.Place().line);
     bytes += sizeof(std::uint64_t) * cells.size();
     for (std::size_t i = 0; i < cells.size(); ++i) {
       Take(records, i, cells[i]);
@@ -178,7 +203,25 @@ Dataset CsvReader::Load(CsvRecords& records, TextView name) {
       records.Refuse(0, error.what());
     }
   }
-  return Dataset(loader.Finish());
+  return Dataset(Finish(loader, lines, records.Place().offset));
+}
+
+/// A key that is there twice shows at the end of the text; its place is that of the later row.
+std::unique_ptr<store::Store> CsvReader::Finish(store::BlockLoader& loader, const RowLines& lines,
+                                                std::uint64_t end) const {
+  try {
+    return loader.Finish();
+  } catch (const Error& error) {
+    const auto row = loader.RowWithTakenKey();
+    if (!row) {
+      throw;
+    }
+    const auto isKey = [](const FieldDef& field) { return Has(field.flags, kKey); };
+    const auto column = std::ranges::find_if(fields_, isKey) - fields_.begin();
+    const bool isAlone = std::ranges::count_if(fields_, isKey) == 1;
+    packet::RefuseText(operation_, {lines.LineOf(*row), isAlone ? static_cast<std::uint64_t>(column) + 1 : 0, end},
+                       error.what());
+  }
 }
 
 void CsvReader::Take(const CsvRecords& records, std::size_t column, Cell& cell) {

@@ -97,6 +97,7 @@ class KeyChanges {
     std::vector<BlockLoader::OldValue> old;
     std::deque<std::string> bytes;  // of the old values
     enum class Visit : std::uint8_t { None, Begun, Done } visit = Visit::None;
+    bool hasLeft = false;
   };
 
   void Add(std::uint32_t row, const std::string& oldKey, std::string newKey,
@@ -107,9 +108,9 @@ class KeyChanges {
     }
     byOldKey_.emplace(oldKey, &change);
   }
-  /// Calls back with each change after the one that leaves its key; false where they go round in a ring.
-  template <class Take>
-  bool ForEachInOrder(Take take) {
+  /// Takes each change after the one that leaves its key. Where they go round in a ring, one of them leaves first.
+  template <class Leave, class Take>
+  void ForEachInOrder(Leave leave, Take take) {
     std::vector<Change*> waiting;
     for (Change& first : changes_) {
       for (Change* change = &first; change != nullptr && change->visit == Change::Visit::None;) {
@@ -118,7 +119,8 @@ class KeyChanges {
         const auto leaving = byOldKey_.find(change->newKey);
         change = leaving == byOldKey_.end() ? nullptr : leaving->second;
         if (change != nullptr && change->visit == Change::Visit::Begun) {
-          return false;
+          change->hasLeft = true;
+          leave(*change);
         }
       }
       for (; !waiting.empty(); waiting.pop_back()) {
@@ -126,7 +128,6 @@ class KeyChanges {
         take(*waiting.back());
       }
     }
-    return true;
   }
 
  private:
@@ -161,7 +162,7 @@ class XmlReader {
   void TakeNulls(std::string_view names);
   void AddRow(StoredState state);
   void AddOriginals(std::uint32_t row);
-  void AddUpdate(std::uint32_t row, std::vector<BlockLoader::OldValue>& old);
+  void AddChange(ChangeKind kind, std::uint32_t row, std::vector<BlockLoader::OldValue>& old);
   [[nodiscard]] std::string KeyOf(std::span<const Cell> cells) const;
   void AddRecordsInOrder();
   void Spend(std::uint64_t bytes);
@@ -487,15 +488,15 @@ void XmlReader::AddOriginals(std::uint32_t row) {
   if (hasOtherKey) {
     keyChanges_.Add(row, KeyOf(was_->cells), KeyOf(now_->cells), old_);
   } else {
-    AddUpdate(row, old_);
+    AddChange(ChangeKind::Update, row, old_);
   }
 }
 
-void XmlReader::AddUpdate(std::uint32_t row, std::vector<BlockLoader::OldValue>& old) {
+void XmlReader::AddChange(ChangeKind kind, std::uint32_t row, std::vector<BlockLoader::OldValue>& old) {
   for (BlockLoader::OldValue& value : old) {
     loader_->PutOldBytes(value.field, value.cell);
   }
-  loader_->AddRecord(ChangeKind::Update, row, old);
+  loader_->AddRecord(kind, row, old);
 }
 
 std::string XmlReader::KeyOf(std::span<const Cell> cells) const {
@@ -511,11 +512,14 @@ std::string XmlReader::KeyOf(std::span<const Cell> cells) const {
   return key;
 }
 
-/// A row takes a key after the one that leaves it, and new rows come last, so that each change can be undone.
+/// A row takes a key after the one that leaves it, and new rows come last, so that each change can be undone. Of rows
+/// that have exchanged their keys one is away meanwhile: nobody knows which key it had on its way.
 void XmlReader::AddRecordsInOrder() {
-  if (!keyChanges_.ForEachInOrder([&](KeyChanges::Change& change) { AddUpdate(change.row, change.old); })) {
-    in_.Refuse("randuri si-au schimbat cheile intre ele");
-  }
+  keyChanges_.ForEachInOrder(
+      [&](const KeyChanges::Change& change) { loader_->AddRecord(ChangeKind::Delete, change.row, {}); },
+      [&](KeyChanges::Change& change) {
+        AddChange(change.hasLeft ? ChangeKind::Restore : ChangeKind::Update, change.row, change.old);
+      });
   for (const std::uint32_t row : inserted_) {
     loader_->AddRecord(ChangeKind::Insert, row, {});
   }

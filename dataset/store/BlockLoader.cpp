@@ -363,8 +363,8 @@ void BlockLoader::AddRecord(ChangeKind kind, std::uint32_t row, std::span<const 
   if (kind == ChangeKind::Insert) {
     isNew_.PutBit(row, true);
   }
-  const bool makesShadow =
-      kind == ChangeKind::Update && !isNew_.BitAt(row) && contents_.ShadowOf(row) == Contents::kNone;
+  // A row may come back from a deletion with other values than it had.
+  const bool makesShadow = !old.empty() && !isNew_.BitAt(row) && contents_.ShadowOf(row) == Contents::kNone;
   if (makesShadow) {
     store_->MakeShadowRoom(row);
     store_->MakeShadow(row);

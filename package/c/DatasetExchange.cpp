@@ -34,6 +34,25 @@ char SeparatorOf(std::int32_t separator) {
   return static_cast<char>(separator);
 }
 
+kiv::CsvReadOptions ReadOptionsOf(const KivSchema* types, std::int32_t separator, std::int32_t csv) {
+  kiv::CsvReadOptions options{.encoding = EncodingOf(csv), .numbers = NumbersOf(csv)};
+  if (separator != 0) {
+    options.separator = SeparatorOf(separator);
+  }
+  if (types != nullptr) {
+    options.fields = types->fields;
+  }
+  return options;
+}
+
+kiv::CsvWriteOptions WriteOptionsOf(std::int32_t separator, std::int32_t csv) {
+  return {.separator = separator == 0 ? ',' : SeparatorOf(separator),
+          .encoding = EncodingOf(csv),
+          .numbers = NumbersOf(csv),
+          .mark = (csv & KIV_CSV_MARK) != 0,
+          .forSpreadsheet = (csv & KIV_CSV_FOR_SPREADSHEET) != 0};
+}
+
 }  // namespace
 
 extern "C" {
@@ -42,13 +61,7 @@ KivStatus KivDatasetLoadCsv(const char* path, size_t length, const char* name, s
                             const KivSchema* types, int32_t separator, int32_t csv, KivDataset** dataset) {
   return Run([=] {
     KivDataset*& result = KIV_REQUIRED(dataset);
-    kiv::CsvReadOptions options{.encoding = EncodingOf(csv), .numbers = NumbersOf(csv)};
-    if (separator != 0) {
-      options.separator = SeparatorOf(separator);
-    }
-    if (types != nullptr) {
-      options.fields = types->fields;
-    }
+    const kiv::CsvReadOptions options = ReadOptionsOf(types, separator, csv);
     result = new KivDataset(
         kiv::LoadCsv(kiv::platform::PathFromText(KIV_TEXT(path, length)), options, KIV_TEXT(name, nameLength)));
   });
@@ -57,14 +70,25 @@ KivStatus KivDatasetLoadCsv(const char* path, size_t length, const char* name, s
 KivStatus KivDatasetSaveCsv(const KivDataset* dataset, const char* path, size_t length, int32_t separator, int32_t csv,
                             int32_t options) {
   return Run([=] {
-    const kiv::CsvWriteOptions written{.separator = separator == 0 ? ',' : SeparatorOf(separator),
-                                       .encoding = EncodingOf(csv),
-                                       .numbers = NumbersOf(csv),
-                                       .mark = (csv & KIV_CSV_MARK) != 0,
-                                       .forSpreadsheet = (csv & KIV_CSV_FOR_SPREADSHEET) != 0};
+    const kiv::CsvWriteOptions written = WriteOptionsOf(separator, csv);
     kiv::SaveCsv(KIV_REQUIRED(dataset).View(), kiv::platform::PathFromText(KIV_TEXT(path, length)), written,
                  SaveOptionsOf(options));
   });
+}
+
+KivStatus KivDatasetReadCsv(KivPacketSource source, void* context, const char* name, size_t nameLength,
+                            const KivSchema* types, int32_t separator, int32_t csv, KivDataset** dataset) {
+  return Run([=] {
+    KivDataset*& result = KIV_REQUIRED(dataset);
+    const kiv::CsvReadOptions options = ReadOptionsOf(types, separator, csv);
+    result = new KivDataset(kiv::ReadCsv(SourceOf(source, context), KIV_TEXT(name, nameLength), options));
+  });
+}
+
+KivStatus KivDatasetWriteCsv(const KivDataset* dataset, int32_t separator, int32_t csv, KivPacketSink sink,
+                             void* context) {
+  return Run(
+      [=] { kiv::WriteCsv(KIV_REQUIRED(dataset).View(), SinkOf(sink, context), WriteOptionsOf(separator, csv)); });
 }
 
 KivStatus KivDatasetLoadXml(const char* path, size_t length, KivDataset** dataset) {
@@ -79,6 +103,17 @@ KivStatus KivDatasetSaveXml(const KivDataset* dataset, const char* path, size_t 
     kiv::SaveXml(KIV_REQUIRED(dataset).View(), kiv::platform::PathFromText(KIV_TEXT(path, length)),
                  SaveOptionsOf(options));
   });
+}
+
+KivStatus KivDatasetReadXml(KivPacketSource source, void* context, KivDataset** dataset) {
+  return Run([=] {
+    KivDataset*& result = KIV_REQUIRED(dataset);
+    result = new KivDataset(kiv::ReadXml(SourceOf(source, context)));
+  });
+}
+
+KivStatus KivDatasetWriteXml(const KivDataset* dataset, KivPacketSink sink, void* context) {
+  return Run([=] { kiv::WriteXml(KIV_REQUIRED(dataset).View(), SinkOf(sink, context)); });
 }
 
 KivStatus KivDatasetDifference(const KivDataset* before, const KivDataset* after, const char* const* keys,

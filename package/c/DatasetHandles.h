@@ -68,6 +68,32 @@ inline SaveOptions SaveOptionsOf(std::int32_t options) {
   return {.backup = (options & KIV_SAVE_BACKUP) != 0, .flush = (options & KIV_SAVE_NO_FLUSH) == 0};
 }
 
+/// Writes to a host's function.
+inline PacketSink SinkOf(KivPacketSink sink, void* context) {
+  if (sink == nullptr) {
+    throw ArgumentError("sink: pointer nul");
+  }
+  return [=](std::span<const std::uint8_t> bytes) {
+    if (sink(context, bytes.data(), bytes.size()) != KIV_OK) {
+      throw Error("sink: scrierea a fost oprita");
+    }
+  };
+}
+
+/// Reads from a host's function.
+inline PacketSource SourceOf(KivPacketSource source, void* context) {
+  if (source == nullptr) {
+    throw ArgumentError("source: pointer nul");
+  }
+  return [=](std::span<std::uint8_t> buffer) {
+    const KivLength count = source(context, buffer.data(), buffer.size());
+    if (count < 0) {
+      throw Error("source: citirea a fost oprita");
+    }
+    return static_cast<std::size_t>(count);
+  };
+}
+
 /// Values that a host has handed over, borrowed from it but for those in UTF-16.
 class GivenValues {
  public:

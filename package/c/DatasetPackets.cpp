@@ -15,30 +15,6 @@ struct KivJournal {
 
 namespace {
 
-kiv::PacketSink SinkOf(KivPacketSink sink, void* context) {
-  if (sink == nullptr) {
-    throw ArgumentError("sink: pointer nul");
-  }
-  return [=](std::span<const std::uint8_t> bytes) {
-    if (sink(context, bytes.data(), bytes.size()) != KIV_OK) {
-      throw kiv::Error("sink: scrierea a fost oprita");
-    }
-  };
-}
-
-kiv::PacketSource SourceOf(KivPacketSource source, void* context) {
-  if (source == nullptr) {
-    throw ArgumentError("source: pointer nul");
-  }
-  return [=](std::span<std::uint8_t> buffer) {
-    const KivLength count = source(context, buffer.data(), buffer.size());
-    if (count < 0) {
-      throw kiv::Error("source: citirea a fost oprita");
-    }
-    return static_cast<std::size_t>(count);
-  };
-}
-
 const kiv::FieldDef& FieldOf(const kiv::Schema& schema, std::size_t field) {
   if (field >= schema.Fields().size()) {
     throw kiv::ListIndexError("field: campul nu exista");

@@ -16,6 +16,54 @@ static int FileIs(const char* path, const char* expected) {
   return file != NULL && fclose(file) == 0 && strcmp(text, expected) == 0;
 }
 
+/* A text that is read or written piece by piece. */
+typedef struct {
+  char text[1000];
+  size_t size, at;
+} Piece;
+
+static KivStatus PutPiece(void* context, const uint8_t* bytes, size_t size) {
+  Piece* const piece = context;
+  if (size > sizeof piece->text - piece->size) {
+    return -1;
+  }
+  memcpy(piece->text + piece->size, bytes, size);
+  piece->size += size;
+  return KIV_OK;
+}
+
+static KivLength GetPiece(void* context, uint8_t* into, size_t capacity) {
+  Piece* const piece = context;
+  size_t count = piece->size - piece->at;
+  count = count < capacity ? count : capacity;
+  memcpy(into, piece->text + piece->at, count);
+  piece->at += count;
+  return (KivLength)count;
+}
+
+static void StreamsTest(const KivDataset* lines) {
+  Piece csv = {{0}, 0, 0};
+  Piece xml = {{0}, 0, 0};
+  Piece full = {{0}, sizeof full.text, 0};
+  KivDataset* read = NULL;
+  EXPECT(KivDatasetWriteCsv(lines, ';', KIV_CSV_ROMANIAN, PutPiece, &csv) == KIV_OK);
+  EXPECT(strncmp(csv.text, "cod;suma\r\n007;1234,5\r\n", csv.size) == 0);
+  EXPECT(KivDatasetWriteXml(lines, PutPiece, &xml) == KIV_OK);
+  EXPECT(KivDatasetReadXml(GetPiece, &xml, &read) == KIV_OK);
+  GIVES("007", KivDatasetValueText, read, 0, 0);
+  KivDatasetFree(read);
+  read = NULL;
+  EXPECT(KivDatasetReadCsv(GetPiece, &csv, "citit", 5, NULL, 0, KIV_CSV_ROMANIAN, &read) == KIV_OK);
+  GIVES("citit", KivDatasetName, read);
+  GIVES("1234.5000", KivDatasetValueText, read, 0, 1);
+  EXPECT(KivDatasetWriteCsv(read, 0, 0, PutPiece, &full) == -KIV_ERROR_GENERAL);
+  EXPECT(KivDatasetWriteXml(read, NULL, NULL) == -KIV_ERROR_ARGUMENT);
+  EXPECT(KivDatasetReadXml(NULL, NULL, &read) == -KIV_ERROR_ARGUMENT);
+  EXPECT(LastMessageIs("KivDatasetReadXml: source: pointer nul"));
+  EXPECT(KivDatasetReadCsv(GetPiece, &csv, "t", 1, NULL, 0, 32, &read) == -KIV_ERROR_ARGUMENT);
+  KivDatasetFree(read);
+}
+
 void DatasetExchangeTest(void) {
   static const char kPath[] = "kiv_exchange.csv";
   KivSchema* types = KivSchemaNew();
@@ -38,6 +86,7 @@ void DatasetExchangeTest(void) {
                 "cod,suma\r\n007,1234.5\r\n"));
   EXPECT(KivDatasetSaveCsv(lines, kPath, KIV_ZERO_ENDED, '|', KIV_CSV_ROMANIAN, KIV_SAVE_NO_FLUSH) == KIV_OK);
   EXPECT(FileIs(kPath, "cod|suma\r\n007|1234,5\r\n"));
+  StreamsTest(lines);
   EXPECT(KivDatasetSaveCsv(lines, kPath, KIV_ZERO_ENDED, 200, 0, 0) == -KIV_ERROR_ARGUMENT);
   EXPECT(LastMessageIs("KivDatasetSaveCsv: separator: valoare necunoscuta"));
   EXPECT(KivDatasetSaveCsv(lines, kPath, KIV_ZERO_ENDED, 0, 32, 0) == -KIV_ERROR_ARGUMENT);

@@ -31,11 +31,22 @@ KIV_API KivStatus KivDatasetLoadCsv(const char* path, size_t length, const char*
  * `options` are KIV_SAVE_.... Example: 0 for "linii.csv". */
 KIV_API KivStatus KivDatasetSaveCsv(const KivDataset* dataset, const char* path, size_t length, int32_t separator,
                                     int32_t csv, int32_t options);
+/** Reads comma-separated values piece by piece, as KivDatasetLoadCsv does; the dataset has the given name. Example:
+ * fails with KIV_ERROR_GENERAL where the source ends the reading. */
+KIV_API KivStatus KivDatasetReadCsv(KivPacketSource source, void* context, const char* name, size_t nameLength,
+                                    const KivSchema* types, int32_t separator, int32_t csv, KivDataset** dataset);
+/** Writes a dataset as comma-separated values, piece by piece, as KivDatasetSaveCsv does. Example: 0. */
+KIV_API KivStatus KivDatasetWriteCsv(const KivDataset* dataset, int32_t separator, int32_t csv, KivPacketSink sink,
+                                     void* context);
 
 /** Loads XML and stores the dataset's address. Example: fails with KIV_ERROR_PACKET for a document type. */
 KIV_API KivStatus KivDatasetLoadXml(const char* path, size_t length, KivDataset** dataset);
 /** Saves a dataset as XML. `options` are KIV_SAVE_.... Example: 0 for "linii.xml". */
 KIV_API KivStatus KivDatasetSaveXml(const KivDataset* dataset, const char* path, size_t length, int32_t options);
+/** Reads XML piece by piece and stores the dataset's address. Example: 0. */
+KIV_API KivStatus KivDatasetReadXml(KivPacketSource source, void* context, KivDataset** dataset);
+/** Writes a dataset as XML, piece by piece. Example: 0. */
+KIV_API KivStatus KivDatasetWriteXml(const KivDataset* dataset, KivPacketSink sink, void* context);
 
 /** Stores the address of the delta that makes the rows of `after` of those of `before`. `keys` name the fields that
  * tell rows apart, `lengths` may be null where they are zero-terminated; without any, the key of `before` does.

@@ -17,8 +17,8 @@ namespace kiv {
 KIV_API void WriteXml(const DatasetView& dataset, const PacketSink& sink);
 
 /// Reads what WriteXml writes, in UTF-8 or, where the text says so, Windows-1250. It is read strictly: no document
-/// type, no entities but the five that XML has, nothing that is not known. Rows that have taken each other's keys in a
-/// ring are refused: without the history nobody knows how they did. Throws TextPacketError with line and column
+/// type, no entities but the five that XML has, nothing that is not known. Of rows that have taken each other's keys in
+/// a ring the history says that one was deleted meanwhile and came back. Throws TextPacketError with line and column
 /// for everything else, and for what goes beyond the limits.
 ///
 ///     const Dataset linii = ReadXml(source);

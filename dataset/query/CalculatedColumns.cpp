@@ -88,6 +88,7 @@ std::shared_ptr<LookupTarget> MakeTarget(const Contents& contents, store::Store&
   } else {
     target->reads.push_back(target->wanted);
   }
+  target->reads.push_back(other.GetContents().schemaData->keyFields[0]);
   if (target->depth > kMostDepth || target->parts > kMostNodes) {
     RefuseLookup(contents, Quoted(FieldAt(other.GetContents(), wanted).name) + " cauta prin prea multe seturi de date");
   }

@@ -148,8 +148,8 @@ TEST(FilterVectors, GiveTheRowsOfThePlainEvaluator) {
 }
 
 /// Orders in whose indexes values are looked up.
-constexpr TextView kOrders[] = {"i2",     "c desc nulls last, id", "s", "x desc", "n binary", "d",
-                                "f desc", "m nulls last",          "b", "w"};
+constexpr TextView kOrders[] = {
+    "i2", "c desc nulls last, id", "s", "x desc nulls last", "n binary", "d", "f desc", "m nulls last", "b", "w"};
 /// Conditions that few rows pass, and some that look so.
 constexpr TextView kNarrow[] = {"id = 17",
                                 "17 = id",
@@ -171,6 +171,8 @@ constexpr TextView kNarrow[] = {"id = 17",
                                 "s < 'oras 1'",
                                 "s >= 'oras 98'",
                                 "x = 'oras 78'",
+                                "x < 'oras 1'",
+                                "x >= 'oras 98'",
                                 "x between 'oras 5' and 'oras 52'",
                                 "n = 'oras 100'",
                                 "n > 'oras 2'",
@@ -244,6 +246,25 @@ TEST(FilterVectors, FindTheSameRowsAmongThoseOfAnIndex) {
   }
   EXPECT_GT(few, 300);
   EXPECT_GT(faulty, 10);
+}
+
+TEST(FilterVectors, LookIntoAnIndexOfTextsThatComparesAsTheyDo) {
+  Dataset codes("coduri", {{"cod", FieldType::Text, 20, kKey, {}, Collation::RomanianNoCase}});
+  codes.Insert({{"cod", "Alfa"}});
+  codes.Insert({{"cod", "ALFA"}});
+  for (int i = 0; i < 100; ++i) {
+    codes.Insert({{"cod", "b" + std::to_string(i)}});
+  }
+  for (const TextView order : {"", "cod", "cod binary", "cod ro"}) {
+    Cursor ordered(codes);
+    ordered.OrderBy(order);
+    Cursor cursor(codes);
+    cursor.Filter("cod = 'alfa'");
+    EXPECT_EQ(cursor.Count(), 2U) << order;
+    const Filter filter(codes, "cod <= 'ALFA'");
+    EXPECT_EQ(query::FewCandidates(codes.GetStore(), filter.GetTree()).has_value(), order == "cod") << order;
+    EXPECT_EQ(query::PassingRows(codes.GetStore(), filter.GetTree()).size(), 2U) << order;
+  }
 }
 
 /// Numbers at the ends of their types, of every column width, beside the edges of batches and blocks.

@@ -178,6 +178,12 @@ TEST(Calculated, ColumnsAreRefusedByNameAndPlace) {
                        message);
   }
   EXPECT_EQ(lines.CalculatedFields().size(), 7U) << "nothing has changed";
+  // What a column brings with it stands behind what the expression has already.
+  lines.Calculate("cu_alfa", "nume like 'Al%'");
+  for (const TextView text : {"suma > 1 and tva = 21", "obs like 'x%' and cu_alfa", "cota = 10 and nume = 'Alfa'",
+                              "1 = 2 or total = 121", "cota = 10 and eticheta like '%/-' and cu_alfa"}) {
+    EXPECT_EQ(Filter(lines, text).Select(), std::vector<RowId>{RowId{0}}) << text;
+  }
   ExpectError<FilterError>([&] { static_cast<void>(lines.Get(RowId{1}, "parte")); },
                            "Filtru: impartire la zero: \"suma / cota\", randul 1");
   ExpectError<FilterError>([&] { static_cast<void>(Filter(lines, "1 < parte").Count()); },
@@ -443,6 +449,8 @@ TEST(Calculated, ColumnsEqualADirectComputationAfterEveryEdit) {
   Pair pair;
   Cursor ordered(pair.lines);
   ordered.OrderBy("nume desc, tva, eticheta binary");
+  Cursor labelled(pair.lines);
+  labelled.OrderBy("eticheta binary");
   Cursor filtered(pair.lines);
   filtered.OrderBy("eticheta nocase nulls last");
   filtered.Filter("tva > 0.0050 and nume = 'Alfa'");
@@ -482,6 +490,12 @@ TEST(Calculated, ColumnsEqualADirectComputationAfterEveryEdit) {
       walked.push_back(ordered.Row());
     }
     ASSERT_EQ(walked, rows) << step;
+    std::vector<std::optional<Text>> labelsInOrder;
+    for (labelled.First(); !labelled.AtEnd(); labelled.Next()) {
+      labelsInOrder.push_back(Direct(pair, labelled.Row()).label);
+    }
+    ASSERT_EQ(labelsInOrder.size(), rows.size()) << step;
+    ASSERT_TRUE(std::ranges::is_sorted(labelsInOrder)) << step;
     walked.clear();
     for (filtered.First(); !filtered.AtEnd(); filtered.Next()) {
       walked.push_back(filtered.Row());

@@ -21,15 +21,14 @@ struct ArrowExportOptions {
   ArrowAmounts amounts = ArrowAmounts::Decimal;
 };
 
-/// Hands out the rows that are not deleted as a stream of record batches, one for each block of 8,192 rows:
+/// Hands out the rows that are not deleted as a stream of record batches, one for each block of 8,192 rows. Where a
+/// format says "own", the batch shows the dataset's own memory, and a copy everywhere else:
 ///
-/// | field | format | |
-/// |---|---|---|
-/// | Int16, Int32, Int64, AutoInc, Double, Time, Boolean | `s`, `i`, `l`, `l`, `g`, `ttm`, `b` | the dataset's own
-/// memory | | Currency | `d:19,4`, or `l` | a copy, or the dataset's own memory | | Date, DateTime, Guid | `tdD`,
-/// `tsm:`, `w:16` with the extension name `arrow.uuid` | a copy | | Text | the numbers `i` of a dictionary of `u` as
-/// long as it has one, then `u` | own memory and a dictionary; a copy | | WideText, Memo, Blob | `u`, `u`, `z` | a copy
-/// |
+/// - Int16 `s`, Int32 `i`, Int64 and AutoInc `l`, Double `g`, Time `ttm`, Boolean `b`: own
+/// - Currency: `d:19,4`, or `l`, own, where the options say so
+/// - Date `tdD`, DateTime `tsm:`, Guid `w:16` with the extension name `arrow.uuid`
+/// - Text: as long as it has a dictionary the numbers `i` of one of `u`, own but for the dictionary; then `u`
+/// - WideText and Memo `u`, Blob `z`
 ///
 /// Texts are UTF-8 with commas below ș and ț. Where a batch may have texts of more than 2 GiB they are `U` and `Z`. Of
 /// a block with deleted rows everything is copied. What is handed out keeps the snapshot: it outlives dataset and

@@ -85,6 +85,13 @@ class FileFaults : public testing::Test {
   host::headless::Label label_{nullptr, "lblFisier"};
 };
 
+TEST_F(FileFaults, LetNoTreeBeCopiedIntoItselfWithoutEnd) {
+  const auto prepare = [this] { std::filesystem::remove_all(folder_ / "sursa" / "s" / "copie"); };
+  LetEachFail(
+      prepare, [&] { RecursiveCopyWithExt(At("sursa"), At("sursa/s/copie"), {"*"}, label_, 350); },
+      [this] { EXPECT_FALSE(std::filesystem::exists(folder_ / "sursa/s/copie/s/copie")); });
+}
+
 TEST_F(FileFaults, LeaveNoHalfOfANewCopy) {
   LetEachFail([&] { std::filesystem::remove_all(folder_ / "copie"); },
               [&] { RecursiveCopyWithExt(At("sursa"), At("copie"), {"*"}, label_, 350); },

@@ -59,23 +59,31 @@ class TreeCopy {
     const auto path = platform::PathFromText(destination);
     destinationName_ = destination;
     const SystemStatus made = platform::MakeFolders(path);
-    const SystemStatus entered = destination_.Enter(path);
+    SystemStatus entered = destination_.Enter(path);
     EntryInfo info;
-    if (!entered.Failed() && !destination_.Innermost().Query(info).Failed()) {
+    if (!entered.Failed()) {
+      entered = destination_.Innermost().Query(info);
       destinationRoot_ = info.identity;
+    }
+    if (entered.Failed()) {
+      static_cast<void>(destination_.Leave());
+      static_cast<void>(destination_.Enter(std::filesystem::path()));  // which nothing is
     }
     TellFolder(destination, made, entered);
   }
 
   void Enter(FolderWalk& walk, const FolderEntry& entry) {
     EntryInfo info;
-    const bool known = !Query(walk.Innermost(), entry.name, Links::AsThemselves, info).Failed();
-    if (known && info.identity == destinationRoot_) {
+    if (const SystemStatus asked = Query(walk.Innermost(), entry.name, Links::AsThemselves, info); asked.Failed()) {
+      report_.Failure(PathOf(walk, entry), asked);
+      return;  // it might be the destination, in which there would be no end
+    }
+    if (info.identity == destinationRoot_) {
       return;
     }
     ServeApplication();
     // Its owner has to be able to write into the copy.
-    const std::uint32_t permissions = known ? (info.attributes & 0777U) | 0700U : 0777U;
+    const std::uint32_t permissions = (info.attributes & 0777U) | 0700U;
     const bool hasPlace = destination_.Innermost().IsOpen();
     const SystemStatus made = MakeFolder(destination_.Innermost(), entry.name, permissions);
     const SystemStatus entered = EnterDestination(walk, entry.name);

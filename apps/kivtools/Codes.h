@@ -10,7 +10,8 @@ namespace kivtools {
 /// "-123" and "12--3" stay.
 std::string WithoutGaps(std::string_view code);
 
-/// Whether the code may have such gaps: nearly none does, and files have codes by the million.
+/// Whether the code may have such gaps: nearly none does, and files have codes by the million. Examples: true for
+/// "12 3" and "-123", false for "123".
 bool MayHaveGaps(std::string_view code) noexcept;
 
 /// The code without the "RO" of a VAT payer, in capitals or not, and without the blanks after it.

@@ -143,10 +143,17 @@ class FloppyFormat : public testing::Test {
       }
     }
   }
-  /// The next clicks, in their order and no others. A box that stays open is clicked at again and again, and a click
-  /// on it may come to nothing: the system takes the mouse from a button whose window loses the focus meanwhile.
+  /// The next clicks; others may follow.
   void ExpectClicks(const std::vector<Handle>& expected) {
-    ServeUntil([&] { return IncludesInOrder(clicks_, expected); }, "clicks");
+    ServeUntil([&] { return clicks_.size() >= expected.size(); }, "clicks");
+    clicks_.resize(expected.size());
+    EXPECT_EQ(clicks_, expected);
+    clicks_.clear();
+  }
+  /// Clicks that are made again and again as long as a box stays open, in their order and no others. One of them may
+  /// come to nothing: the system takes the mouse from a button whose window loses the focus meanwhile.
+  void ExpectRepeatedClicks(const std::vector<Handle>& expected) {
+    ServeUntil([&] { return IncludesInOrder(clicks_, expected); }, "repeated clicks");
     EXPECT_THAT(clicks_, Each(AnyOfArray(expected)));
     clicks_.clear();
   }
@@ -280,7 +287,7 @@ TEST_F(FloppyFormat, IsTakenThroughItsMessageBoxes) {
 
     const Handle done = MakeDialog("Formatting 3\xBD Floppy (A:)", {"Format Complete.", "OK"}, main_);
     windows_.BringToFront(done);
-    ExpectClicks({controls_["OK"], controls_["&Close"]});
+    ExpectRepeatedClicks({controls_["OK"], controls_["&Close"]});
     return 0;
   });
   EXPECT_EQ(FullFormatDriveA(0), 0);
@@ -296,7 +303,7 @@ TEST_F(FloppyFormat, ClosesTheResults) {
       ExpectStarted();
       windows_.SetText(controls_["&Close"], "&Close");  // as the system does when it has finished
       const Handle results = MakeDialog(caption, {"Close", "1,457,664 bytes total disk space"}, main_);
-      ExpectClicks({controls_["Close"], controls_["&Close"]});
+      ExpectRepeatedClicks({controls_["Close"], controls_["&Close"]});
       windows_.Destroy(results);
       windows_.Destroy(main_);
       return 0;

@@ -63,6 +63,7 @@ struct ArrowImportOptions {
 /// buffers has to be right.
 ///
 ///     const Dataset linii = ImportArrow(stream, "linii", {.fields = {{"id", FieldType::Int64, kKey}}});
+///     linii.RowCount()   // 3 for a stream of three rows
 [[nodiscard]] KIV_API Dataset ImportArrow(ArrowArrayStream& stream, TextView name,
                                           const ArrowImportOptions& options = {}, const ReadLimits& limits = {});
 

@@ -169,6 +169,52 @@ std::optional<Decimal> TakeApart(std::string_view text, NumberForm form) noexcep
   return decimal;
 }
 
+/// A number that is not too long to be taken at one go: digits, and so many of them behind the point.
+struct ShortDecimal {
+  std::uint64_t digits = 0;
+  unsigned decimals = 0;
+  bool isNegative = false;
+};
+
+/// False where the text is longer or is anything but "-12.34" or a part of it; then it may still be a number.
+bool ReadShort(std::string_view text, std::size_t most, char point, ShortDecimal& decimal) noexcept {
+  const char* at = text.data();
+  const char* const end = at + text.size();
+  decimal.isNegative = !text.empty() && *at == '-';
+  at += decimal.isNegative ? 1 : 0;
+  if (static_cast<std::size_t>(end - at) > most) {
+    return false;
+  }
+  const auto take = [&] {
+    const char* const first = at;
+    for (unsigned digit = 0; at < end && (digit = static_cast<unsigned>(*at - '0')) <= 9; ++at) {
+      decimal.digits = decimal.digits * 10 + digit;
+    }
+    return at - first;
+  };
+  if (take() == 0) {
+    return false;
+  }
+  if (at < end && *at == point) {
+    ++at;
+    decimal.decimals = static_cast<unsigned>(take());
+    return at == end && decimal.decimals > 0;
+  }
+  return at == end;
+}
+
+constexpr std::array<std::uint64_t, 16> kPowersOfTen = [] {
+  std::array<std::uint64_t, 16> powers{1};
+  for (std::size_t i = 1; i < powers.size(); ++i) {
+    powers[i] = powers[i - 1] * 10;
+  }
+  return powers;
+}();
+
+std::int64_t Signed(std::uint64_t size, bool isNegative) noexcept {
+  return static_cast<std::int64_t>(isNegative ? 0 - size : size);
+}
+
 /// The digits as a number, times a power of ten that has `zeros` of them; false where it does not fit.
 bool Accumulate(std::string_view digits, std::uint64_t& number) noexcept {
   constexpr std::uint64_t kMost = std::uint64_t{1} << 63U;
@@ -208,15 +254,34 @@ bool ReadAmount(const Decimal& decimal, Cell& cell) noexcept {
          PutSigned(size, decimal.isNegative, cell);
 }
 
-bool ReadIntegerOf(FieldType type, std::string_view text, Cell& cell, NumberForm form) noexcept {
-  const auto decimal = TakeApart(text, form);
-  if (!decimal || !ReadInteger(*decimal, cell)) {
-    return false;
-  }
+bool FitsInteger(FieldType type, const Cell& cell) noexcept {
   const auto value = static_cast<std::int64_t>(cell.bits);
   return type == FieldType::Int16   ? value == static_cast<std::int16_t>(value)
          : type == FieldType::Int32 ? value == static_cast<std::int32_t>(value)
                                     : true;
+}
+
+bool ReadIntegerOf(FieldType type, std::string_view text, Cell& cell, NumberForm form) noexcept {
+  constexpr std::size_t kMost = 18;
+  ShortDecimal number;
+  if (ReadShort(text, kMost, form.point, number) && number.decimals == 0) {
+    Put(cell, Signed(number.digits, number.isNegative));
+    return FitsInteger(type, cell);
+  }
+  const auto decimal = TakeApart(text, form);
+  return decimal && ReadInteger(*decimal, cell) && FitsInteger(type, cell);
+}
+
+bool ReadAmountOf(std::string_view text, Cell& cell, NumberForm form) noexcept {
+  constexpr std::size_t kMost = 14;
+  constexpr unsigned kDecimals = 4;
+  ShortDecimal number;
+  if (ReadShort(text, kMost, form.point, number) && number.decimals <= kDecimals) {
+    Put(cell, Signed(number.digits * kPowersOfTen[kDecimals - number.decimals], number.isNegative));
+    return true;
+  }
+  const auto decimal = TakeApart(text, form);
+  return decimal && ReadAmount(*decimal, cell);
 }
 
 bool ReadPlainDouble(const char* first, const char* last, Cell& cell) noexcept {
@@ -230,6 +295,15 @@ bool ReadPlainDouble(const char* first, const char* last, Cell& cell) noexcept {
 }
 
 bool ReadDouble(std::string_view text, Cell& cell, NumberForm form) noexcept {
+  // Both are exact as doubles, so that their quotient is the nearest one to the number.
+  constexpr std::size_t kMost = 16;
+  ShortDecimal number;
+  if (ReadShort(text, kMost, form.point, number) && number.digits < kPowersOfTen[15]) {
+    const auto size = static_cast<double>(static_cast<std::int64_t>(number.digits)) /
+                      static_cast<double>(static_cast<std::int64_t>(kPowersOfTen[number.decimals]));
+    Put(cell, std::bit_cast<std::int64_t>(number.isNegative && size != 0 ? -size : size));
+    return true;
+  }
   if (form.point == '.') {
     return ReadPlainDouble(text.data(), text.data() + text.size(), cell);
   }
@@ -390,10 +464,8 @@ bool ReadValue(FieldType type, std::string_view text, Cell& cell, NumberForm for
     case FieldType::Int64:
     case FieldType::AutoInc:
       return ReadIntegerOf(type, text, cell, form);
-    case FieldType::Currency: {
-      const auto decimal = TakeApart(text, form);
-      return decimal && ReadAmount(*decimal, cell);
-    }
+    case FieldType::Currency:
+      return ReadAmountOf(text, cell, form);
     case FieldType::Double:
       return ReadDouble(text, cell, form);
     case FieldType::Date:

@@ -60,6 +60,31 @@ char* SkipBlanks(char* at) noexcept {
   return at;
 }
 
+/// Whether 64 bytes are ASCII that may be in XML. There is no way out of the loop, so that many are looked at together.
+bool AreAllowedAscii(const char* bytes) noexcept {
+  unsigned char all = 0;
+  unsigned char least = 0xFF;
+  for (std::size_t i = 0; i < 64; ++i) {
+    const auto byte = static_cast<unsigned char>(bytes[i]);
+    all |= byte;
+    least = std::min(least, byte == '\t' || byte == '\n' || byte == '\r' ? static_cast<unsigned char>(' ') : byte);
+  }
+  return all < 0x80 && least >= ' ';
+}
+
+std::uint64_t CountLines(std::string_view text) noexcept {
+  constexpr std::size_t kMost = 255;  // for a count in one byte, of which many are added up together
+  std::uint64_t lines = 0;
+  for (std::size_t at = 0; at < text.size(); at += kMost) {
+    std::uint8_t more = 0;
+    for (const char character : text.substr(at, kMost)) {
+      more = static_cast<std::uint8_t>(more + (character == '\n' ? 1 : 0));
+    }
+    lines += more;
+  }
+  return lines;
+}
+
 /// Whether eight bytes are ASCII without control characters.
 bool ArePlain(const char* bytes) noexcept {
   constexpr std::uint64_t kHighBits = 0x8080808080808080U;
@@ -73,7 +98,7 @@ bool ArePlain(const char* bytes) noexcept {
 XmlPull::XmlPull(const PacketSource& source, const Text& operation)
     : source_(source),
       operation_(operation),
-      buffer_(kBuffer + 1),
+      buffer_(kBuffer + kBehind),
       at_(buffer_.data()),
       end_(at_),
       checked_(at_),
@@ -84,11 +109,10 @@ XmlPull::XmlPull(const PacketSource& source, const Text& operation)
 void XmlPull::RefuseAt(const char* place, TextView why) const {
   const char* const begin = buffer_.data();
   const std::string_view before(begin, static_cast<std::size_t>(place - begin));
-  const auto lines = static_cast<std::uint64_t>(std::ranges::count(before, '\n'));
   const std::size_t lineStart = before.rfind('\n');
   const std::uint64_t column =
       lineStart == std::string_view::npos ? columnsDiscarded_ + before.size() : before.size() - lineStart - 1;
-  RefuseText(operation_, {1 + linesDiscarded_ + lines, 1 + column, discarded_ + before.size()}, why);
+  RefuseText(operation_, {1 + linesDiscarded_ + CountLines(before), 1 + column, discarded_ + before.size()}, why);
 }
 
 /// Moves what is left of the present token to the front and adds what the source gives; false at the end.
@@ -98,14 +122,14 @@ bool XmlPull::Fill() {
   }
   const std::string_view gone(buffer_.data(), static_cast<std::size_t>(at_ - buffer_.data()));
   const std::size_t lineStart = gone.rfind('\n');
-  linesDiscarded_ += static_cast<std::uint64_t>(std::ranges::count(gone, '\n'));
+  linesDiscarded_ += CountLines(gone);
   columnsDiscarded_ =
       lineStart == std::string_view::npos ? columnsDiscarded_ + gone.size() : gone.size() - lineStart - 1;
   discarded_ += gone.size();
   const auto kept = static_cast<std::size_t>(end_ - at_);
   const auto checked = static_cast<std::size_t>(checked_ - at_);
   MakeRoom(kept);
-  const std::size_t room = (buffer_.size() - 1 - kept) / (isWindows1250_ ? kMostUtf8 : 1);
+  const std::size_t room = (Room() - kept) / (isWindows1250_ ? kMostUtf8 : 1);
   const std::size_t count = source_({reinterpret_cast<std::uint8_t*>(at_) + kept, room});
   isAtEnd_ = count == 0;
   end_ = at_ + kept + count;
@@ -122,7 +146,7 @@ bool XmlPull::Fill() {
 
 /// Puts what is kept to the front, with room for a byte more at least.
 void XmlPull::MakeRoom(std::size_t kept) {
-  if (kept + kMostUtf8 < buffer_.size()) {
+  if (kept + kMostUtf8 <= Room()) {
     std::memmove(buffer_.data(), at_, kept);
   } else {
     if (buffer_.size() > kLongestToken) {
@@ -148,6 +172,10 @@ void XmlPull::Check(char* from) {
   const std::string_view text(from, static_cast<std::size_t>(end_ - from));
   std::size_t at = 0;
   while (at < text.size()) {
+    if (text.size() - at >= 64 && AreAllowedAscii(text.data() + at)) {
+      at += 64;
+      continue;
+    }
     if (text.size() - at >= 8 && ArePlain(text.data() + at)) {
       at += 8;
       continue;

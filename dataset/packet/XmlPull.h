@@ -37,6 +37,13 @@ class XmlPull {
   /// The same at a piece of it.
   [[noreturn]] void RefuseAt(const char* place, TextView why) const;
 
+  /// What has come of the text behind the present token. A zero follows it or a character of which a part is missing,
+  /// and all of kBehind bytes may be looked at.
+  [[nodiscard]] std::string_view Ahead() const noexcept { return {at_, static_cast<std::size_t>(checked_ - at_)}; }
+  /// Goes on at a place in it, as if what lies before were taken.
+  void GoTo(const char* place) noexcept { at_ += place - at_; }
+  static constexpr std::size_t kBehind = 16;
+
   /// Where the present token begins.
   [[nodiscard]] const char* TokenStart() const noexcept { return token_; }
 
@@ -45,6 +52,7 @@ class XmlPull {
   }
 
  private:
+  [[nodiscard]] std::size_t Room() const noexcept { return buffer_.size() - kBehind; }
   bool Fill();
   void MakeRoom(std::size_t kept);
   void Check(char* from);
@@ -65,7 +73,7 @@ class XmlPull {
 
   const PacketSource& source_;
   const Text& operation_;
-  std::vector<char> buffer_;  // a zero behind the last byte, which no text has
+  std::vector<char> buffer_;  // a zero behind the last byte, which no text has, and more for who looks at many at once
   char* at_;
   char* end_;
   char* checked_;  // up to here the bytes are right

@@ -271,34 +271,61 @@ void BlockLoader::EndBlock() {
   blockRows_ = 0;
 }
 
-void BlockLoader::AddRow(std::span<Cell> cells, StoredState state) {
+void BlockLoader::FindTargets() {
   const std::uint32_t row = contents_.rowCount;
   if (row >= kMostRows) {
     throw Error(contents_.owner + ": nu mai incape niciun rand");
   }
   store_->MakeLoadedRowWritable(row);
+  targets_.clear();
+  for (Column& column : contents_.columns) {
+    std::byte* const more = column.type == FieldType::Guid ? column.more.WritableBlock(row) : nullptr;
+    targets_.push_back({column.values.WritableBlock(row), more, column.values.ElementWidth()});
+  }
+  targetsEnd_ = store_->loadEnd_;
+}
+
+void BlockLoader::PutBytes(std::size_t field, std::string_view bytes) {
+  Cell cell{.bytes = bytes, .isNull = false};
+  store_->InternBytes(field, cell);
+  PutElement(targets_[field], cell.bits);
+}
+
+void BlockLoader::PutNull(std::size_t field) {
+  Plane& nulls = contents_.columns[field].nulls;
+  nulls.MakeWritable(contents_.rowCount);
+  nulls.PutBit(contents_.rowCount, true);
+  PutFixed(field, {});
+}
+
+void BlockLoader::AddRow(std::span<Cell> cells, StoredState state) {
+  BeginRow();
+  const std::uint32_t row = contents_.rowCount;
   contents_.states.MakeWritableFor(row, state == StoredState::Unmodified);
   if (state != StoredState::Unmodified) {
     contents_.states.Put(row, state);
   }
   for (std::size_t i = 0; i < cells.size(); ++i) {
-    Cell& cell = cells[i];
+    const Cell& cell = cells[i];
     const FieldDef& field = contents_.schemaData->fields[i];
-    Column& column = contents_.columns[i];
-    if (!cell.isNull) {
-      CheckCell(field, cell, contents_.owner);
-      store_->Intern(i, cell);
-      if (field.type == FieldType::AutoInc) {
-        store_->NoteTemporary(cell);
+    if (cell.isNull) {
+      if (!MayBeNull(field, row)) {
+        throw Error(contents_.owner + ": campul " + Quoted(field.name) + " trebuie completat");
       }
-    } else if (!MayBeNull(field, row)) {
-      throw Error(contents_.owner + ": campul " + Quoted(field.name) + " trebuie completat");
+      PutNull(i);
+      continue;
     }
-    column.nulls.MakeWritableFor(row, !cell.isNull);
-    column.Store(row, cell);
+    CheckCell(field, cell, contents_.owner);
+    if (TraitsOf(field.type).storage == Storage::Fixed) {
+      PutFixed(i, cell);
+    } else {
+      PutBytes(i, cell.bytes);
+    }
+    if (field.type == FieldType::AutoInc) {
+      NoteAutoInc(cell);
+    }
   }
-  ++contents_.counts[static_cast<std::size_t>(state)];
-  ++contents_.rowCount;
+  EndRow(state);
 }
 
 void BlockLoader::PutOldBytes(std::size_t field, Cell& cell) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <cstring>
 #include <memory>
 #include <span>
 #include <string_view>
@@ -64,6 +65,29 @@ class BlockLoader {
   /// The other way, row by row, for readers that do not know how many there will be: no block may be there yet, or be
   /// begun later. Fixed cells hold what their type can hold; texts and large values are put where they belong.
   void AddRow(std::span<Cell> cells, StoredState state = StoredState::Unmodified);
+  /// The same value by value, for readers that have checked them and the nulls too. Each field gets a value or a null
+  /// between BeginRow() and EndRow(); fixed values of a row that is not ended are overwritten by the next one.
+  void BeginRow() {
+    if (contents_.rowCount >= targetsEnd_) {
+      FindTargets();
+    }
+  }
+  /// Puts a value of fixed width.
+  void PutFixed(std::size_t field, const Cell& cell) noexcept {
+    const Target& target = targets_[field];
+    PutElement(target, cell.bits);
+    if (target.more != nullptr) {
+      std::memcpy(target.more + std::size_t{PlaceInBlock(contents_.rowCount)} * 8, &cell.more, 8);
+    }
+  }
+  void PutBytes(std::size_t field, std::string_view bytes);
+  void PutNull(std::size_t field);
+  void EndRow(StoredState state = StoredState::Unmodified) noexcept {
+    ++contents_.counts[static_cast<std::size_t>(state)];
+    ++contents_.rowCount;
+  }
+  /// Keeps a value of an AutoInc field from being given to a new row.
+  void NoteAutoInc(const Cell& cell) noexcept { store_->NoteTemporary(cell); }
   /// Puts the bytes of an old value where AddRow puts those of a new one, so that AddRecord takes it.
   void PutOldBytes(std::size_t field, Cell& cell);
 
@@ -88,6 +112,39 @@ class BlockLoader {
   }
 
  private:
+  /// Where the values of a field in the block of the next row go.
+  struct Target {
+    std::byte* elements;
+    std::byte* more;  // the second halves of a Guid, null elsewhere
+    Plane::Width width;
+  };
+  void FindTargets();
+  void PutElement(const Target& target, std::uint64_t bits) noexcept {
+    const std::size_t place = PlaceInBlock(contents_.rowCount);
+    const auto put = [&]<class Element>(Element element) {
+      std::memcpy(target.elements + place * sizeof element, &element, sizeof element);
+    };
+    switch (target.width) {
+      case Plane::Width::Bit: {
+        std::byte& eight = target.elements[place / 8];
+        const std::byte mask{static_cast<std::uint8_t>(1U << (place % 8))};
+        eight = bits != 0 ? eight | mask : eight & ~mask;
+        break;
+      }
+      case Plane::Width::One:
+        put(static_cast<std::uint8_t>(bits));
+        break;
+      case Plane::Width::Two:
+        put(static_cast<std::uint16_t>(bits));
+        break;
+      case Plane::Width::Four:
+        put(static_cast<std::uint32_t>(bits));
+        break;
+      case Plane::Width::Eight:
+        put(bits);
+        break;
+    }
+  }
   [[noreturn]] void Refuse(std::size_t field, std::uint32_t row, TextView why) const;
   void CheckColumn(std::size_t field, std::uint32_t first, std::uint32_t rows);
   void ClearNulls(std::size_t field, std::uint32_t first, std::uint32_t rows);
@@ -106,6 +163,8 @@ class BlockLoader {
   Contents& contents_;
   Purpose purpose_;
   std::uint32_t blockRows_ = 0;
+  std::vector<Target> targets_;  // by field, for the rows before targetsEnd_
+  std::uint32_t targetsEnd_ = 0;
   std::vector<bool> isPut_;                               // by field: texts were put one by one
   Plane isNew_{Plane::Width::Bit, Plane::Filled::Zeros};  // the row's first record is its insertion
   std::vector<OldValue> checked_;

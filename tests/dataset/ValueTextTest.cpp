@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <bit>
+#include <charconv>
 #include <random>
 
 #include "core/Calendar.h"
@@ -132,6 +134,42 @@ TEST(ValueText, EveryValueReadsBackAsItWas) {
       Cell read;
       ASSERT_TRUE(packet::ReadValue(type, Written(type, cell), read, kPlainNumbers)) << Written(type, cell);
       ASSERT_TRUE(store::AreEqual(type, cell, read)) << Written(type, cell);
+    }
+  }
+}
+
+TEST(ValueText, NumbersOfEveryLengthAreThoseOfTheStandardLibrary) {
+  std::mt19937_64 random(11);
+  const auto digits = [&](std::size_t most) {
+    std::string text;
+    for (std::size_t i = 0; i <= random() % most; ++i) {
+      text += static_cast<char>('0' + (random() % 3 == 0 ? 0 : random() % 10));
+    }
+    return text;
+  };
+  for (int i = 0; i < 50'000; ++i) {
+    const std::string whole = (random() % 2 == 0 ? "-" : "") + digits(20);
+    const std::string decimals = random() % 4 == 0 ? "" : digits(17);
+    std::string text = whole + (decimals.empty() ? "" : ".") + decimals;
+    const std::string_view beyond = std::string_view(decimals).substr(std::min<std::size_t>(decimals.size(), 4));
+    const std::string units = whole + (decimals + "0000").substr(0, 4);
+    double number = 0;
+    std::int64_t integer = 0;
+    std::int64_t amount = 0;
+    std::from_chars(text.data(), text.data() + text.size(), number);
+    const bool isInteger =
+        decimals.empty() && std::from_chars(&*whole.begin(), &*whole.end(), integer).ec == std::errc{};
+    const bool isAmount = beyond.find_first_not_of('0') == std::string_view::npos &&
+                          std::from_chars(&*units.begin(), &*units.end(), amount).ec == std::errc{};
+    for (const packet::NumberForm form : {kPlainNumbers, kRomanianNumbers}) {
+      Cell cell;
+      ASSERT_TRUE(packet::ReadValue(FieldType::Double, text, cell, form)) << text;
+      ASSERT_EQ(cell.bits, std::bit_cast<std::uint64_t>(number + 0.0)) << text;
+      ASSERT_EQ(packet::ReadValue(FieldType::Int64, text, cell, form), isInteger) << text;
+      ASSERT_TRUE(!isInteger || static_cast<std::int64_t>(cell.bits) == integer) << text;
+      ASSERT_EQ(packet::ReadValue(FieldType::Currency, text, cell, form), isAmount) << text;
+      ASSERT_TRUE(!isAmount || static_cast<std::int64_t>(cell.bits) == amount) << text;
+      std::ranges::replace(text, '.', ',');
     }
   }
 }

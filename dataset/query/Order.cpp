@@ -190,12 +190,6 @@ OrderedBits OrderedBitsOf(FieldType type, Collation collation, const Cell& cell)
   switch (type) {
     case FieldType::Boolean:
       return {cell.bits, 1, true};
-    case FieldType::Int16:
-      return {(cell.bits ^ 0x8000U) & 0xFFFFU, 16, true};
-    case FieldType::Int32:
-    case FieldType::Date:
-    case FieldType::Time:
-      return {(cell.bits ^ 0x8000'0000U) & 0xFFFF'FFFFU, 32, true};
     case FieldType::Text:
     case FieldType::Memo:
       return {CollationPrefix(cell.bytes, collation), 64, false};
@@ -212,33 +206,18 @@ OrderedBits OrderedBitsOf(FieldType type, Collation collation, const Cell& cell)
       // The bits of a double are in its order but for the sign; of negative ones the greatest is the least.
       return {(cell.bits & kSign) != 0 ? ~cell.bits : cell.bits | kSign, 64, true};
     default:
-      return {cell.bits ^ kSign, 64, true};
+      return OrderedBitsOf(static_cast<std::int64_t>(cell.bits));
   }
 }
 
 PackedKey Pack(const Contents& contents, std::span<const OrderField> order, std::span<const Cell> cells) noexcept {
   PackedKey key;
-  // Appends the upper bits of a number as far as there is room.
-  const auto put = [&key](std::uint64_t bits, unsigned width) {
-    const unsigned taken = std::min(width, 64 - key.width);
-    if (taken > 0) {
-      key.bits |= bits << (64 - width) >> key.width;
-      key.width += taken;
-    }
-    return taken == width;
-  };
-  for (std::size_t i = 0; i < cells.size(); ++i) {
+  for (std::size_t i = 0; i < cells.size() && key.isExact; ++i) {
     const OrderField& by = order[i];
-    OrderedBits value =
-        OrderedBitsOf(FieldAt(contents, by.field).type, by.collation, cells[i].isNull ? Cell{} : cells[i]);
-    if (by.isDescending) {
-      value.bits = ~value.bits & (~std::uint64_t{0} >> (64 - value.width));
-    }
     if (cells[i].isNull) {
-      value.bits = 0;
-    }
-    if (!put(cells[i].isNull == by.nullsLast ? 1 : 0, 1) || !put(value.bits, value.width) || !value.isExact) {
-      break;
+      key.PutNull(by);
+    } else {
+      key.Put(by, OrderedBitsOf(FieldAt(contents, by.field).type, by.collation, cells[i]));
     }
   }
   return key;

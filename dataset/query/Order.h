@@ -1,5 +1,7 @@
 #pragma once
 
+#include <algorithm>
+#include <bit>
 #include <cstdint>
 #include <span>
 #include <vector>
@@ -36,28 +38,66 @@ int CompareCells(const OrderField& by, FieldType type, const store::Cell& left, 
 int CompareRows(const store::Contents& contents, std::span<const OrderField> order, std::uint32_t left,
                 std::uint32_t right) noexcept;
 
-/// A number of at most `width` bits that compares as the values of a type do. Where values have no such number that
-/// tells all of them apart, equal ones decide nothing.
+/// A number of `width` bits that compares as the values of a type do: of two values with different ones the first bits
+/// that both have differ. Where values have no such number that tells all of them apart, equal ones decide nothing.
 struct OrderedBits {
   std::uint64_t bits;
   unsigned width;
   bool isExact;
 };
 OrderedBits OrderedBitsOf(FieldType type, Collation collation, const store::Cell& cell) noexcept;
+/// Of an integer as many bits as it needs: its sign, how many binary digits it has, and those behind the first, which
+/// is a one. So small numbers, days and amounts leave room for the fields behind them.
+inline OrderedBits OrderedBitsOf(std::int64_t value) noexcept {
+  constexpr unsigned kBefore = 7;
+  const auto digits = static_cast<std::uint64_t>(value < 0 ? ~value : value);
+  const auto count = static_cast<unsigned>(std::bit_width(digits));
+  const unsigned behind = count > 0 ? count - 1 : 0;
+  const unsigned kept = std::min(behind, 64 - kBefore);
+  const std::uint64_t bits =
+      (64U | std::uint64_t{count}) << kept | (digits - std::bit_floor(digits)) >> (behind - kept);
+  return {value < 0 ? bits ^ (~std::uint64_t{0} >> (64 - kBefore - kept)) : bits, kBefore + kept, kept == behind};
+}
 
-/// The beginning of what an order compares, in 64 bits, of which the first `width` say something.
+/// The beginning of what an order compares, in 64 bits, of which the first `width` say something; the others are zero.
+/// Of two rows the one with the lesser bits comes first, whatever the widths are.
 struct PackedKey {
   std::uint64_t bits = 0;
   unsigned width = 0;
+  bool isExact = true;  ///< says all of it: what has equal bits is equal
 
+  /// Appends the value of the next field, or as much of it as there is room for, as long as all before it is exact.
+  void Put(const OrderField& by, OrderedBits value) noexcept {
+    if (by.isDescending) {
+      value.bits ^= ~std::uint64_t{0} >> (64 - value.width);
+    }
+    Append({by.nullsLast ? 0U : 1U, 1, true});
+    Append(value);
+  }
+  /// The same of a null.
+  void PutNull(const OrderField& by) noexcept { Append({by.nullsLast ? 1U : 0U, 1, true}); }
   /// Below 0 if whatever has this key comes before whatever has the other one, above 0 if after, 0 if neither is known.
   [[nodiscard]] int Compare(const PackedKey& other) const noexcept {
-    const unsigned known = width < other.width ? width : other.width;
+    return CompareWith(other.bits, width < other.width ? width : other.width);
+  }
+  /// The same with the key of a row, of which only the bits are known.
+  [[nodiscard]] int CompareWith(std::uint64_t row) const noexcept { return CompareWith(row, width); }
+
+ private:
+  [[nodiscard]] int CompareWith(std::uint64_t other, unsigned known) const noexcept {
     const unsigned unknown = 64 - known;
-    if (known == 0 || bits >> unknown == other.bits >> unknown) {
+    if (known == 0 || bits >> unknown == other >> unknown) {
       return 0;
     }
-    return bits < other.bits ? -1 : 1;
+    return bits < other ? -1 : 1;
+  }
+  void Append(OrderedBits value) noexcept {
+    const unsigned taken = isExact ? std::min(value.width, 64 - width) : 0;
+    if (taken > 0) {
+      bits |= value.bits << (64 - value.width) >> width;
+      width += taken;
+    }
+    isExact = isExact && value.isExact && taken == value.width;
   }
 };
 /// Of cells for the first fields of an order.

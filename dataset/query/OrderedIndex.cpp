@@ -1,5 +1,7 @@
 #include "dataset/query/OrderedIndex.h"
 
+#include <array>
+
 #include "dataset/query/CalculatedColumns.h"
 #include "dataset/query/Candidates.h"
 #include "dataset/query/Lookup.h"
@@ -26,6 +28,8 @@ OrderedIndex::OrderedIndex(store::Store& store, const Order& order, std::optiona
       order_(order),
       sought_(contents_, order_),
       met_(contents_, order_),
+      keys_(contents_, order_),
+      rows_(order.empty() ? RowList::By::Numbers : RowList::By::Keys),
       cells_(order.size()),
       filter_(std::move(filter)) {
   for (const OrderField& by : order_) {
@@ -46,14 +50,14 @@ void OrderedIndex::Repair() {
   if (IsReady() && !hasFailed_ && !sought_.HasFailed() && !met_.HasFailed()) {
     return;
   }
-  std::vector<std::uint32_t> rows;
-  if (filter_) {
-    rows = PassingRows(*followers_->GetStore(), filter_->GetTree());
-    SortRows(contents_, order_, rows);
-  } else {
-    rows = SortedRows(contents_, order_);
-  }
-  rows_.Assign(rows, [this](std::uint32_t row) { return KeyOf(row); });
+  std::vector<std::uint32_t> rows =
+      filter_ ? PassingRows(*followers_->GetStore(), filter_->GetTree()) : PresentRows(contents_);
+  isStale_ = true;  // the keys of the rows that it has are no longer those that it will compare with
+  keys_.Begin(rows.size());
+  // Read in the order of the rows, which is much faster than in the one that they are put into.
+  const std::unique_ptr<std::uint64_t[]> keys = KeysOf(rows);
+  SortRows(contents_, order_, rows);
+  rows_.Assign(rows, [&keys](std::uint32_t row) { return keys[row]; });
   ++version_;
   lookupVersion_ = CurrentLookupVersion();
   isStale_ = false;
@@ -77,9 +81,21 @@ void OrderedIndex::ReadCells(std::uint32_t row) noexcept {
   }
 }
 
-PackedKey OrderedIndex::KeyOf(std::uint32_t row) noexcept {
-  ReadCells(row);
-  return Pack(contents_, order_, cells_);
+std::unique_ptr<std::uint64_t[]> OrderedIndex::KeysOf(std::span<const std::uint32_t> rows) {
+  if (order_.empty()) {
+    return nullptr;
+  }
+  auto keys = std::make_unique_for_overwrite<std::uint64_t[]>(contents_.rowCount);
+  for (std::array<PackedKey, 256> packed; !rows.empty();) {
+    const auto some = rows.first(std::min(rows.size(), packed.size()));
+    packed = {};
+    keys_.Pack(some, sought_, packed);
+    for (std::size_t i = 0; i < some.size(); ++i) {
+      keys[some[i]] = packed[i].bits;
+    }
+    rows = rows.subspan(some.size());
+  }
+  return keys;
 }
 
 int OrderedIndex::CompareWithSought(std::uint32_t row) const noexcept {
@@ -108,16 +124,18 @@ int OrderedIndex::Compare(std::uint32_t row, std::span<const Cell> cells) const 
   return 0;
 }
 
-RowList::Place OrderedIndex::PlaceOf(std::uint32_t row) noexcept {
-  const PackedKey key = KeyOf(row);
-  return rows_.FirstNot(key, [this, row](std::uint32_t other) {
-    const int order = other == row ? 0 : CompareWithSought(other);
+RowList::Place OrderedIndex::PlaceOf(std::uint32_t row, const PackedKey& key) noexcept {
+  if (!key.isExact) {
+    ReadCells(row);
+  }
+  return rows_.FirstNot(key, [&](std::uint32_t other) {
+    const int order = other == row || key.isExact ? 0 : CompareWithSought(other);
     return order < 0 || (order == 0 && other < row);
   });
 }
 
 std::uint32_t OrderedIndex::Search(std::span<const Cell> cells, bool after) const noexcept {
-  return rows_.PositionOf(rows_.FirstNot(Pack(contents_, order_, cells), [&](std::uint32_t row) {
+  return rows_.PositionOf(rows_.FirstNot(keys_.OfCells(cells), [&](std::uint32_t row) {
     const int order = Compare(row, cells);
     return order < 0 || (order == 0 && after);
   }));
@@ -136,13 +154,14 @@ void OrderedIndex::Prepare(std::uint32_t changes) {
       return;  // the edit may be the one that puts it right
     }
   }
+  keys_.Extend();
   rows_.Reserve(changes);
 }
 
 void OrderedIndex::Before(const store::RowChange& change) noexcept {
   leaving_.reset();
   if (IsReady() && change.wasThere && Concerns(change)) {
-    const RowList::Place place = PlaceOf(change.row);
+    const RowList::Place place = PlaceOf(change.row, KeyOf(change.row));
     if (rows_.Has(place, change.row)) {
       leaving_ = place;
     }
@@ -156,12 +175,12 @@ void OrderedIndex::After(const store::RowChange& change) noexcept {
   if (isStale_ || !Concerns(change)) {
     return;
   }
-  const auto keyOf = [this](std::uint32_t row) { return KeyOf(row); };
   if (leaving_) {
-    rows_.Erase(*leaving_, keyOf);
+    rows_.Erase(*leaving_);
   }
   if (change.isThere && Admits(change.row)) {
-    rows_.Insert(PlaceOf(change.row), change.row, keyOf);
+    const PackedKey key = KeyOf(change.row);
+    rows_.Insert(PlaceOf(change.row, key), change.row, key.bits);
   }
   ++version_;
 }

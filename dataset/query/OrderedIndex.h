@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "dataset/query/OrderReader.h"
+#include "dataset/query/RowKeys.h"
 #include "dataset/query/RowList.h"
 #include "dataset/store/Followers.h"
 #include "dataset/store/Store.h"
@@ -38,7 +39,9 @@ class OrderedIndex final : public store::Follower, public std::enable_shared_fro
   /// filter has no value. Everything below needs it.
   void Repair();
   /// Whether it may be asked for something without that.
-  [[nodiscard]] bool IsReady() const noexcept { return !isStale_ && lookupVersion_ == CurrentLookupVersion(); }
+  [[nodiscard]] bool IsReady() const noexcept {
+    return !isStale_ && lookupVersion_ == CurrentLookupVersion() && keys_.AreValid();
+  }
   /// Whether all rows are in it, and it may be asked for them.
   [[nodiscard]] bool HoldsAllRows() const noexcept {
     return !filter_ && IsReady() && !hasFailed_ && !sought_.HasFailed() && !met_.HasFailed();
@@ -48,7 +51,9 @@ class OrderedIndex final : public store::Follower, public std::enable_shared_fro
   /// The row at a position, from 0.
   [[nodiscard]] std::uint32_t At(std::uint32_t position) const noexcept { return rows_.At(position); }
   /// The position of a row that is there.
-  [[nodiscard]] std::uint32_t PositionOf(std::uint32_t row) noexcept { return rows_.PositionOf(PlaceOf(row)); }
+  [[nodiscard]] std::uint32_t PositionOf(std::uint32_t row) noexcept {
+    return rows_.PositionOf(PlaceOf(row, KeyOf(row)));
+  }
   /// The position of the first row whose first fields are not before these cells, or with `after` the first that is
   /// behind all rows with equal ones. Codes do not count.
   [[nodiscard]] std::uint32_t Search(std::span<const store::Cell> cells, bool after) const noexcept;
@@ -72,11 +77,17 @@ class OrderedIndex final : public store::Follower, public std::enable_shared_fro
   [[nodiscard]] std::uint64_t CurrentLookupVersion() const noexcept;
   [[nodiscard]] bool Concerns(const store::RowChange& change) const noexcept;
   void ReadCells(std::uint32_t row) noexcept;
-  [[nodiscard]] PackedKey KeyOf(std::uint32_t row) noexcept;
+  [[nodiscard]] PackedKey KeyOf(std::uint32_t row) noexcept {
+    PackedKey key;
+    keys_.Pack({&row, 1}, sought_, {&key, 1});
+    return key;
+  }
+  /// The bits of the keys of rows, by row.
+  [[nodiscard]] std::unique_ptr<std::uint64_t[]> KeysOf(std::span<const std::uint32_t> rows);
   /// How a row stands to the one whose cells were read last.
   [[nodiscard]] int CompareWithSought(std::uint32_t row) const noexcept;
-  /// The place of a row or the one that it would have.
-  [[nodiscard]] RowList::Place PlaceOf(std::uint32_t row) noexcept;
+  /// The place of a row with that key or the one that it would have.
+  [[nodiscard]] RowList::Place PlaceOf(std::uint32_t row, const PackedKey& key) noexcept;
 
   std::shared_ptr<store::Followers> followers_;
   const store::Contents& contents_;
@@ -84,6 +95,7 @@ class OrderedIndex final : public store::Follower, public std::enable_shared_fro
   OrderReader sought_;            // of the row that is looked for
   mutable OrderReader met_;       // of those that it is compared with
   std::vector<FieldType> types_;  // of the fields of the order
+  RowKeys keys_;
   RowList rows_;
   std::vector<store::Cell> cells_;  // of the row that is looked for, so that one allocates nothing for them
   std::optional<RowList::Place> leaving_;

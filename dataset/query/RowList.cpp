@@ -1,5 +1,7 @@
 #include "dataset/query/RowList.h"
 
+#include <cstring>
+
 namespace kiv::query {
 namespace {
 
@@ -17,13 +19,14 @@ void RowList::Reserve(std::uint32_t insertions) {
   // What leaves give up meanwhile is used again.
   const std::size_t most = std::min<std::size_t>(insertions, leaves_.size() + insertions / kHalf + 2);
   const std::size_t leaves = leaves_.size() + most;
-  if (leaves > leaves_.capacity() || leaves > starts_.capacity()) {
+  if (leaves > leaves_.capacity() || leaves > starts_.capacity() || leaves > fences_.capacity()) {
     leaves_.reserve(leaves + leaves / 2);
     starts_.reserve(leaves + leaves / 2);
+    fences_.reserve(leaves + leaves / 2);
   }
   spares_.reserve(most);
   while (spares_.size() < most) {
-    spares_.push_back(std::make_unique_for_overwrite<std::uint32_t[]>(kLeafRows));
+    spares_.push_back(MakePage());
   }
 }
 
@@ -33,12 +36,30 @@ void RowList::DropSpares() noexcept {
   }
 }
 
+RowList::Page RowList::MakePage() const {
+  return {std::make_unique_for_overwrite<std::uint32_t[]>(kLeafRows),
+          by_ == By::Keys ? std::make_unique_for_overwrite<std::uint64_t[]>(kLeafRows) : nullptr};
+}
+
 RowList::Leaf& RowList::AddLeaf(std::size_t at) noexcept {
   Leaf& leaf = *leaves_.emplace(leaves_.begin() + static_cast<std::ptrdiff_t>(at));
-  leaf.rows = std::move(spares_.back());
+  leaf.page = std::move(spares_.back());
   spares_.pop_back();
   starts_.push_back(0);
+  fences_.insert(fences_.begin() + static_cast<std::ptrdiff_t>(at), 0);
   return leaf;
+}
+
+void RowList::Move(const Page& from, std::uint32_t first, std::uint32_t count, Page& to,
+                   std::uint32_t at) const noexcept {
+  std::memmove(to.rows.get() + at, from.rows.get() + first, count * sizeof(std::uint32_t));
+  if (by_ == By::Keys) {
+    std::memmove(to.keys.get() + at, from.keys.get() + first, count * sizeof(std::uint64_t));
+  }
+}
+
+void RowList::SetFence(std::size_t leaf) noexcept {
+  fences_[leaf] = by_ == By::Keys ? leaves_[leaf].page.keys[0] : 0;
 }
 
 void RowList::Split(Place& place) noexcept {
@@ -49,11 +70,52 @@ void RowList::Split(Place& place) noexcept {
     place = {place.leaf + 1, 0};
     return;
   }
-  std::copy_n(full.rows.get() + kHalf, kHalf, added.rows.get());
+  Move(full.page, kHalf, kHalf, added.page, 0);
   full.count = kHalf;
   added.count = kHalf;
+  SetFence(place.leaf + 1);
   if (place.offset > kHalf) {
     place = {place.leaf + 1, place.offset - kHalf};
+  }
+}
+
+void RowList::Insert(Place place, std::uint32_t row, std::uint64_t key) noexcept {
+  const std::size_t leaves = leaves_.size();
+  if (leaves == 0) {
+    AddLeaf(0);
+  } else if (leaves_[place.leaf].count == kLeafRows) {
+    Split(place);
+  }
+  Leaf& leaf = leaves_[place.leaf];
+  Move(leaf.page, place.offset, leaf.count - place.offset, leaf.page, place.offset + 1);
+  leaf.page.rows[place.offset] = row;
+  if (by_ == By::Keys) {
+    leaf.page.keys[place.offset] = key;
+  }
+  ++leaf.count;
+  SetFence(place.leaf);
+  if (leaves_.size() != leaves) {
+    CountAnew();
+    return;
+  }
+  ++count_;
+  for (std::size_t i = place.leaf + 1; i < leaves; ++i) {
+    ++starts_[i];
+  }
+}
+
+void RowList::Erase(Place place) noexcept {
+  Leaf& leaf = leaves_[place.leaf];
+  Move(leaf.page, place.offset + 1, leaf.count - place.offset - 1, leaf.page, place.offset);
+  --leaf.count;
+  SetFence(place.leaf);
+  if (JoinWithNext(place.leaf) || (place.leaf > 0 && JoinWithNext(place.leaf - 1))) {
+    CountAnew();
+    return;
+  }
+  --count_;
+  for (std::size_t i = place.leaf + 1; i < starts_.size(); ++i) {
+    --starts_[i];
   }
 }
 
@@ -64,16 +126,17 @@ bool RowList::JoinWithNext(std::size_t at) noexcept {
     return false;
   }
   if (!isLast) {
-    Leaf& next = leaves_[at + 1];
-    std::copy_n(next.rows.get(), next.count, leaf.rows.get() + leaf.count);
-    leaf.key = leaf.count == 0 ? next.key : leaf.key;
+    const Leaf& next = leaves_[at + 1];
+    Move(next.page, 0, next.count, leaf.page, leaf.count);
     leaf.count += next.count;
+    SetFence(at);
   }
-  const auto given = leaves_.begin() + static_cast<std::ptrdiff_t>(isLast ? at : at + 1);
+  const auto given = static_cast<std::ptrdiff_t>(isLast ? at : at + 1);
   if (spares_.size() < spares_.capacity()) {
-    spares_.push_back(std::move(given->rows));
+    spares_.push_back(std::move(leaves_[static_cast<std::size_t>(given)].page));
   }
-  leaves_.erase(given);
+  leaves_.erase(leaves_.begin() + given);
+  fences_.erase(fences_.begin() + given);
   starts_.pop_back();
   return true;
 }

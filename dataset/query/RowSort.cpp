@@ -9,6 +9,7 @@
 #include <string>
 
 #include "dataset/query/CalculatedColumns.h"
+#include "dataset/query/Elements.h"
 #include "dataset/query/OrderReader.h"
 
 // Rows are sorted by one number each, which holds as many of the fields as 64 bits have room for: of numbers and days
@@ -23,37 +24,6 @@ using store::Column;
 using store::Contents;
 
 namespace {
-
-std::vector<std::uint32_t> PresentRows(const Contents& contents) {
-  std::vector<std::uint32_t> rows;
-  rows.reserve(contents.rowCount);
-  for (std::uint32_t block = 0; block < contents.BlockCount(); ++block) {
-    const std::uint32_t first = block * store::kBlockRows;
-    const bool isPlain = contents.states.BlockBytes(block).empty();
-    for (std::uint32_t row = first; row < first + contents.RowsIn(block); ++row) {
-      if (isPlain || contents.IsPresent(row)) {
-        rows.push_back(row);
-      }
-    }
-  }
-  return rows;
-}
-
-/// Calls back with the place of each row in `rows` and its element of the column, undefined for a null.
-template <class Element, class Take>
-void ForEachElement(const Column& column, std::span<const std::uint32_t> rows, Take&& take) {
-  const std::byte* block = nullptr;
-  std::uint32_t number = std::numeric_limits<std::uint32_t>::max();
-  for (std::size_t i = 0; i < rows.size(); ++i) {
-    if (store::BlockOf(rows[i]) != number) {
-      number = store::BlockOf(rows[i]);
-      block = column.values.BlockAt(rows[i]);
-    }
-    Element element;
-    std::memcpy(&element, block + store::PlaceInBlock(rows[i]) * sizeof element, sizeof element);
-    take(i, element);
-  }
-}
 
 /// What one field of the order gives to the numbers of the rows.
 class FieldKey {
@@ -85,33 +55,21 @@ class FieldKey {
   /// Calls back with each place, whether it is null, and the bits in which the values compare.
   template <class Take>
   void ForEachBits(Take&& take) const {
-    const auto eachAs = [&]<class Element>(Element /*of*/, auto&& bitsOf) {
-      ForEachElement<Element>(column_, rows_, [&](std::size_t i, Element element) {
-        const bool isNull = column_.IsNull(rows_[i]);
-        take(i, isNull, isNull ? least_ : bitsOf(element));
-      });
+    // The element of a null is zero, of which there may be no text.
+    const auto takeElement = [&](std::size_t i, auto element, auto&& bitsOf) {
+      const bool isNull = column_.IsNull(rows_[i]);
+      take(i, isNull, isNull ? least_ : bitsOf(element));
     };
     if (!ranks_.empty()) {
-      eachAs(std::uint32_t{}, [&](std::uint32_t code) { return std::uint64_t{ranks_[code]}; });
-      return;
-    }
-    switch (column_.type) {
-      case FieldType::Int16:
-        return eachAs(std::int16_t{}, [](std::int16_t value) { return Biased(value); });
-      case FieldType::Int32:
-      case FieldType::Date:
-      case FieldType::Time:
-        return eachAs(std::int32_t{}, [](std::int32_t value) { return Biased(value); });
-      case FieldType::Int64:
-      case FieldType::AutoInc:
-      case FieldType::Currency:
-      case FieldType::DateTime:
-        return eachAs(std::int64_t{}, [](std::int64_t value) { return Biased(value); });
-      default:
-        for (std::size_t i = 0; i < rows_.size(); ++i) {
-          const Cell cell = contents_.Read(rows_[i], by_.field);
-          take(i, cell.isNull, cell.isNull ? least_ : OrderedBitsOf(column_.type, by_.collation, cell).bits);
-        }
+      ForEachElement<std::uint32_t>(column_, rows_, [&](std::size_t i, std::uint32_t code) {
+        takeElement(i, code, [&](std::uint32_t of) { return std::uint64_t{ranks_[of]}; });
+      });
+    } else if (!ForEachInteger(column_, rows_,
+                               [&](std::size_t i, std::int64_t value) { takeElement(i, value, Biased); })) {
+      for (std::size_t i = 0; i < rows_.size(); ++i) {
+        const Cell cell = contents_.Read(rows_[i], by_.field);
+        take(i, cell.isNull, cell.isNull ? least_ : OrderedBitsOf(column_.type, by_.collation, cell).bits);
+      }
     }
   }
 
@@ -289,9 +247,18 @@ void SortCalculated(const Contents& contents, const Order& order, OrderReader& r
 
 }  // namespace
 
-std::vector<std::uint32_t> SortedRows(const Contents& contents, const Order& order) {
-  std::vector<std::uint32_t> rows = PresentRows(contents);
-  SortRows(contents, order, rows);
+std::vector<std::uint32_t> PresentRows(const Contents& contents) {
+  std::vector<std::uint32_t> rows;
+  rows.reserve(contents.rowCount);
+  for (std::uint32_t block = 0; block < contents.BlockCount(); ++block) {
+    const std::uint32_t first = block * store::kBlockRows;
+    const bool isPlain = contents.states.BlockBytes(block).empty();
+    for (std::uint32_t row = first; row < first + contents.RowsIn(block); ++row) {
+      if (isPlain || contents.IsPresent(row)) {
+        rows.push_back(row);
+      }
+    }
+  }
   return rows;
 }
 

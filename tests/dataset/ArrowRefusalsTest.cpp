@@ -131,28 +131,36 @@ TEST(ArrowRefusals, ContradictionsAreNamed) {
       {"coloana \"t\": lotul", [](Schema& s) { s.children[1]->format = "i"; }},
   };
   const std::pair<std::string_view, void (*)(Array&)> kBatches[] = {
-      {"randurile: lungimea sau inceputul", [](Array& a) { a.length = -1; }},
-      {"randurile: lungimea sau inceputul", [](Array& a) { a.offset = std::numeric_limits<std::int64_t>::max(); }},
-      {"randurile: are alt numar de zone", [](Array& a) { a.n_buffers = 2; }},
-      {"randurile: are alt numar de zone", [](Array& a) { a.buffers = nullptr; }},
+      {"randurile: lungimea sau inceputul nu pot fi ale unei coloane", [](Array& a) { a.length = -1; }},
+      {"randurile: lungimea sau inceputul nu pot fi ale unei coloane",
+       [](Array& a) { a.offset = std::numeric_limits<std::int64_t>::max(); }},
+      {"randurile: are alt numar de zone de memorie decat formatul ei", [](Array& a) { a.n_buffers = 2; }},
+      {"randurile: are alt numar de zone de memorie decat formatul ei", [](Array& a) { a.buffers = nullptr; }},
       {"lotul nu are coloanele schemei", [](Array& a) { a.n_children = 2; }},
       {"lotul nu are coloanele schemei", [](Array& a) { a.children = nullptr; }},
       {"lotul nu are coloanele schemei", [](Array& a) { a.dictionary = a.children[0]; }},
       {"un rand intreg este nul", [](Array& a) { a.null_count = 1; }},
-      {"coloana \"n\": are mai putine valori", [](Array& a) { a.offset = 1; }},
+      {"coloana \"n\": are mai putine valori decat lotul randuri", [](Array& a) { a.offset = 1; }},
       {"coloana \"n\": lipseste din lot", [](Array& a) { a.children[0] = nullptr; }},
       {"coloana \"n\": lipseste din lot", [](Array& a) { a.children[0]->release = nullptr; }},
-      {"coloana \"n\": lungimea sau inceputul", [](Array& a) { a.children[0]->offset = -1; }},
-      {"coloana \"n\": lungimea sau inceputul", [](Array& a) { a.children[0]->length = 1LL << 60U; }},
-      {"coloana \"n\": numarul de valori nule nu poate", [](Array& a) { a.children[0]->null_count = -2; }},
-      {"coloana \"n\": numarul de valori nule nu poate", [](Array& a) { a.children[0]->null_count = 3; }},
-      {"coloana \"n\": numarul de valori nule nu este", [](Array& a) { a.children[0]->null_count = 1; }},
-      {"coloana \"n\": are alt numar de zone", [](Array& a) { a.children[0]->n_buffers = 3; }},
+      {"coloana \"n\": lungimea sau inceputul nu pot fi ale unei coloane",
+       [](Array& a) { a.children[0]->offset = -1; }},
+      {"coloana \"n\": lungimea sau inceputul nu pot fi ale unei coloane",
+       [](Array& a) { a.children[0]->length = 1LL << 60U; }},
+      {"coloana \"n\": numarul de valori nule nu poate fi al coloanei",
+       [](Array& a) { a.children[0]->null_count = -2; }},
+      {"coloana \"n\": numarul de valori nule nu poate fi al coloanei",
+       [](Array& a) { a.children[0]->null_count = 3; }},
+      {"coloana \"n\": numarul de valori nule nu este cel al bitilor", [](Array& a) { a.children[0]->null_count = 1; }},
+      {"coloana \"n\": are alt numar de zone de memorie decat formatul ei",
+       [](Array& a) { a.children[0]->n_buffers = 3; }},
       {"coloana \"n\": nu are valori", [](Array& a) { a.children[0]->buffers[1] = nullptr; }},
       {"coloana \"n\": are alte coloane in ea", [](Array& a) { a.children[0]->n_children = 1; }},
-      {"coloana \"t\": are mai putine valori", [](Array& a) { a.children[1]->length = 1; }},
-      {"coloana \"t\": dictionarul lotului nu este", [](Array& a) { a.children[1]->dictionary = a.children[0]; }},
-      {"coloana \"c\": dictionarul lotului nu este", [](Array& a) { a.children[2]->dictionary = nullptr; }},
+      {"coloana \"t\": are mai putine valori decat lotul randuri", [](Array& a) { a.children[1]->length = 1; }},
+      {"coloana \"t\": dictionarul lotului nu este cel al schemei",
+       [](Array& a) { a.children[1]->dictionary = a.children[0]; }},
+      {"coloana \"c\": dictionarul lotului nu este cel al schemei",
+       [](Array& a) { a.children[2]->dictionary = nullptr; }},
       {"coloana \"c\": dictionarul are alt numar", [](Array& a) { a.children[2]->dictionary->n_buffers = 2; }},
       {"coloana \"c\": trimite in afara dictionarului", [](Array& a) { a.children[2]->dictionary->length = 1; }},
   };
@@ -172,7 +180,7 @@ TEST(ArrowRefusals, ContradictionsAreNamed) {
   }
   HandMadeStream whole({rows});
   EXPECT_EQ(Refusal(whole), "");
-  EXPECT_NE(Refusal(rows[0].Nulls({0b01}, 0)).find("nule nu este cel al bitilor"), Text::npos);
+  EXPECT_NE(Refusal(rows[0].Nulls({0b01}, 0)).find("numarul de valori nule nu este cel al bitilor"), Text::npos);
   Made negative = codes;
   negative.values[3] = 0x80;
   EXPECT_NE(Refusal(negative).find("trimite in afara dictionarului"), Text::npos);
@@ -185,10 +193,12 @@ TEST(ArrowRefusals, LimitsHold) {
     return Refusal(stream, {}, limits);
   };
   EXPECT_EQ(refusal({.maxRows = 4, .maxFields = 2, .maxBytes = 70}), "");
-  EXPECT_NE(refusal({.maxRows = 3}).find("lotul 1, randul 0: sunt mai multe randuri"), Text::npos);
+  EXPECT_NE(refusal({.maxRows = 3}).find("lotul 1, randul 0: sunt mai multe randuri decat este permis"), Text::npos);
   EXPECT_NE(refusal({.maxFields = 1}).find("numar nepermis de coloane"), Text::npos);
-  EXPECT_NE(refusal({.maxBytes = 69}).find("lotul 1, randul 1: datele ar ocupa"), Text::npos);
-  EXPECT_NE(refusal({.maxBytes = 40}).find("lotul 1, randul 0: datele ar ocupa"), Text::npos);
+  EXPECT_NE(refusal({.maxBytes = 69}).find("lotul 1, randul 1: datele ar ocupa mai multa memorie decat este permis"),
+            Text::npos);
+  EXPECT_NE(refusal({.maxBytes = 40}).find("lotul 1, randul 0: datele ar ocupa mai multa memorie decat este permis"),
+            Text::npos);
 }
 
 TEST(ArrowRefusals, FailuresOfTheStreamAreTold) {

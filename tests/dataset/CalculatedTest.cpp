@@ -200,7 +200,8 @@ TEST(Calculated, ColumnsThatGoThroughTooManyAreRefused) {
     last = next;
   }
   EXPECT_EQ(numbers.GetInt64(RowId{0}, last), 1);
-  EXPECT_THROW(numbers.Lookup("id", numbers, "id", last, "n64"), Error);
+  ExpectError<Error>([&] { numbers.Lookup("id", numbers, "id", last, "n64"); },
+                     "Dataset \"numere\": Lookup: \"n63\" cauta prin prea multe seturi de date");
   last = "id";
   for (int i = 0; i < 11; ++i) {
     const Text next = "d" + std::to_string(i);
@@ -208,9 +209,11 @@ TEST(Calculated, ColumnsThatGoThroughTooManyAreRefused) {
     last = next;
   }
   EXPECT_EQ(numbers.GetInt64(RowId{0}, last), 2048);
-  EXPECT_THROW(numbers.Calculate("d11", last + " + " + last), FilterError) << "the expression would be too long";
+  ExpectError<FilterError>([&] { numbers.Calculate("d11", last + " + " + last); },
+                           "Filtru: expresia are peste 4096 de parti (pozitia 7)");
   numbers.Lookup("id", numbers, "id", last, "e0");
-  EXPECT_THROW(numbers.Lookup("id", numbers, "id", "e0", "e1"), Error);
+  ExpectError<Error>([&] { numbers.Lookup("id", numbers, "id", "e0", "e1"); },
+                     "Dataset \"numere\": Lookup: \"e0\" cauta prin prea multe seturi de date");
 }
 
 TEST(Calculated, ColumnsOutliveWhatTheyLookUp) {

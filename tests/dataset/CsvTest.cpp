@@ -135,10 +135,27 @@ TEST(Csv, ErrorsNameLineAndColumnAndNothingIsRead) {
       }
     }
   }
-  EXPECT_THROW(static_cast<void>(ReadCsv(SourceOf(BytesOf("a\n1\n2\n")), "t", {}, {.maxRows = 1})), TextPacketError);
-  EXPECT_THROW(static_cast<void>(ReadCsv(SourceOf(BytesOf("a,b\n")), "t", {}, {.maxFields = 1})), TextPacketError);
-  EXPECT_THROW(static_cast<void>(ReadCsv(SourceOf(BytesOf("a\nxxxxxxxx\n")), "t", {}, {.maxBytes = 15})),
-               TextPacketError);
+}
+
+TEST(Csv, LimitsHold) {
+  const struct {
+    std::string text;
+    ReadLimits limits;
+    TextView message;
+  } kCases[] = {
+      {"a\n1\n2\n",
+       {.maxRows = 1},
+       "ReadCsv: linia 3: textul are mai multe randuri sau ar ocupa mai multa memorie decat este permis"},
+      {"a,b\n", {.maxFields = 1}, "ReadCsv: linia 1: textul are mai multe coloane decat este permis"},
+      {"a\nxxxxxxxx\n",
+       {.maxBytes = 15},
+       "ReadCsv: linia 2: textul are mai multe randuri sau ar ocupa mai multa memorie decat este permis"},
+  };
+  for (const auto& [text, limits, message] : kCases) {
+    ExpectError<TextPacketError>(
+        [&, &csv = text, &most = limits] { static_cast<void>(ReadCsv(SourceOf(BytesOf(csv)), "t", {}, most)); },
+        message);
+  }
 }
 
 /// The same fields without what a text does not hold.

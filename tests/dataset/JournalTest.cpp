@@ -182,7 +182,8 @@ TEST(Journal, AFileThatIsBeingSavedIsNotSavedBySomebodyElse) {
   platform::File other;
   other.Open(path, platform::OpenMode::ReadFile).OrThrow("open");
   other.Lock().OrThrow("lock");
-  EXPECT_THROW(SaveBinary(MakeLines(), path), Error);
+  ExpectError<Error>([&] { SaveBinary(MakeLines(), path); }, "SaveBinary: " + platform::ShownPath(path.native()) +
+                                                                 ": fisierul este salvat chiar acum de alt program");
   EXPECT_EQ(LoadBinary(path).RowCount(), 2U);
   static_cast<void>(other.Close());
   SaveBinary(MakeLines(), path, {.flush = false});
@@ -248,8 +249,11 @@ TEST(Journal, AfterAFailureEditsAreRefusedUntilASave) {
     const FailingCalls failing(0);
     EXPECT_THROW(lines.Delete(RowId{0}), OsError);
   }
-  EXPECT_THROW(lines.Delete(RowId{0}), Error);
-  EXPECT_THROW(lines.Changes().UndoLast(), Error);
+  const auto journalPath = folder / "linii.kdp.log";
+  const Text stopped =
+      "Journal: " + platform::ShownPath(journalPath.native()) + ": jurnalul s-a oprit; setul de date trebuie salvat";
+  ExpectError<Error>([&] { lines.Delete(RowId{0}); }, stopped);
+  ExpectError<Error>([&] { lines.Changes().UndoLast(); }, stopped);
   EXPECT_EQ(lines.RowCount(), 2U);
   journal.Save();
   lines.Delete(RowId{0});

@@ -195,6 +195,10 @@ TEST(Packet, RefusalsNameChunkAndByte) {
       {[](PacketBytes& p) { p.push_back(0); },
        "dupa ultima bucata, octetul 344: pachetul s-a terminat, dar urmeaza alti octeti"},
       {[](PacketBytes& p) { p[60] ^= 1; }, "bucata 0 (TABL), octetul 32: suma de control nu se potriveste"},
+      {[](PacketBytes& p) { p[40] ^= 1; },
+       "bucata 0 (TABL), octetul 32: lungimea sau numarul bucatii nu se potriveste"},
+      {[](PacketBytes& p) { p[39] ^= 1; },
+       "bucata 0 (TABL), octetul 32: lungimea sau numarul bucatii nu se potriveste"},
       {spoiled(kTable, 4, {0xC8}), "bucata 0 (TABL), octetul 49: se termina inainte de vreme"},
       {spoiled(kTable, 8, {0xFF, 0xFF, 0xFF, 0xFF}),
        "bucata 0 (TABL), octetul 70: pachetul are mai multe randuri sau campuri decat este permis"},
@@ -253,6 +257,9 @@ TEST(Packet, NotesTravelWithIt) {
   ExpectError<PacketError>(
       [&] { static_cast<void>(ReadBack(packet, {.maxBytes = 90'000})); },
       "ReadBinary: bucata 1 (meta), octetul 100146: pachetul ar ocupa mai multa memorie decat este permis");
+  notes[1].value.assign(16U << 20U, 'x');
+  ExpectError<Error>([&] { static_cast<void>(Written(SmallDataset(), notes)); },
+                     "WriteBinary: definitiile campurilor sau notele depasesc 16 MiB");
 }
 
 TEST(Packet, TemporaryNumbersAreNotGivenAgain) {
@@ -271,8 +278,11 @@ TEST(Packet, LimitsHold) {
   AddRows(dataset, 100);
   const PacketBytes packet = Written(dataset);
   EXPECT_EQ(ReadBack(packet, {.maxRows = 100, .maxFields = 16}).RowCount(), 100U);
-  EXPECT_THROW(static_cast<void>(ReadBack(packet, {.maxRows = 99})), PacketError);
-  EXPECT_THROW(static_cast<void>(ReadBack(packet, {.maxFields = 15})), PacketError);
+  for (const ReadLimits& limits : {ReadLimits{.maxRows = 99}, ReadLimits{.maxFields = 15}}) {
+    ExpectError<PacketError>(
+        [&] { static_cast<void>(ReadBack(packet, limits)); },
+        "ReadBinary: bucata 0 (TABL), octetul 73: pachetul are mai multe randuri sau campuri decat este permis");
+  }
   ExpectError<PacketError>(
       [&] { static_cast<void>(ReadBack(packet, {.maxBytes = 9000})); },
       "ReadBinary: bucata 2 (TEXT), octetul 4363: pachetul ar ocupa mai multa memorie decat este permis");
@@ -307,6 +317,12 @@ TEST(Packet, WhateverASealedPacketSaysIsReadAsADatasetOrRefused) {
     }
   }
   EXPECT_GT(accepted, 100);
+}
+
+TEST(Packet, ASourceThatGivesMoreThanFitsIsRefused) {
+  ExpectError<Error>(
+      [] { static_cast<void>(ReadBinary([](std::span<std::uint8_t> into) { return into.size() + 1; })); },
+      "ReadBinary: sursa da mai multi octeti decat incap");
 }
 
 TEST(Packet, WhatSinkAndSourceThrowComesThrough) {

@@ -3,6 +3,7 @@
 #include "Expect.h"
 #include "PacketBytes.h"
 #include "Show.h"
+#include "dataset/packet/XmlPull.h"
 #include "kivtools/dataset/Xml.h"
 #include "platform/FailingCalls.h"
 #include "platform/TestFolder.h"
@@ -210,6 +211,16 @@ TEST(Xml, WhatIsNotKnownOrNotAllowedIsRefusedAtItsPlace) {
       {replaced("size=\"40\"", "size=\"x\""), 5, 3, "\"x\" nu este o lungime"},
       {replaced("required=\"1\"", "required=\"da\""), 5, 3, "\"da\" nu este 0 sau 1"},
       {replaced("name=\"obs\"", "name=\"ID\""), 8, 3, "apare de doua ori"},
+      {replaced("name=\"obs\"", "name=\"obs\" attr=\"alt\""), 7, 3, "campul \"obs\" are alt atribut decat obs"},
+      {replaced("size=\"40\"", "size=\"40\" default64=\"A\""), 5, 3, "valoarea implicita nu este una a campului"},
+      {replaced("<rows>", "<row>"), 8, 3, "trebuie elementul <rows>"},
+      {replaced("<rows>", "<rows><s/>"), 8, 9, "trebuie elementul <r>"},
+      {replaced("<rows>", "<rows><r><was/><a/>"), 8, 12, "randul are un element care nu este cunoscut sau nu are loc"},
+      {replaced("\"a\"/>", "\"a\"><v f=\"obs\"><b/></v></r>"), 9, 38, "elementul nu are voie sa tina altele"},
+      {replaced("?>", ""), 1, 1, "declaratia XML nu se termina"},
+      {"<?xml version=\"1.0\"" + std::string(5000, ' ') + "?>", 1, 1, "declaratia XML nu se termina"},
+      {"\xEF\xBB\xBF<?xml version=\"1.0\" encoding=\"windows-1250\"?><kivdata/>", 1, 4,
+       "declaratia XML spune Windows-1250, semnul din fata UTF-8"},
       {replaced("<rows>", "<rows>x"), 8, 9, "text unde trebuie elemente"},
       {replaced("partener=\"a\"", "partener=\"a\" id=\"2\""), 9, 4, "campul \"id\" are doua valori"},
       {replaced("partener=\"a\"", "nume=\"a\""), 9, 14, "\"nume\" nu este un camp"},
@@ -271,6 +282,13 @@ TEST(Xml, DepthLengthAndCountsAreLimited) {
     deep += "<a>";
   }
   const Text operation = "t";
+  const PacketSource source = SourceOf(BytesOf(deep));
+  packet::XmlPull pull(source, operation);
+  for (int i = 0; i < 16; ++i) {
+    EXPECT_EQ(pull.Next(), packet::XmlPull::Event::Start);
+  }
+  ExpectError<TextPacketError>([&] { static_cast<void>(pull.Next()); },
+                               "t: linia 1, coloana 49: elementele sunt prea adanci");
   const auto refusal = [&](const std::string& text, const ReadLimits& limits = {}) -> Text {
     try {
       static_cast<void>(Read(text, 1'000'000, limits));
@@ -283,17 +301,18 @@ TEST(Xml, DepthLengthAndCountsAreLimited) {
   for (int i = 0; i < 1101; ++i) {
     many += " a" + std::to_string(i) + "=''";
   }
-  EXPECT_NE(refusal(many + "/>").find("prea multe atribute"), Text::npos);
+  EXPECT_NE(refusal(many + "/>").find("elementul are prea multe atribute"), Text::npos);
   const std::string rows = Whole("<r id=\"1\" partener=\"abc\"/><r id=\"2\" partener=\"abc\"/>");
-  EXPECT_NE(refusal(rows, {.maxRows = 1}).find("mai multe randuri"), Text::npos);
-  EXPECT_NE(refusal(rows, {.maxFields = 3}).find("mai multe campuri"), Text::npos);
-  EXPECT_NE(refusal(rows, {.maxBytes = 69}).find("mai multa memorie"), Text::npos);
+  EXPECT_NE(refusal(rows, {.maxRows = 1}).find("textul are mai multe randuri decat este permis"), Text::npos);
+  EXPECT_NE(refusal(rows, {.maxFields = 3}).find("textul are mai multe campuri decat este permis"), Text::npos);
+  EXPECT_NE(refusal(rows, {.maxBytes = 69}).find("textul ar ocupa mai multa memorie decat este permis"), Text::npos);
   EXPECT_EQ(refusal(rows, {.maxRows = 2, .maxFields = 4, .maxBytes = 70}), "");
-  EXPECT_NE(refusal(Whole("<r id=\"1\" partener=\"" + std::string(33U << 20U, 'x') + "\"/>")).find("16 MiB"),
+  EXPECT_NE(refusal(Whole("<r id=\"1\" partener=\"" + std::string(33U << 20U, 'x') + "\"/>"))
+                .find("un element sau un comentariu este mai lung de 16 MiB"),
             Text::npos);
   EXPECT_NE(refusal(Whole("<r id=\"1\" partener=\"a\"><v f=\"obs\">" + std::string(4U << 20U, 'A') + "</v></r>"),
                     {.maxBytes = 1'000'000})
-                .find("mai multa memorie"),
+                .find("textul ar ocupa mai multa memorie decat este permis"),
             Text::npos);
   EXPECT_EQ(
       Read(Whole(

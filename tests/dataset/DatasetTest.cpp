@@ -269,16 +269,32 @@ TEST(Dataset, RowsAroundTheEdgesOfBlocksAreKept) {
 TEST(Dataset, ManyDifferentTextsLeaveTheDictionary) {
   Dataset dataset("texte", {{"id", FieldType::Int32, kKey}, {"text", FieldType::Text}});
   constexpr int kRows = 66'000;
+  constexpr int kAccepted = 100;
+  std::optional<Mark> whileNull;
   for (int i = 0; i < kRows; ++i) {
     dataset.Insert({{"id", i}, {"text", "t" + std::to_string(i)}});
-    if (i == 100) {
+    if (i == kAccepted) {
+      dataset.Changes().AcceptChanges();
       dataset.Set(RowId{7}, "text", "altul");
+      dataset.Set(RowId{8}, "text", Null());
+      whileNull = dataset.Changes().SetMark();
+      dataset.Set(RowId{8}, "text", "al treilea");
     }
   }
   for (int i = 0; i < kRows; ++i) {
-    const Text expected = i == 7 ? "altul" : "t" + std::to_string(i);
+    const Text expected = i == 7 ? "altul" : i == 8 ? "al treilea" : "t" + std::to_string(i);
     ASSERT_EQ(dataset.GetText(RowId{static_cast<std::uint32_t>(i)}, "text"), expected);
   }
+  // So do the texts that rows had and may get back.
+  EXPECT_EQ(dataset.Original(RowId{7}, "text"), Value("t7"));
+  EXPECT_EQ(dataset.Original(RowId{8}, "text"), Value("t8"));
+  dataset.Changes().RollbackTo(whileNull.value());
+  EXPECT_EQ(dataset.RowCount(), kAccepted + 1U);
+  EXPECT_TRUE(dataset.IsNull(RowId{8}, "text"));
+  EXPECT_EQ(dataset.GetText(RowId{7}, "text"), "altul");
+  dataset.Changes().CancelChanges();
+  EXPECT_EQ(dataset.GetText(RowId{7}, "text"), "t7");
+  EXPECT_EQ(dataset.GetText(RowId{8}, "text"), "t8");
 }
 
 TEST(Dataset, StatesFollowValues) {

@@ -260,6 +260,25 @@ TEST(Journal, AfterAFailureEditsAreRefusedUntilASave) {
   EXPECT_EQ(LoadBinary(path).RowCount(), 1U);
 }
 
+TEST(Journal, FlushesAtItsEndWhatIsInItAndNotWhereNobodyWantsIt) {
+  const auto flushes = [](JournalFlush flush, bool stopped) {
+    const TestFolder folder;
+    Dataset lines = MakeLines();
+    std::optional<Journal> journal(std::in_place, lines, folder / "linii.kdp",
+                                   JournalOptions{.flush = flush, .save = {.flush = false}});
+    if (stopped) {
+      const FailingCalls failing(0);
+      EXPECT_THROW(lines.Delete(RowId{0}), OsError);
+    }
+    const FailingCalls watching(FailingCalls::kNone);
+    journal.reset();
+    return std::ranges::count(watching.Seen(), platform::SystemCall::Flush);
+  };
+  EXPECT_EQ(flushes(JournalFlush::EachEdit, false), 1);
+  EXPECT_EQ(flushes(JournalFlush::EachEdit, true), 0);
+  EXPECT_EQ(flushes(JournalFlush::Never, false), 0);
+}
+
 TEST(Journal, WantsNoMemoryThatTheEditThenLacks) {
   const TestFolder folder;
   const auto path = folder / "linii.kdp";

@@ -1,11 +1,11 @@
 #include <benchmark/benchmark.h>
 #include <malloc.h>
-#include <sqlite3.h>
 
 #include <cstdint>
 #include <memory>
 
 #include "bench/DatasetContainers.h"
+#include "bench/SqliteLines.h"
 
 // A million rows of six fields: number, day, amount, double, one of 1,000 towns, a name. What is compared holds the
 // same rows; each container is asked for the sum over all of them before it is timed.
@@ -14,51 +14,15 @@ namespace {
 
 using namespace bench;
 
-class Sqlite {
+class Sqlite : public SqliteLines {
  public:
-  Sqlite() {
-    Require(sqlite3_open(":memory:", &database_) == SQLITE_OK, "sqlite3_open");
-    Execute("create table linii(id integer primary key, zi integer, suma integer, pret real, oras text, nume text)");
-    Execute("begin");
-    insert_ = Prepare("insert into linii values(?,?,?,?,?,?)");
-    find_ = Prepare("select suma from linii where id = ?");
-  }
-  Sqlite(const Sqlite&) = delete;
-  Sqlite& operator=(const Sqlite&) = delete;
-  ~Sqlite() {
-    sqlite3_finalize(insert_);
-    sqlite3_finalize(find_);
-    sqlite3_close(database_);
-  }
-  void Add(const Line& line) {
-    sqlite3_bind_int(insert_, 1, line.id);
-    sqlite3_bind_int(insert_, 2, line.day);
-    sqlite3_bind_int64(insert_, 3, line.sum);
-    sqlite3_bind_double(insert_, 4, line.price);
-    sqlite3_bind_text(insert_, 5, line.town.data(), static_cast<int>(line.town.size()), SQLITE_STATIC);
-    sqlite3_bind_text(insert_, 6, line.name.data(), static_cast<int>(line.name.size()), SQLITE_STATIC);
-    sqlite3_step(insert_);
-    sqlite3_reset(insert_);
-  }
-  void End() { Execute("commit"); }
   [[nodiscard]] std::int64_t Find(std::int32_t id) const {
-    sqlite3_bind_int(find_, 1, id);
-    sqlite3_step(find_);
-    const std::int64_t sum = sqlite3_column_int64(find_, 0);
-    sqlite3_reset(find_);
-    return sum;
+    sqlite3_bind_int(find_.get(), 1, id);
+    return NumberOf(find_);
   }
 
  private:
-  void Execute(const char* sql) { Require(sqlite3_exec(database_, sql, nullptr, nullptr, nullptr) == SQLITE_OK, sql); }
-  sqlite3_stmt* Prepare(const char* sql) {
-    sqlite3_stmt* statement = nullptr;
-    Require(sqlite3_prepare_v2(database_, sql, -1, &statement, nullptr) == SQLITE_OK, sql);
-    return statement;
-  }
-  sqlite3* database_ = nullptr;
-  sqlite3_stmt* insert_ = nullptr;
-  sqlite3_stmt* find_ = nullptr;
+  SqliteStatement find_ = Prepare(Database(), "select suma from linii where id = ?");
 };
 
 /// The bytes that containers of the kind have allocated.

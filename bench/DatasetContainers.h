@@ -131,6 +131,13 @@ void Fill(Container& container, std::size_t count) {
 }
 
 template <class Container>
+Container Filled(std::size_t count) {
+  Container container;
+  Fill(container, count);
+  return container;
+}
+
+template <class Container>
 void CheckFinds(const Container& container, std::size_t count) {
   for (std::size_t i = 0; i < count; ++i) {
     Require(container.Find(Lines()[i].id) == Lines()[i].sum, "find in a dataset");

@@ -1,5 +1,4 @@
 #include <benchmark/benchmark.h>
-#include <sqlite3.h>
 
 #include <algorithm>
 #include <map>
@@ -9,6 +8,7 @@
 
 #include "bench/DatasetContainers.h"
 #include "bench/DuckDb.h"
+#include "bench/SqliteLines.h"
 #include "dataset/query/Evaluator.h"
 #include "dataset/query/Selection.h"
 #include "kivtools/dataset/Aggregate.h"
@@ -103,55 +103,33 @@ class KivRows : public Kiv {
   }
 };
 
+/// Three columns, so that it reads no more than it needs to.
 class SqliteRows {
  public:
-  SqliteRows() {
-    Require(sqlite3_open(":memory:", &database_) == SQLITE_OK, "sqlite3_open");
-    sqlite3_exec(database_, "create table linii(id integer primary key, suma integer, oras text)", nullptr, nullptr,
-                 nullptr);
-    sqlite3_exec(database_, "begin", nullptr, nullptr, nullptr);
-    sqlite3_stmt* const insert = Prepare("insert into linii values(?,?,?)");
-    for (const Line& line : Lines()) {
-      sqlite3_bind_int(insert, 1, line.id);
-      sqlite3_bind_int64(insert, 2, line.sum);
-      sqlite3_bind_text(insert, 3, line.town.data(), static_cast<int>(line.town.size()), SQLITE_STATIC);
-      sqlite3_step(insert);
-      sqlite3_reset(insert);
-    }
-    sqlite3_finalize(insert);
-    sqlite3_exec(database_, "commit", nullptr, nullptr, nullptr);
-    narrow_ = Prepare("select count(*) from linii where oras = 'orasul 123' and suma > 90000000");
-    wide_ = Prepare("select sum(suma) from linii where suma > 50000000");
-    towns_ = Prepare("select max(s) from (select sum(suma) s from linii group by oras)");
-  }
-  SqliteRows(const SqliteRows&) = delete;
-  SqliteRows& operator=(const SqliteRows&) = delete;
-  ~SqliteRows() {
-    sqlite3_finalize(narrow_);
-    sqlite3_finalize(wide_);
-    sqlite3_finalize(towns_);
-    sqlite3_close(database_);
-  }
-  [[nodiscard]] std::int64_t Narrow() const { return Number(narrow_); }
-  [[nodiscard]] std::int64_t Wide() const { return Number(wide_); }
-  [[nodiscard]] std::int64_t Towns() const { return Number(towns_); }
+  [[nodiscard]] std::int64_t Narrow() const { return NumberOf(narrow_); }
+  [[nodiscard]] std::int64_t Wide() const { return NumberOf(wide_); }
+  [[nodiscard]] std::int64_t Towns() const { return NumberOf(towns_); }
 
  private:
-  sqlite3_stmt* Prepare(const char* sql) {
-    sqlite3_stmt* made = nullptr;
-    Require(sqlite3_prepare_v2(database_, sql, -1, &made, nullptr) == SQLITE_OK, sql);
-    return made;
+  static SqliteDatabase WithRows() {
+    SqliteDatabase database = OpenSqlite();
+    Execute(database, "create table linii(id integer primary key, suma integer, oras text)");
+    Execute(database, "begin");
+    const SqliteStatement insert = Prepare(database, "insert into linii values(?,?,?)");
+    for (const Line& line : Lines()) {
+      sqlite3_bind_int(insert.get(), 1, line.id);
+      sqlite3_bind_int64(insert.get(), 2, line.sum);
+      BindText(insert, 3, line.town);
+      Run(insert);
+    }
+    Execute(database, "commit");
+    return database;
   }
-  static std::int64_t Number(sqlite3_stmt* statement) {
-    sqlite3_step(statement);
-    const std::int64_t number = sqlite3_column_int64(statement, 0);
-    sqlite3_reset(statement);
-    return number;
-  }
-  sqlite3* database_ = nullptr;
-  sqlite3_stmt* narrow_ = nullptr;
-  sqlite3_stmt* wide_ = nullptr;
-  sqlite3_stmt* towns_ = nullptr;
+  SqliteDatabase database_ = WithRows();
+  SqliteStatement narrow_ =
+      Prepare(database_, "select count(*) from linii where oras = 'orasul 123' and suma > 90000000");
+  SqliteStatement wide_ = Prepare(database_, "select sum(suma) from linii where suma > 50000000");
+  SqliteStatement towns_ = Prepare(database_, "select max(s) from (select sum(suma) s from linii group by oras)");
 };
 
 class DuckRows {

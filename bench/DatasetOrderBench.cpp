@@ -1,8 +1,8 @@
 #include <benchmark/benchmark.h>
-#include <sqlite3.h>
 
 #include "bench/DatasetOrders.h"
 #include "bench/DuckDb.h"
+#include "bench/SqliteLines.h"
 
 // A million rows in the order of town and day: made from rows that are there, and kept while rows are added one by one.
 // Every peer's order is compared with ours before it is timed.
@@ -11,57 +11,26 @@ namespace {
 
 using namespace bench;
 
-class SqliteLines {
+class SqliteOrder {
  public:
-  SqliteLines() {
-    Require(sqlite3_open(":memory:", &database_) == SQLITE_OK, "sqlite3_open");
-    Execute("create table linii(id integer primary key, zi integer, suma integer, pret real, oras text, nume text)");
-    Execute("begin");
-    sqlite3_stmt* const insert = Prepare("insert into linii values(?,?,0,0,?,?)");
-    for (const Line& line : Lines()) {
-      sqlite3_bind_int(insert, 1, line.id);
-      sqlite3_bind_int(insert, 2, line.day);
-      sqlite3_bind_text(insert, 3, line.town.data(), static_cast<int>(line.town.size()), SQLITE_STATIC);
-      sqlite3_bind_text(insert, 4, line.name.data(), static_cast<int>(line.name.size()), SQLITE_STATIC);
-      sqlite3_step(insert);
-      sqlite3_reset(insert);
-    }
-    sqlite3_finalize(insert);
-    Execute("commit");
-    numbers_ = Prepare("select rowid from linii order by oras, zi");
-    rows_ = Prepare("select oras, zi from linii order by oras, zi");
-  }
-  SqliteLines(const SqliteLines&) = delete;
-  SqliteLines& operator=(const SqliteLines&) = delete;
-  ~SqliteLines() {
-    sqlite3_finalize(numbers_);
-    sqlite3_finalize(rows_);
-    sqlite3_close(database_);
-  }
   void Order() {
-    while (sqlite3_step(numbers_) == SQLITE_ROW) {
-      benchmark::DoNotOptimize(sqlite3_column_int(numbers_, 0));
+    while (sqlite3_step(numbers_.get()) == SQLITE_ROW) {
+      benchmark::DoNotOptimize(sqlite3_column_int(numbers_.get(), 0));
     }
   }
-  void Disorder() { sqlite3_reset(numbers_); }
+  void Disorder() { sqlite3_reset(numbers_.get()); }
   template <class Take>
   void ForEach(Take&& take) {
-    while (sqlite3_step(rows_) == SQLITE_ROW) {
-      take(reinterpret_cast<const char*>(sqlite3_column_text(rows_, 0)), sqlite3_column_int(rows_, 1));
+    while (sqlite3_step(rows_.get()) == SQLITE_ROW) {
+      take(reinterpret_cast<const char*>(sqlite3_column_text(rows_.get(), 0)), sqlite3_column_int(rows_.get(), 1));
     }
-    sqlite3_reset(rows_);
+    sqlite3_reset(rows_.get());
   }
 
  private:
-  void Execute(const char* sql) { Require(sqlite3_exec(database_, sql, nullptr, nullptr, nullptr) == SQLITE_OK, sql); }
-  sqlite3_stmt* Prepare(const char* sql) {
-    sqlite3_stmt* statement = nullptr;
-    Require(sqlite3_prepare_v2(database_, sql, -1, &statement, nullptr) == SQLITE_OK, sql);
-    return statement;
-  }
-  sqlite3* database_ = nullptr;
-  sqlite3_stmt* numbers_ = nullptr;
-  sqlite3_stmt* rows_ = nullptr;
+  SqliteLines lines_ = Filled<SqliteLines>(kRows);
+  SqliteStatement numbers_ = Prepare(lines_.Database(), "select rowid from linii order by oras, zi");
+  SqliteStatement rows_ = Prepare(lines_.Database(), "select oras, zi from linii order by oras, zi");
 };
 
 KivOrdered& Ordered() {
@@ -94,7 +63,7 @@ void SortKiv(benchmark::State& state) {
   SortAll(state, Ordered());
 }
 void SortSqlite(benchmark::State& state) {
-  static SqliteLines lines;
+  static SqliteOrder lines;
   static const bool isSame = DigestOf(lines) == OurDigest();
   Require(isSame, "SQLite's order of a dataset");
   SortAll(state, lines);

@@ -1,11 +1,11 @@
 #include <benchmark/benchmark.h>
-#include <sqlite3.h>
 
 #include <cstring>
 #include <filesystem>
 #include <memory>
 
 #include "bench/DatasetPackets.h"
+#include "bench/SqliteLines.h"
 #include "bench/Values.h"
 
 // A million rows written to a sink and read from memory, beside a database in memory that is serialized and
@@ -53,54 +53,20 @@ void LoadKiv(benchmark::State& state, kiv::FieldFlags idFlags) {
   state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(packet.size()));
 }
 
-using Database = std::unique_ptr<sqlite3, decltype(&sqlite3_close)>;
-
-Database OpenDatabase() {
-  sqlite3* database = nullptr;
-  Require(sqlite3_open(":memory:", &database) == SQLITE_OK, "sqlite3_open");
-  return {database, &sqlite3_close};
-}
-
-void Execute(const Database& database, const char* sql) {
-  Require(sqlite3_exec(database.get(), sql, nullptr, nullptr, nullptr) == SQLITE_OK, sql);
-}
-
-Database MakeDatabase() {
-  Database database = OpenDatabase();
-  Execute(database,
-          "create table linii(id integer primary key, zi integer, suma integer, pret real, oras text, nume text)");
-  Execute(database, "begin");
-  sqlite3_stmt* insert = nullptr;
-  sqlite3_prepare_v2(database.get(), "insert into linii values(?,?,?,?,?,?)", -1, &insert, nullptr);
+SqliteLines FilledDatabase() {
+  SqliteLines database;
   for (const Line& line : Lines()) {
-    sqlite3_bind_int(insert, 1, line.id);
-    sqlite3_bind_int(insert, 2, line.day);
-    sqlite3_bind_int64(insert, 3, line.sum);
-    sqlite3_bind_double(insert, 4, line.price);
-    sqlite3_bind_text(insert, 5, line.town.data(), static_cast<int>(line.town.size()), SQLITE_STATIC);
-    sqlite3_bind_text(insert, 6, line.name.data(), static_cast<int>(line.name.size()), SQLITE_STATIC);
-    sqlite3_step(insert);
-    sqlite3_reset(insert);
+    database.Add(line);
   }
-  sqlite3_finalize(insert);
-  Execute(database, "commit");
+  database.End();
   return database;
 }
 
-std::int64_t SumOfDatabase(const Database& database) {
-  sqlite3_stmt* ask = nullptr;
-  sqlite3_prepare_v2(database.get(), "select sum(suma) from linii", -1, &ask, nullptr);
-  sqlite3_step(ask);
-  const std::int64_t sum = sqlite3_column_int64(ask, 0);
-  sqlite3_finalize(ask);
-  return sum;
-}
-
 void SaveSqlite(benchmark::State& state) {
-  const Database database = MakeDatabase();
+  const SqliteLines database = FilledDatabase();
   sqlite3_int64 size = 0;
   for (auto _ : state) {
-    sqlite3_free(sqlite3_serialize(database.get(), "main", &size, 0));
+    sqlite3_free(sqlite3_serialize(database.Database().get(), "main", &size, 0));
   }
   state.SetBytesProcessed(state.iterations() * size);
 }
@@ -108,15 +74,15 @@ void SaveSqlite(benchmark::State& state) {
 void LoadSqlite(benchmark::State& state) {
   sqlite3_int64 size = 0;
   const std::unique_ptr<unsigned char, decltype(&sqlite3_free)> packet(
-      sqlite3_serialize(MakeDatabase().get(), "main", &size, 0), &sqlite3_free);
+      sqlite3_serialize(FilledDatabase().Database().get(), "main", &size, 0), &sqlite3_free);
   const std::int64_t sum = SumOfLines();
   for (auto _ : state) {
-    const Database database = OpenDatabase();
+    const SqliteDatabase database = OpenSqlite();
     // The database takes its memory over.
     auto* const own = static_cast<unsigned char*>(sqlite3_malloc64(static_cast<sqlite3_uint64>(size)));
     std::memcpy(own, packet.get(), static_cast<std::size_t>(size));
     sqlite3_deserialize(database.get(), "main", own, size, size, SQLITE_DESERIALIZE_FREEONCLOSE);
-    Require(SumOfDatabase(database) == sum, "sum of a database that was read");
+    Require(NumberOf(Prepare(database, "select sum(suma) from linii")) == sum, "sum of a database that was read");
   }
   state.SetBytesProcessed(state.iterations() * size);
 }

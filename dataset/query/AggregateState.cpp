@@ -179,7 +179,10 @@ void AggregateState::After(const RowChange& change) noexcept {
 
 void AggregateState::Add(const Contents& contents, std::uint32_t row) {
   ReadKey(row);
-  Group& group = GroupOfKey();
+  AddTo(GroupOfKey(), contents, row);
+}
+
+void AggregateState::AddTo(Group& group, const Contents& contents, std::uint32_t row) {
   ++group.rows;
   if (!evaluator_) {
     return;
@@ -263,12 +266,36 @@ void AggregateState::RemoveValue(Group& group, const Cell& value) {
 
 // Reading.
 
+const store::Column* AggregateState::ColumnOfCodes(const Contents& contents) const noexcept {
+  // So that what is kept for each code is no large allocation.
+  constexpr std::size_t kMostCodes = store::kLargestBlock / sizeof(Group*);
+  if (by_.size() != 1 || by_[0].field >= contents.columns.size()) {
+    return nullptr;
+  }
+  const store::Column& column = contents.columns[by_[0].field];
+  const bool hasCodes = store::TraitsOf(column.type).storage == store::Storage::Texts && column.texts.HasDictionary();
+  return hasCodes && column.texts.EntryCount() <= kMostCodes ? &column : nullptr;
+}
+
 void AggregateState::MakeAnew(const Contents& contents) {
   groups_.clear();
+  // Texts of one code are the same text: their group is looked for once.
+  const store::Column* const codes = ColumnOfCodes(contents);
+  std::vector<Group*> groupOfCode(codes == nullptr ? 0 : codes->texts.EntryCount());
   for (std::uint32_t row = 0; row < contents.rowCount; ++row) {
-    if (contents.IsPresent(row)) {
-      Add(contents, row);
+    if (!contents.IsPresent(row)) {
+      continue;
     }
+    if (codes == nullptr || codes->IsNull(row)) {
+      Add(contents, row);
+      continue;
+    }
+    Group*& group = groupOfCode[codes->values.At<std::uint32_t>(row)];
+    if (group == nullptr) {
+      ReadKey(row);
+      group = &GroupOfKey();
+    }
+    AddTo(*group, contents, row);
   }
 }
 

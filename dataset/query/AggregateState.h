@@ -73,6 +73,7 @@ class AggregateState final : public store::Follower {
   [[nodiscard]] bool IsKey(const Key& key) const noexcept;
   Group& GroupOfKey();
   void Add(const store::Contents& contents, std::uint32_t row);
+  void AddTo(Group& group, const store::Contents& contents, std::uint32_t row);
   void Remove(const store::Contents& contents, std::uint32_t row);
   void AddValue(Group& group, const store::Cell& value);
   void RemoveValue(Group& group, const store::Cell& value);
@@ -81,6 +82,8 @@ class AggregateState final : public store::Follower {
     hasDirty_ = true;
   }
   void Refresh();
+  /// The column of the key, where its rows hold codes of a dictionary, of which there are few; null elsewhere.
+  [[nodiscard]] const store::Column* ColumnOfCodes(const store::Contents& contents) const noexcept;
   void MakeAnew(const store::Contents& contents);
   void MakeDirtyAnew(const store::Contents& contents);
   /// Throws the error of the first row of the group in which the expression has no value.

@@ -1,18 +1,14 @@
-#include <algorithm>
 #include <bit>
 #include <new>
 #include <optional>
-#include <type_traits>
 
 #include "dataset/store/SchemaData.h"
-#include "package/c/DatasetHandles.h"
+#include "package/c/DatasetKinds.h"
 
 using namespace kiv::c;
 using kiv::Value;
 
 namespace {
-
-static_assert(sizeof(KivGuid) == sizeof(kiv::Guid));
 
 constexpr bool IsOneOf(std::int32_t value, std::int32_t last) noexcept {
   return value >= 0 && value <= last;
@@ -48,71 +44,8 @@ std::uint32_t Post(KivDataset& dataset) {
   return row;
 }
 
-/// How C has a kind of value.
-template <class Number>
-Number ForC(Number value) {
-  return value;
-}
-std::int64_t ForC(kiv::Currency value) {
-  return value.Raw();
-}
-double ForC(kiv::DateTime value) {
-  return value.Days();
-}
-KivGuid ForC(const kiv::Guid& value) {
-  return std::bit_cast<KivGuid>(value);
-}
-
-/// Stores a value of one kind; false for null.
-template <class Kind, class Out>
-bool Store(const Value& value, Out& out) {
-  if (std::holds_alternative<kiv::Null>(value)) {
-    return false;
-  }
-  const Kind* const held = std::get_if<Kind>(&value);
-  if (held == nullptr) {
-    throw kiv::InvalidCast("field: valoarea este de alt fel");
-  }
-  out = static_cast<Out>(ForC(*held));
-  return true;
-}
-
-/// Runs an operation that gives a value, which is to be of one kind.
-template <class Kind, class Out, class Operation>
-KivAnswer GiveValue(Out* value, Operation&& operation, const char* name = __builtin_FUNCTION()) noexcept {
-  return GiveAnswer(
-      [&] {
-        Out& result = KIV_REQUIRED(value);
-        return Store<Kind>(operation(), result);
-      },
-      name);
-}
-
-/// What a delta holds of a text or of bytes, empty for null.
-template <class Kind>
-Kind BytesOf(Value value) {
-  if (std::holds_alternative<kiv::Null>(value)) {
-    return {};
-  }
-  Kind* const held = std::get_if<Kind>(&value);
-  if (held == nullptr) {
-    throw kiv::InvalidCast("field: valoarea este de alt fel");
-  }
-  return std::move(*held);
-}
-
-/// Copies bytes, of which there may be more than fit; returns how many there are.
-std::size_t CopyBytes(kiv::BytesView bytes, std::uint8_t* buffer, std::size_t capacity) noexcept {
-  std::copy_n(bytes.begin(), std::min(bytes.size(), capacity), buffer);
-  return bytes.size();
-}
-
 Value ValueOf(const KivDataset& dataset, std::uint32_t row, std::size_t field) {
   return dataset.View().Get(kiv::RowId{row}, dataset.View().FieldAt(field));
-}
-
-Value ValueOf(const KivDelta& delta, std::uint32_t ticket, std::size_t field, std::int32_t original) {
-  return original != 0 ? delta.delta.Original(ticket, field) : delta.delta.Current(ticket, field);
 }
 
 KivAnswer GiveRow(std::optional<kiv::RowId> found, std::uint32_t& row) {
@@ -381,93 +314,6 @@ KivStatus KivDatasetCompact(KivDataset* dataset) {
       throw ArgumentError("dataset: un rand este deschis");  // whose number would be another's
     }
     compacted.Own().Compact();
-  });
-}
-
-KivStatus KivDatasetMakeDelta(KivDataset* dataset, KivDelta** delta) {
-  return Run([=] {
-    KivDelta*& result = KIV_REQUIRED(delta);
-    result = new KivDelta{KIV_REQUIRED(dataset).Own().Changes().MakeDelta()};
-  });
-}
-
-void KivDeltaFree(KivDelta* delta) {
-  delete delta;
-}
-
-KivLength KivDeltaCount(const KivDelta* delta) {
-  return GiveLength([=] { return KIV_REQUIRED(delta).delta.Count(); });
-}
-
-KivStatus KivDeltaId(const KivDelta* delta, KivGuid* id) {
-  return Run([=] {
-    KivGuid& result = KIV_REQUIRED(id);
-    result = ForC(KIV_REQUIRED(delta).delta.Id());
-  });
-}
-
-KivStatus KivDeltaTicket(const KivDelta* delta, uint32_t ticket, int32_t* kind, uint32_t* row) {
-  return Run([=] {
-    const kiv::Delta& changes = KIV_REQUIRED(delta).delta;
-    const auto number = static_cast<std::uint32_t>(changes.Row(ticket));
-    if (kind != nullptr) {
-      *kind = static_cast<std::int32_t>(changes.Kind(ticket));
-    }
-    if (row != nullptr) {
-      *row = number;
-    }
-  });
-}
-
-KivAnswer KivDeltaIsChanged(const KivDelta* delta, uint32_t ticket, size_t field) {
-  return GiveAnswer([=] { return KIV_REQUIRED(delta).delta.IsChanged(ticket, field); });
-}
-
-KivAnswer KivDeltaHasOriginal(const KivDelta* delta, uint32_t ticket, size_t field) {
-  return GiveAnswer([=] { return KIV_REQUIRED(delta).delta.HasOriginal(ticket, field); });
-}
-
-KivAnswer KivDeltaGetBoolean(const KivDelta* delta, uint32_t ticket, size_t field, int32_t original, int32_t* value) {
-  return GiveValue<bool>(value, [=] { return ValueOf(KIV_REQUIRED(delta), ticket, field, original); });
-}
-
-KivAnswer KivDeltaGetInt64(const KivDelta* delta, uint32_t ticket, size_t field, int32_t original, int64_t* value) {
-  return GiveValue<std::int64_t>(value, [=] { return ValueOf(KIV_REQUIRED(delta), ticket, field, original); });
-}
-
-KivAnswer KivDeltaGetDouble(const KivDelta* delta, uint32_t ticket, size_t field, int32_t original, double* value) {
-  return GiveValue<double>(value, [=] { return ValueOf(KIV_REQUIRED(delta), ticket, field, original); });
-}
-
-KivAnswer KivDeltaGetCurrency(const KivDelta* delta, uint32_t ticket, size_t field, int32_t original, int64_t* value) {
-  return GiveValue<kiv::Currency>(value, [=] { return ValueOf(KIV_REQUIRED(delta), ticket, field, original); });
-}
-
-KivAnswer KivDeltaGetDateTime(const KivDelta* delta, uint32_t ticket, size_t field, int32_t original, double* value) {
-  return GiveValue<kiv::DateTime>(value, [=] { return ValueOf(KIV_REQUIRED(delta), ticket, field, original); });
-}
-
-KivAnswer KivDeltaGetGuid(const KivDelta* delta, uint32_t ticket, size_t field, int32_t original, KivGuid* value) {
-  return GiveValue<kiv::Guid>(value, [=] { return ValueOf(KIV_REQUIRED(delta), ticket, field, original); });
-}
-
-KivLength KivDeltaGetText(const KivDelta* delta, uint32_t ticket, size_t field, int32_t original, char* buffer,
-                          size_t capacity) {
-  return GiveText(buffer, capacity,
-                  [=] { return BytesOf<kiv::Text>(ValueOf(KIV_REQUIRED(delta), ticket, field, original)); });
-}
-
-KivLength KivDeltaGetWideText(const KivDelta* delta, uint32_t ticket, size_t field, int32_t original, uint16_t* buffer,
-                              size_t capacity) {
-  return GiveText(buffer, capacity,
-                  [=] { return BytesOf<kiv::WideText>(ValueOf(KIV_REQUIRED(delta), ticket, field, original)); });
-}
-
-KivLength KivDeltaGetBytes(const KivDelta* delta, uint32_t ticket, size_t field, int32_t original, uint8_t* buffer,
-                           size_t capacity) {
-  return GiveLength([=] {
-    KIV_BUFFER(buffer, capacity);
-    return CopyBytes(BytesOf<kiv::Bytes>(ValueOf(KIV_REQUIRED(delta), ticket, field, original)), buffer, capacity);
   });
 }
 

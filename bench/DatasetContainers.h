@@ -29,7 +29,7 @@ inline const std::vector<std::uint32_t>& RandomOrder() {
     for (std::uint32_t i = 0; i < kRows; ++i) {
       places[i] = i;
     }
-    std::ranges::shuffle(places, std::mt19937(2));
+    Shuffle(places, std::mt19937(2));
     return places;
   }();
   return order;

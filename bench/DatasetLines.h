@@ -1,9 +1,9 @@
 #pragma once
 
-#include <algorithm>
 #include <cstdint>
 #include <random>
 #include <string>
+#include <utility>
 #include <vector>
 
 /// The rows that the benchmarks of datasets are made of: number, day, amount, double, one of 1,000 towns, a name.
@@ -20,7 +20,15 @@ struct Line {
 
 inline constexpr std::size_t kMostLines = 1'000'000;
 
-/// A million of them, in no order.
+/// The standard's own shuffle is another one where a size has 32 bits.
+template <class Value, class Random>
+void Shuffle(std::vector<Value>& values, Random random) {
+  for (std::size_t i = values.size(); i > 1; --i) {
+    std::swap(values[i - 1], values[static_cast<std::size_t>(random() % i)]);
+  }
+}
+
+/// A million of them, in no order; the same everywhere.
 inline const std::vector<Line>& Lines() {
   static const std::vector<Line> lines = [] {
     std::mt19937_64 random(1);
@@ -33,7 +41,7 @@ inline const std::vector<Line>& Lines() {
                  "orasul " + std::to_string(random() % 1000),
                  "Partener " + std::to_string(100'000 + random() % 900'000)};
     }
-    std::ranges::shuffle(made, random);
+    Shuffle(made, random);
     return made;
   }();
   return lines;

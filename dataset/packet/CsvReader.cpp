@@ -26,17 +26,22 @@ struct TwoPasses {
   std::function<PacketSource()> second;
 };
 
-/// The lines in which rows begin, in little memory: mostly each row is one line.
-class RowLines {
+bool IsKey(const FieldDef& field) noexcept {
+  return Has(field.flags, kKey);
+}
+
+/// Where rows begin. Mostly each row is one line, so that lines take little memory.
+class RowPlaces {
  public:
-  void Note(std::uint32_t row, std::uint64_t line) {
-    if (runs_.empty() || runs_.back().line + (row - runs_.back().row) != line) {
-      runs_.push_back({row, line});
+  void Note(std::uint32_t row, const packet::TextPlace& place) {
+    if (runs_.empty() || runs_.back().line + (row - runs_.back().row) != place.line) {
+      runs_.push_back({row, place.line});
     }
+    offsets_.push_back(place.offset);
   }
-  [[nodiscard]] std::uint64_t LineOf(std::uint32_t row) const noexcept {
+  [[nodiscard]] packet::TextPlace PlaceOf(std::uint32_t row) const noexcept {
     const auto after = std::ranges::upper_bound(runs_, row, {}, &Run::row);
-    return after[-1].line + (row - after[-1].row);
+    return {.line = after[-1].line + (row - after[-1].row), .offset = offsets_[row]};
   }
 
  private:
@@ -45,6 +50,7 @@ class RowLines {
     std::uint64_t line;
   };
   std::vector<Run> runs_;
+  std::vector<std::uint64_t> offsets_;
 };
 
 /// Turns comma-separated values into a dataset.
@@ -66,7 +72,7 @@ class CsvReader {
   void Look(CsvRecords& records);
   void MakeFields();
   Dataset Load(CsvRecords& records, TextView name);
-  std::unique_ptr<store::Store> Finish(store::BlockLoader& loader, const RowLines& lines, std::uint64_t end) const;
+  std::unique_ptr<store::Store> Finish(store::BlockLoader& loader, const RowPlaces& places) const;
   void Take(const CsvRecords& records, std::size_t column, Cell& cell);
   bool TakeValue(std::size_t column, std::string_view text, Cell& cell);
   bool TakeText(std::size_t column, std::string_view text, Cell& cell);
@@ -186,9 +192,12 @@ Dataset CsvReader::Load(CsvRecords& records, TextView name) {
   store::BlockLoader loader(name, Schema(fields_));
   std::vector<Cell> cells(fields_.size());
   std::uint64_t bytes = 0;
-  RowLines lines;
+  RowPlaces places;
+  const bool hasKey = std::ranges::any_of(fields_, IsKey);
   for (std::uint32_t row = 0; NextRow(records); ++row) {
-    lines.Note(row, records.Place().line);
+    if (hasKey) {
+      places.Note(row, records.Place());
+    }
     bytes += sizeof(std::uint64_t) * cells.size();
     for (std::size_t i = 0; i < cells.size(); ++i) {
       Take(records, i, cells[i]);
@@ -203,12 +212,11 @@ Dataset CsvReader::Load(CsvRecords& records, TextView name) {
       records.Refuse(0, error.what());
     }
   }
-  return Dataset(Finish(loader, lines, records.Place().offset));
+  return Dataset(Finish(loader, places));
 }
 
-/// A key that is there twice shows at the end of the text; its place is that of the later row.
-std::unique_ptr<store::Store> CsvReader::Finish(store::BlockLoader& loader, const RowLines& lines,
-                                                std::uint64_t end) const {
+/// A key that is there twice shows at the end of the text; its place is the first value of it in the later row.
+std::unique_ptr<store::Store> CsvReader::Finish(store::BlockLoader& loader, const RowPlaces& places) const {
   try {
     return loader.Finish();
   } catch (const Error& error) {
@@ -216,11 +224,9 @@ std::unique_ptr<store::Store> CsvReader::Finish(store::BlockLoader& loader, cons
     if (!row) {
       throw;
     }
-    const auto isKey = [](const FieldDef& field) { return Has(field.flags, kKey); };
-    const auto column = std::ranges::find_if(fields_, isKey) - fields_.begin();
-    const bool isAlone = std::ranges::count_if(fields_, isKey) == 1;
-    packet::RefuseText(operation_, {lines.LineOf(*row), isAlone ? static_cast<std::uint64_t>(column) + 1 : 0, end},
-                       error.what());
+    packet::TextPlace place = places.PlaceOf(*row);
+    place.column = static_cast<std::uint64_t>(std::ranges::find_if(fields_, IsKey) - fields_.begin()) + 1;
+    packet::RefuseText(operation_, place, error.what());
   }
 }
 

@@ -104,10 +104,10 @@ TEST(Csv, ErrorsNameLineAndColumnAndNothingIsRead) {
       {"a,b\n,x\n", typed, 2, 0, "Dataset \"t\": campul \"a\" trebuie completat"},
       {"a,b\n1,x\n1,y\n1,z\n", typed, 3, 1, "Dataset \"t\": cheia 1 exista deja"},
       {"a,b\n5,\"x\ny\"\n\n2,q\n5,z\n3,u\n", typed, 6, 1, "Dataset \"t\": cheia 5 exista deja"},
-      {"a,b\n1,x\n2,x\n1,x\n",
+      {"n,a,b\n7,1,x\n8,2,x\n9,1,x\n",
        {.fields = {{"a", FieldType::Int16, kKey}, {"b", FieldType::Text, kKey}}},
        4,
-       0,
+       2,
        "Dataset \"t\": cheia 1, \"x\" exista deja"},
       {"b,c\n1,x\n", typed, 1, 0, "coloana \"a\" lipseste sau apare de doua ori"},
       {"a,b\n1,\xC8\n", {.encoding = CsvEncoding::Utf8}, 2, 2, "\"b\": \"\xC8\" nu este o valoare de tip Text"},
@@ -128,7 +128,9 @@ TEST(Csv, ErrorsNameLineAndColumnAndNothingIsRead) {
         EXPECT_EQ(error.Line(), line) << text;
         EXPECT_EQ(error.Column(), column) << text;
         EXPECT_EQ(error.Chunk(), -1);
-        EXPECT_LE(error.Offset(), text.size());
+        const std::string_view before = text.substr(0, static_cast<std::size_t>(error.Offset()));
+        EXPECT_EQ(1 + static_cast<std::uint64_t>(std::ranges::count(before, '\n')), line) << text;
+        EXPECT_TRUE(before.empty() || before.ends_with('\n')) << text;
         EXPECT_TRUE(std::string_view(error.what()).ends_with(message)) << error.what();
         EXPECT_EQ(std::string_view(error.what()).substr(0, 16), "ReadCsv: linia " + std::to_string(line))
             << error.what();

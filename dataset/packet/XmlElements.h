@@ -3,6 +3,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "dataset/packet/XmlPull.h"
 
@@ -21,6 +22,18 @@ class XmlElements : public XmlPull {
   [[nodiscard]] bool HasAttribute(std::string_view name) const noexcept;
   /// Its value, empty where it has none.
   std::string TakeAttribute(std::string_view name);
+  /// Does something that may throw Error for what the present token says, which is refused then. It may not read on:
+  /// what a source throws is nothing that the text has to answer for.
+  template <class Do>
+  auto RefuseWhere(Do&& fails) const {
+    try {
+      return std::forward<Do>(fails)();
+    } catch (const PacketError&) {
+      throw;
+    } catch (const Error& error) {
+      Refuse(error.what());
+    }
+  }
   /// Refuses an element of which not every attribute was taken.
   void EndOfAttributes() const;
   /// Where the name stands among those that are known; refuses others.

@@ -54,6 +54,11 @@ std::int32_t ReadSize(XmlElements& in) {
 }  // namespace
 
 void XmlFields::Read(XmlElements& in, const ReadLimits& limits) {
+  in.RefuseWhere([&] { Take(in, limits); });
+  in.ExpectEnd();
+}
+
+void XmlFields::Take(XmlElements& in, const ReadLimits& limits) {
   const Text name = FromUtf8(in.TakeAttribute("name"));
   const std::string attribute = in.TakeAttribute("attr");
   FieldDef field(name, static_cast<FieldType>(in.IndexOf(in.TakeAttribute("type"), kXmlTypes)));
@@ -72,7 +77,6 @@ void XmlFields::Read(XmlElements& in, const ReadLimits& limits) {
     in.Refuse("textul are mai multe campuri decat este permis");
   }
   fields.push_back(std::move(field));
-  in.ExpectEnd();
 }
 
 }  // namespace kiv::packet

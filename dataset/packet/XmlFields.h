@@ -14,6 +14,9 @@ struct XmlFields {
 
   /// Reads <field>, which has begun, to its end.
   void Read(XmlElements& in, const ReadLimits& limits);
+
+ private:
+  void Take(XmlElements& in, const ReadLimits& limits);
 };
 
 }  // namespace kiv::packet

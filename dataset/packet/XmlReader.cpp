@@ -13,7 +13,7 @@ using Event = packet::XmlPull::Event;
 
 /// From <table>, which has begun, to <rows>; returns the dataset's name.
 Text ReadHead(XmlElements& in, packet::XmlFields& fields, const ReadLimits& limits) {
-  Text name = FromUtf8(in.TakeAttribute("name"));
+  Text name = in.RefuseWhere([&] { return FromUtf8(in.TakeAttribute("name")); });
   in.EndOfAttributes();
   Event event = in.NextElement();
   for (; event == Event::Start && in.Name() == "field"; event = in.NextElement()) {
@@ -29,13 +29,15 @@ Text ReadHead(XmlElements& in, packet::XmlFields& fields, const ReadLimits& limi
 std::unique_ptr<store::Store> Read(XmlElements& in, const ReadLimits& limits) {
   packet::XmlFields fields;
   const Text name = ReadHead(in, fields, limits);
-  store::BlockLoader loader(name, Schema(fields.fields));
+  auto loader = in.RefuseWhere([&] { return store::BlockLoader(name, Schema(fields.fields)); });
   packet::XmlRows rows(in, fields, limits, loader);
   rows.Read();
   in.ExpectEnd();
   in.ExpectEnd();
-  rows.AddRecordsInOrder();
-  auto store = loader.Finish();
+  auto store = in.RefuseWhere([&] {
+    rows.AddRecordsInOrder();
+    return loader.Finish();
+  });
   in.NextElement();
   return store;
 }
@@ -48,15 +50,7 @@ Dataset ReadFrom(const PacketSource& source, const Text& operation, const ReadLi
   }
   in.EndOfAttributes();
   in.ExpectStart("table");
-  try {
-    return Dataset(Read(in, limits));
-  } catch (const PacketError&) {
-    throw;
-  } catch (const OsError&) {
-    throw;
-  } catch (const Error& error) {
-    in.Refuse(error.what());
-  }
+  return Dataset(Read(in, limits));
 }
 
 }  // namespace

@@ -206,7 +206,7 @@ void XmlRows::AddRow(StoredState state) {
     in_.Refuse("un rand modificat are un element <was>, si numai el");
   }
   const auto row = static_cast<std::uint32_t>(rows_ - 1);
-  try {
+  in_.RefuseWhere([&] {
     loader_.AddRow(now_.cells, state);
     if (state == StoredState::Modified) {
       AddOriginals(row);
@@ -215,11 +215,7 @@ void XmlRows::AddRow(StoredState state) {
     } else if (state == StoredState::Inserted) {
       inserted_.push_back(row);
     }
-  } catch (const PacketError&) {
-    throw;
-  } catch (const Error& error) {
-    in_.Refuse(error.what());
-  }
+  });
 }
 
 void XmlRows::AddOriginals(std::uint32_t row) {

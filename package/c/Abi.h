@@ -19,8 +19,15 @@ class ArgumentError : public Error {
   using Error::Error;
 };
 
+/// A host's function has ended the operation that called it.
+class HostFailure : public Error {
+ public:
+  using Error::Error;
+};
+
 /// Turns the exception in flight into this thread's last error; returns the negated code. Only within a catch block.
-/// `operation` comes before the message of an ArgumentError, which knows its argument only.
+/// `operation` comes before the message of those that do not know it: ArgumentError, HostFailure,
+/// std::bad_alloc.
 std::int32_t ReportCurrentException(const char* operation) noexcept;
 
 // The arguments of an operation, each checked under the name that it has there. To be used in the body that GiveText,

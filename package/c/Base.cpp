@@ -56,6 +56,8 @@ std::int32_t ReportCurrentException(const char* operation) noexcept {
     throw;
   } catch (const ArgumentError& error) {
     return Report(KIV_ERROR_ARGUMENT, operation, error.what());
+  } catch (const HostFailure& error) {
+    return Report(KIV_ERROR_GENERAL, operation, error.what());
   } catch (const ConversionError& error) {
     return Report(KIV_ERROR_CONVERSION, error.what());
   } catch (const DateEncodingError& error) {
@@ -82,9 +84,9 @@ std::int32_t ReportCurrentException(const char* operation) noexcept {
   } catch (const OsError& error) {
     return Report(KIV_ERROR_SYSTEM, error.what(), error.Code());
   } catch (const std::bad_alloc&) {
-    return Report(KIV_ERROR_OUT_OF_MEMORY, "memorie insuficienta");
+    return Report(KIV_ERROR_OUT_OF_MEMORY, operation, "memorie insuficienta");
   } catch (const std::length_error&) {
-    return Report(KIV_ERROR_OUT_OF_MEMORY, "rezultat prea lung");
+    return Report(KIV_ERROR_OUT_OF_MEMORY, operation, "rezultat prea lung");
   } catch (const std::exception& error) {
     return Report(KIV_ERROR_GENERAL, error.what());
   } catch (...) {

@@ -75,7 +75,7 @@ inline PacketSink SinkOf(KivPacketSink sink, void* context) {
   }
   return [=](std::span<const std::uint8_t> bytes) {
     if (sink(context, bytes.data(), bytes.size()) != KIV_OK) {
-      throw Error("sink: scrierea a fost oprita");
+      throw HostFailure("sink: scrierea a fost oprita");
     }
   };
 }
@@ -88,7 +88,10 @@ inline PacketSource SourceOf(KivPacketSource source, void* context) {
   return [=](std::span<std::uint8_t> buffer) {
     const KivLength count = source(context, buffer.data(), buffer.size());
     if (count < 0) {
-      throw Error("source: citirea a fost oprita");
+      throw HostFailure("source: citirea a fost oprita");
+    }
+    if (static_cast<std::uint64_t>(count) > buffer.size()) {
+      throw HostFailure("source: mai multi octeti decat incap");
     }
     return static_cast<std::size_t>(count);
   };

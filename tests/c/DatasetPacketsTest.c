@@ -75,9 +75,9 @@ static void Streams(void) {
   EXPECT(KivLastErrorPlace(&number, &offset) == 1 && number == 0 && offset == 32);
   packet.answer = -1;
   EXPECT(KivDatasetRead(Give, &packet, &read) == -KIV_ERROR_GENERAL);
-  EXPECT(LastMessageIs("source: citirea a fost oprita") && KivLastErrorPlace(&number, &offset) == 0);
+  EXPECT(LastMessageIs("KivDatasetRead: source: citirea a fost oprita") && KivLastErrorPlace(&number, &offset) == 0);
   EXPECT(KivDatasetWrite(lines, Take, &packet) == -KIV_ERROR_GENERAL);
-  EXPECT(LastMessageIs("sink: scrierea a fost oprita"));
+  EXPECT(LastMessageIs("KivDatasetWrite: sink: scrierea a fost oprita"));
   EXPECT(KivDatasetWrite(lines, NULL, &packet) == -KIV_ERROR_ARGUMENT);
   EXPECT(KivDatasetRead(NULL, &packet, &read) == -KIV_ERROR_ARGUMENT);
 

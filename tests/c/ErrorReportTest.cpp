@@ -39,6 +39,7 @@ TEST(CInterface, GivesEachErrorItsCodeAndMessage) {
     Reported expected;
   } cases[] = {
       {[] { throw c::ArgumentError("text: pointer nul"); }, {-9, 9, "KivSomething: text: pointer nul"}},
+      {[] { throw c::HostFailure("sink: oprit"); }, {-1, 1, "KivSomething: sink: oprit"}},
       {[] { throw Error("general"); }, {-1, 1, "general"}},
       {[] { throw ConversionError("conversion"); }, {-2, 2, "conversion"}},
       {[] { throw DateEncodingError("date"); }, {-3, 3, "date"}},
@@ -47,8 +48,8 @@ TEST(CInterface, GivesEachErrorItsCodeAndMessage) {
       {[] { throw ListIndexError("index"); }, {-6, 6, "index"}},
       {[] { throw OsError(5, "Acces interzis"); }, {-8, 8, OsError(5, "Acces interzis").what()}},
       {[] { throw PacketError(2, 45, "packet"); }, {-11, 11, "packet"}},
-      {[] { throw std::bad_alloc(); }, {-10, 10, "memorie insuficienta"}},
-      {[] { throw std::length_error("?"); }, {-10, 10, "rezultat prea lung"}},
+      {[] { throw std::bad_alloc(); }, {-10, 10, "KivSomething: memorie insuficienta"}},
+      {[] { throw std::length_error("?"); }, {-10, 10, "KivSomething: rezultat prea lung"}},
       {[] { throw std::out_of_range("other"); }, {-1, 1, "other"}},
       {[] { throw 5; }, {-1, 1, "eroare necunoscuta"}},
   };

@@ -5,7 +5,7 @@
 #include <bit>
 #include <cstring>
 #include <string>
-#include <string_view>
+#include <utility>
 #if defined(__SSE2__)
 #include <immintrin.h>
 #endif
@@ -45,9 +45,8 @@ class KnownBytes {
 
 /// A piece of an attribute's value.
 struct PlainPiece {
-  const char*
-      end;       ///< the first byte that does not stand for itself or ends the value: `"`, `&`, `<`, any below a blank
-  bool isAscii;  ///< all before it
+  const char* end;  ///< the first byte that is `"`, `&`, `<` or below a blank
+  bool isAscii;     ///< whether all before it are
 };
 
 /// The front of a text that is all bytes which stand for themselves in a value between `"`.

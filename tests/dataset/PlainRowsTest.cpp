@@ -101,6 +101,35 @@ TEST(PlainRows, FollowTheOrderOfOtherRows) {
   }
 }
 
+TEST(PlainBytes, AreFoundAsOneByOne) {
+  const auto isEnd = [](char byte) {
+    return static_cast<unsigned char>(byte) < ' ' || byte == '"' || byte == '&' || byte == '<';
+  };
+  std::mt19937 random(3);
+  for (int i = 0; i < 20'000; ++i) {
+    std::string text(random() % 40, 'a');
+    for (auto odd = random() % 3; odd > 0 && !text.empty(); --odd) {
+      text[random() % text.size()] = static_cast<char>(random());
+    }
+    const auto end = std::ranges::find_if(text, isEnd) - text.begin();
+    const bool isAscii = std::all_of(text.begin(), text.begin() + end, [](char byte) { return byte >= 0; });
+    std::string known = text.substr(0, text.find('\0'));
+    const packet::KnownBytes bytes(known);
+    const std::string behind(packet::XmlPull::kBehind, '\x80');
+    const std::string all = text + '\0' + behind;
+    const packet::PlainPiece piece = packet::FrontOfValue(all.data());
+    ASSERT_EQ(piece.end - all.data(), end) << text;
+    ASSERT_EQ(piece.isAscii, isAscii) << text;
+    ASSERT_TRUE(bytes.Size() == known.size() && bytes.Begins(all.data())) << text;
+    if (!known.empty()) {
+      known[random() % known.size()] ^= 1;
+      ASSERT_FALSE(bytes.Begins((known + text.substr(known.size()) + '\0' + behind).data())) << text;
+      known.pop_back();
+      ASSERT_FALSE(bytes.Begins((known + '\0' + behind).data())) << text;
+    }
+  }
+}
+
 // Both ways read the same, and refuse the same at the same place. Of a text that comes byte by byte no row is ever
 // there as a whole before it is begun, so all of it is read the long way.
 

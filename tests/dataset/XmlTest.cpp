@@ -268,6 +268,31 @@ TEST(Xml, WhatIsNotKnownOrNotAllowedIsRefusedAtItsPlace) {
   }
 }
 
+TEST(Xml, AByteThatIsNotAllowedIsFoundWhereverItStands) {
+  const auto placeOf = [](const std::string& text) -> std::uint64_t {
+    try {
+      static_cast<void>(Read(text, text.size()));
+    } catch (const TextPacketError& error) {
+      const std::string_view before = std::string_view(text).substr(0, static_cast<std::size_t>(error.Offset()));
+      EXPECT_EQ(error.Line(), 1 + static_cast<std::uint64_t>(std::ranges::count(before, '\n')));
+      return error.Offset();
+    }
+    return 0;
+  };
+  const std::string blanks =
+      std::string(70, '\n') + std::string(70, ' ') + std::string(70, '\t') + std::string(900, '\n');
+  const std::string text = "<kivdata version=\"1\" kind=\"offline\">" + blanks +
+                           "<table name=\"t\"><field name=\"a\" " + "type=\"text\"/><rows/></table></kivdata>";
+  EXPECT_EQ(placeOf(text), 0U);
+  for (std::size_t at = text.find('\n'); at < text.size(); at += at < 300 ? 1 : 37) {
+    for (const char bad : {'\x01', '\x08', '\x0B', '\x0C', '\x0E', '\x1F', '\x80', '\xFF', '\0'}) {
+      std::string broken = text;
+      broken[at] = bad;
+      ASSERT_EQ(placeOf(broken), at) << static_cast<int>(bad);
+    }
+  }
+}
+
 TEST(Xml, EveryPrefixIsRefused) {
   const std::string text = Xml(Lines());
   for (std::size_t size = 0; size + 1 < text.size(); ++size) {

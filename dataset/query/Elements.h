@@ -3,6 +3,7 @@
 #include <cstring>
 #include <limits>
 #include <span>
+#include <type_traits>
 
 #include "dataset/store/Column.h"
 
@@ -24,11 +25,14 @@ void ForEachElement(const store::Column& column, std::span<const std::uint32_t> 
   }
 }
 
-/// The same with the numbers of a column of integers, days, milliseconds or amounts; false of any other.
+/// The same with the numbers of a column of integers, days, milliseconds or amounts, in 32 bits where they fit, of
+/// which 32-bit systems make much less; false of any other.
 template <class Take>
 bool ForEachInteger(const store::Column& column, std::span<const std::uint32_t> rows, Take&& take) {
   const auto eachAs = [&]<class Element>(Element /*of*/) {
-    ForEachElement<Element>(column, rows, [&](std::size_t i, Element element) { take(i, std::int64_t{element}); });
+    ForEachElement<Element>(column, rows, [&](std::size_t i, Element element) {
+      take(i, std::conditional_t<sizeof element <= 4, std::int32_t, std::int64_t>{element});
+    });
     return true;
   };
   switch (column.type) {

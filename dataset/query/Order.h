@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <bit>
+#include <concepts>
 #include <cstdint>
 #include <span>
+#include <type_traits>
 #include <vector>
 
 #include "dataset/store/Contents.h"
@@ -48,14 +50,16 @@ struct OrderedBits {
 OrderedBits OrderedBitsOf(FieldType type, Collation collation, const store::Cell& cell) noexcept;
 /// Of an integer as many bits as it needs: its sign, how many binary digits it has, and those behind the first, which
 /// is a one. So small numbers, days and amounts leave room for the fields behind them.
-inline OrderedBits OrderedBitsOf(std::int64_t value) noexcept {
+template <std::signed_integral Integer>
+OrderedBits OrderedBitsOf(Integer value) noexcept {
   constexpr unsigned kBefore = 7;
-  const auto digits = static_cast<std::uint64_t>(value < 0 ? ~value : value);
+  const auto digits = static_cast<std::make_unsigned_t<Integer>>(value < 0 ? ~value : value);
   const auto count = static_cast<unsigned>(std::bit_width(digits));
   const unsigned behind = count > 0 ? count - 1 : 0;
   const unsigned kept = std::min(behind, 64 - kBefore);
-  const std::uint64_t bits =
-      (64U | std::uint64_t{count}) << kept | (digits - std::bit_floor(digits)) >> (behind - kept);
+  const std::uint64_t rest =
+      static_cast<std::make_unsigned_t<Integer>>(digits - std::bit_floor(digits)) >> (behind - kept);
+  const std::uint64_t bits = std::uint64_t{64U | count} << kept | rest;
   return {value < 0 ? bits ^ (~std::uint64_t{0} >> (64 - kBefore - kept)) : bits, kBefore + kept, kept == behind};
 }
 
@@ -92,12 +96,15 @@ struct PackedKey {
     return bits < other ? -1 : 1;
   }
   void Append(OrderedBits value) noexcept {
-    const unsigned taken = isExact ? std::min(value.width, 64 - width) : 0;
-    if (taken > 0) {
-      bits |= value.bits << (64 - value.width) >> width;
-      width += taken;
+    const unsigned room = isExact ? 64 - width : 0;
+    isExact = isExact && value.isExact && value.width <= room;
+    if (value.width <= room) {
+      bits |= value.bits << (room - value.width);
+      width += value.width;
+    } else if (room > 0) {
+      bits |= value.bits >> (value.width - room);
+      width = 64;
     }
-    isExact = isExact && value.isExact && taken == value.width;
   }
 };
 /// Of cells for the first fields of an order.

@@ -58,8 +58,8 @@ void RowKeys::Pack(std::span<const std::uint32_t> rows, OrderReader& reader, std
       ForEachElement<std::uint32_t>(column, rows, [&](std::size_t i, std::uint32_t code) {
         put(i, code, [labels](std::uint32_t of) { return labels->Of(of); });
       });
-    } else if (!ForEachInteger(column, rows, [&](std::size_t i, std::int64_t value) {
-                 put(i, value, [](std::int64_t of) { return OrderedBitsOf(of); });
+    } else if (!ForEachInteger(column, rows, [&](std::size_t i, auto value) {
+                 put(i, value, [](auto of) { return OrderedBitsOf(of); });
                })) {
       PackRead(place, rows, reader, keys);
     }

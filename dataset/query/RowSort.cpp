@@ -45,9 +45,10 @@ class FieldKey {
   /// Calls back with each place and its number, which has Width() bits.
   template <class Take>
   void ForEach(Take&& take) const {
-    ForEachBits([&](std::size_t i, bool isNull, std::uint64_t bits) {
-      const std::uint64_t above = by_.isDescending ? most_ - bits : bits - least_;
-      take(i, isNull ? null_ : above + (hasNull_ && !by_.nullsLast ? 1 : 0));
+    ForEachBits([&](std::size_t i, bool isNull, auto bits) {
+      using Bits = decltype(bits);
+      const Bits above = by_.isDescending ? static_cast<Bits>(most_) - bits : bits - static_cast<Bits>(least_);
+      take(i, isNull ? null_ : above + std::uint64_t{hasNull_ && !by_.nullsLast});
     });
   }
 
@@ -57,15 +58,17 @@ class FieldKey {
   void ForEachBits(Take&& take) const {
     // The element of a null is zero, of which there may be no text.
     const auto takeElement = [&](std::size_t i, auto element, auto&& bitsOf) {
+      using Bits = decltype(bitsOf(element));
       const bool isNull = column_.IsNull(rows_[i]);
-      take(i, isNull, isNull ? least_ : bitsOf(element));
+      take(i, isNull, isNull ? static_cast<Bits>(least_) : bitsOf(element));
     };
     if (!ranks_.empty()) {
       ForEachElement<std::uint32_t>(column_, rows_, [&](std::size_t i, std::uint32_t code) {
-        takeElement(i, code, [&](std::uint32_t of) { return std::uint64_t{ranks_[of]}; });
+        takeElement(i, code, [&](std::uint32_t of) { return ranks_[of]; });
       });
-    } else if (!ForEachInteger(column_, rows_,
-                               [&](std::size_t i, std::int64_t value) { takeElement(i, value, Biased); })) {
+    } else if (!ForEachInteger(column_, rows_, [&](std::size_t i, auto value) {
+                 takeElement(i, value, [](auto of) { return Biased(of); });
+               })) {
       for (std::size_t i = 0; i < rows_.size(); ++i) {
         const Cell cell = contents_.Read(rows_[i], by_.field);
         take(i, cell.isNull, cell.isNull ? least_ : OrderedBitsOf(column_.type, by_.collation, cell).bits);
@@ -73,8 +76,11 @@ class FieldKey {
     }
   }
 
-  static std::uint64_t Biased(std::int64_t value) noexcept {
-    return static_cast<std::uint64_t>(value) ^ std::uint64_t{1} << 63U;
+  template <class Integer>
+  static auto Biased(Integer value) noexcept {
+    using Bits = std::make_unsigned_t<Integer>;
+    constexpr Bits kSign = static_cast<Bits>(Bits{1} << (sizeof(Bits) * 8 - 1));
+    return static_cast<Bits>(value) ^ kSign;
   }
 
   /// Gives each text of the dictionary its place in the order; equal ones have the same.
@@ -100,21 +106,36 @@ class FieldKey {
     }
   }
 
-  void FindRange() {
-    std::uint64_t least = std::numeric_limits<std::uint64_t>::max();
-    std::uint64_t most = 0;
-    bool hasValue = false;
-    ForEachBits([&](std::size_t /*i*/, bool isNull, std::uint64_t bits) {
-      if (isNull) {
-        hasNull_ = true;
-        return;
-      }
-      hasValue = true;
+  template <class Bits>
+  struct Extent {
+    Bits least = std::numeric_limits<Bits>::max();
+    Bits most = 0;
+    void Take(Bits bits) noexcept {
       least = std::min(least, bits);
       most = std::max(most, bits);
+    }
+  };
+
+  void FindRange() {
+    Extent<std::uint32_t> narrow;
+    Extent<std::uint64_t> wide;
+    ForEachBits([&](std::size_t /*i*/, bool isNull, auto bits) {
+      if (isNull) {
+        hasNull_ = true;
+      } else if constexpr (sizeof bits == sizeof narrow.least) {
+        narrow.Take(bits);
+      } else {
+        wide.Take(bits);
+      }
     });
-    least_ = hasValue ? least : 0;
-    most_ = hasValue ? most : 0;
+    // Of the one that has taken nothing the least is above the most.
+    if (narrow.least <= narrow.most) {
+      least_ = narrow.least;
+      most_ = narrow.most;
+    } else if (wide.least <= wide.most) {
+      least_ = wide.least;
+      most_ = wide.most;
+    }
     const std::uint64_t range = most_ - least_;
     isExact_ = !ranks_.empty() || OrderedBitsOf(column_.type, by_.collation, {}).isExact;
     if (hasNull_ && range == std::numeric_limits<std::uint64_t>::max()) {
@@ -193,7 +214,9 @@ void SortByFields(const Contents& contents, const Order& order, std::span<const 
     }
     field.ForEach([&](std::size_t i, std::uint64_t number) {
       const Key before = taken >= sizeof(Key) * 8 ? 0 : static_cast<Key>(items[i].key << taken);
-      items[i].key = before | static_cast<Key>(number >> dropped);
+      // Where keys have 32 bits there is room for all.
+      items[i].key =
+          before | (sizeof(Key) == sizeof number ? static_cast<Key>(number >> dropped) : static_cast<Key>(number));
     });
     left -= taken;
   }

@@ -295,10 +295,11 @@ bool ReadPlainDouble(const char* first, const char* last, Cell& cell) noexcept {
 }
 
 bool ReadDouble(std::string_view text, Cell& cell, NumberForm form) noexcept {
-  // Both are exact as doubles, so that their quotient is the nearest one to the number.
+  // Fifteen digits and a power of ten are exact as doubles, so that their quotient is the nearest one to the number; a
+  // sixteenth takes the place of the point, and nothing is divided.
   constexpr std::size_t kMost = 16;
   ShortDecimal number;
-  if (ReadShort(text, kMost, form.point, number) && number.digits < kPowersOfTen[15]) {
+  if (ReadShort(text, kMost, form.point, number)) {
     const auto size = static_cast<double>(static_cast<std::int64_t>(number.digits)) /
                       static_cast<double>(static_cast<std::int64_t>(kPowersOfTen[number.decimals]));
     Put(cell, std::bit_cast<std::int64_t>(number.isNegative && size != 0 ? -size : size));

@@ -136,7 +136,8 @@ TEST(PlainBytes, AreFoundAsOneByOne) {
 std::string Outcome(std::string_view text, std::size_t step, const ReadLimits& limits) {
   PacketBytes bytes;
   try {
-    const Dataset read = ReadXml(SourceOf(BytesOf(text), step), limits);
+    Dataset read = ReadXml(SourceOf(BytesOf(text), step), limits);
+    read.Insert({});  // with a number that no row has
     WriteXml(read, AppendTo(bytes));
     return "read " + std::string(bytes.begin(), bytes.end());
   } catch (const TextPacketError& error) {
@@ -290,7 +291,8 @@ class Documents {
       }
       const bool isWrong = Below(3) == 0 && IsOdd(oddity);
       const auto& texts = (isWrong ? wrong_ : right_)[field.name];
-      std::string value = field.name == "id" && !IsOdd(oddity) ? std::to_string(row + 1) : Chosen(texts);
+      std::string value =
+          field.name == "id" && !IsOdd(oddity) ? (oddity % 2 == 0 ? "" : "-") + std::to_string(row + 1) : Chosen(texts);
       const std::string quote = Usually(oddity, "\"", "'");
       attributes.push_back(Usually(oddity, " ", "  ", "\n", "\t", "") + std::string(field.name) +
                            Usually(oddity, "=", " =", "= ") + quote + value + quote);

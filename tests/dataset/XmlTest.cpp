@@ -221,6 +221,7 @@ TEST(Xml, WhatIsNotKnownOrNotAllowedIsRefusedAtItsPlace) {
       {"<?xml version=\"1.0\"" + std::string(5000, ' ') + "?>", 1, 1, "declaratia XML nu se termina"},
       {"\xEF\xBB\xBF<?xml version=\"1.0\" encoding=\"windows-1250\"?><kivdata/>", 1, 4,
        "declaratia XML spune Windows-1250, semnul din fata UTF-8"},
+      {replaced("<rows>", "<rows/>"), 9, 4, "elementul nu are voie sa tina altele"},
       {replaced("<rows>", "<rows>x"), 8, 9, "text unde trebuie elemente"},
       {replaced("partener=\"a\"", "partener=\"a\" id=\"2\""), 9, 4, "campul \"id\" are doua valori"},
       {replaced("partener=\"a\"", "nume=\"a\""), 9, 14, "\"nume\" nu este un camp"},

@@ -268,7 +268,7 @@ void AggregateState::RemoveValue(Group& group, const Cell& value) {
 
 const store::Column* AggregateState::ColumnOfCodes(const Contents& contents) const noexcept {
   // So that what is kept for each code is no large allocation.
-  constexpr std::size_t kMostCodes = store::kLargestBlock / sizeof(Group*);
+  constexpr std::size_t kMostCodes = store::kLargestBlock / sizeof(void*);
   if (by_.size() != 1 || by_[0].field >= contents.columns.size()) {
     return nullptr;
   }

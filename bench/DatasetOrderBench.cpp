@@ -155,7 +155,7 @@ void InsertIntoOrder(benchmark::State& state) {
   }
   slow("Dataset/ordered_index_bulk_1000000/kiv", &SortKiv);
   slow("Dataset/ordered_index_bulk_1000000/multi_index", &SortMultiIndex);
-  slow("Dataset/insert_in_order_of_1000000/kiv_logged", &InsertIntoOrder<KivOrdered>)->Iterations(3);
+  slow("Dataset/insert_in_order_of_1000000/kiv", &InsertIntoOrder<KivOrdered>)->Iterations(3);
   slow("Dataset/insert_in_order_of_1000000/multi_index_without_log", &InsertIntoOrder<OrderedMultiIndex>)
       ->Iterations(3);
   return true;

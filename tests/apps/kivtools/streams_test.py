@@ -9,7 +9,6 @@ import pty
 import random
 import re
 import select
-import shutil
 import signal
 import struct
 import subprocess
@@ -87,12 +86,19 @@ def comma_letters():
     expect("cedilla letters", convert("28606", "1250", "șț ȘȚ\n".encode("iso8859-16")), b"\xba\xfe \xaa\xde\n")
 
 
+def copied(file, folder):
+    """Copied by another process: what threads of this one start meanwhile would inherit the copy open for writing, and
+    a program that anybody has open for writing cannot be started."""
+    subprocess.run(["cp", file, folder], check=True)
+    return os.path.join(folder, os.path.basename(file))
+
+
 def installed(folder):
     """Only the file that the SONAME names is there, as in an installation without development files."""
     for place in "bin", "lib":
         os.mkdir(os.path.join(folder, place))
-    program = shutil.copy(PROGRAM, os.path.join(folder, "bin"))
-    shutil.copy(LIBRARY, os.path.join(folder, "lib"))
+    program = copied(PROGRAM, os.path.join(folder, "bin"))
+    copied(LIBRARY, os.path.join(folder, "lib"))
     run = subprocess.run([program, "words", "--number", "21"], capture_output=True, cwd="/")
     expect("installed", run.stdout, b"DOUAZECISIUNU\n")
     os.remove(os.path.join(folder, "lib", os.path.basename(LIBRARY)))
@@ -285,7 +291,7 @@ def refused_folder(folder):
     os.makedirs(closed)
     os.chmod(folder, 0o755)
     os.chmod(closed, 0)
-    copies = {name: shutil.copy(name, reachable) for name in (PROGRAM, LIBRARY)}
+    copies = {name: copied(name, reachable) for name in (PROGRAM, LIBRARY)}
     somebody = {"user": 65534, "group": 65534, "extra_groups": []} if os.getuid() == 0 else {}
     with open("examples/invoice.csv", "rb") as invoice:
         run = subprocess.run([copies[PROGRAM], "invoice", "-", closed], stdin=invoice, capture_output=True, cwd=reachable,

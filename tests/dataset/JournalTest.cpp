@@ -4,6 +4,7 @@
 #include "Allocations.h"
 #include "EveryType.h"
 #include "Expect.h"
+#include "FixedClock.h"
 #include "PacketBytes.h"
 #include "Show.h"
 #include "core/Crc32c.h"
@@ -258,6 +259,23 @@ TEST(Journal, AfterAFailureEditsAreRefusedUntilASave) {
   journal.Save();
   lines.Delete(RowId{0});
   EXPECT_EQ(LoadBinary(path).RowCount(), 1U);
+}
+
+TEST(Journal, FlushesOnceASecondWhereThatIsAskedFor) {
+  constexpr double kSecond = 1.0 / 86'400;
+  const TestFolder folder;
+  Dataset lines = MakeLines();
+  Journal journal(lines, folder / "linii.kdp", {.flush = JournalFlush::EachSecond, .save = {.flush = false}});
+  const struct {
+    double now;  // in seconds
+    bool isFlushed;
+  } kEdits[] = {{0, true}, {0.5, false}, {0.999, false}, {1.001, true}, {1.9, false}, {-3, true}, {-2.5, false}};
+  for (const auto& [now, isFlushed] : kEdits) {
+    const FixedClock clock(DateTime(46'000 + now * kSecond));
+    const FailingCalls watching(FailingCalls::kNone);
+    lines.Set(RowId{0}, "suma", Currency::FromRaw(123'456 + static_cast<std::int64_t>(now * 1000)));
+    EXPECT_EQ(std::ranges::count(watching.Seen(), platform::SystemCall::Flush), isFlushed ? 1 : 0) << now;
+  }
 }
 
 TEST(Journal, FlushesAtItsEndWhatIsInItAndNotWhereNobodyWantsIt) {

@@ -257,14 +257,17 @@ TEST(Calculated, ColumnsAreAddedUpAndFollowWhatTheyReachThroughOthers) {
   Cursor cursor(lines);
   cursor.OrderBy("oras desc nulls last");
   const Aggregate byTown(lines, "count(*)", "oras");
+  const Aggregate lastOfTown(lines, "max(oras)", "oras");
   cursor.First();
   EXPECT_EQ(cursor.GetText("oras"), "Cluj");
   EXPECT_EQ(byTown.Get({"Cluj"}), Value(std::int64_t{1}));
+  EXPECT_EQ(lastOfTown.Get({"Cluj"}), Value("Cluj"));
   towns.Insert({{"id", 2}, {"nume", "Dej"}});
   cursor.First();
   EXPECT_EQ(cursor.GetText("oras"), "Dej");
   towns.Set(RowId{0}, "nume", "Dej");
   EXPECT_EQ(byTown.Get({"Dej"}), Value(std::int64_t{2}));
+  EXPECT_EQ(lastOfTown.Get({"Cluj"}), Value());
   EXPECT_EQ(Filter(lines, "oras = 'Dej'").Sum("tva"), Value(31.5_lei));
   EXPECT_EQ(Filter(lines, "partener_id = 7").Sum("tva"), Value());
   EXPECT_EQ(Filter(lines, "oras = 'Dej'").Sum("pondere"), Value(100 * 0.12345 + 50 * 0.12345));

@@ -142,6 +142,13 @@ TEST(Dataset, RefusesWhatAFieldCannotHold) {
         "Dataset \"unul\": campul \"v\" " + Text(message));
     EXPECT_EQ(dataset.RowCount(), 0U);
   }
+  Dataset wide = OneField(FieldType::WideText, 0);
+  // What lies behind the value is no part of it.
+  ExpectError<Error>(
+      [&] {
+        wide.Insert({{"v", std::u16string_view(u"\xD83D\xDE00").substr(0, 1)}});
+      },
+      "Dataset \"unul\": campul \"v\" nu poate tine un surogat UTF-16 fara pereche");
 }
 
 TEST(Dataset, ValuesOfAnotherKindAreRefusedBothWays) {

@@ -261,6 +261,25 @@ TEST(Journal, AfterAFailureEditsAreRefusedUntilASave) {
   EXPECT_EQ(LoadBinary(path).RowCount(), 1U);
 }
 
+TEST(Journal, EntriesOfAnySizeAreReadBack) {
+  const TestFolder folder;
+  const auto path = folder / "note.kdp";
+  Dataset notes("note", {{"id", FieldType::Int32, kKey}, {"text", FieldType::Memo}});
+  notes.Insert({{"id", 1}});
+  std::uint64_t edits = 0;
+  {
+    Journal journal(notes, path, kQuick);
+    // A reader takes 64 KiB at a time.
+    for (std::size_t size = 65'536 - 40; size < 65'536 + 4; ++size, ++edits) {
+      notes.Set(RowId{0}, "text", Text(size, static_cast<char>('a' + size % 26)));
+    }
+  }
+  LoadReport report;
+  EXPECT_EQ(Load(path, report), Content(notes));
+  EXPECT_EQ(report.replayed, edits);
+  EXPECT_EQ(report.lostBytes, 0U);
+}
+
 TEST(Journal, FlushesOnceASecondWhereThatIsAskedFor) {
   constexpr double kSecond = 1.0 / 86'400;
   const TestFolder folder;

@@ -53,13 +53,18 @@ inline Bytes Written(const kiv::Dataset& dataset) {
   return packet;
 }
 
-inline kiv::Dataset Read(std::span<const std::uint8_t> packet) {
-  return kiv::ReadBinary([&](std::span<std::uint8_t> into) {
-    const std::size_t count = std::min(into.size(), packet.size());
-    std::memcpy(into.data(), packet.data(), count);
-    packet = packet.subspan(count);
+/// Gives bytes as fast as they are taken.
+inline kiv::PacketSource SourceOf(std::span<const std::uint8_t> bytes) {
+  return [bytes](std::span<std::uint8_t> into) mutable {
+    const std::size_t count = std::min(into.size(), bytes.size());
+    std::memcpy(into.data(), bytes.data(), count);
+    bytes = bytes.subspan(count);
     return count;
-  });
+  };
+}
+
+inline kiv::Dataset Read(std::span<const std::uint8_t> packet) {
+  return kiv::ReadBinary(SourceOf(packet));
 }
 
 }  // namespace bench

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "dataset/packet/ShortValues.h"
 #include "dataset/packet/ValueText.h"
 #include "dataset/store/SchemaData.h"
 
@@ -105,6 +106,9 @@ const char* PlainRows::ReadValue(const Attribute& attribute, const char* at) {
   }
   if (attribute.type == FieldType::Text && piece.isAscii && text.size() <= attribute.longest) {
     bytes_.push_back({attribute.field, text});
+  } else if (std::uint64_t bits = 0;
+             attribute.type != FieldType::AutoInc && ReadShortValue(attribute.type, text, kPlainNumbers.point, bits)) {
+    loader_.PutFixed(attribute.field, bits);
   } else if (TraitsOf(attribute.type).storage == Storage::Fixed) {
     store::Cell cell;
     if (!packet::ReadValue(attribute.type, text, cell)) {

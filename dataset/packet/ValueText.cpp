@@ -11,6 +11,7 @@
 #include <optional>
 
 #include "core/Calendar.h"
+#include "dataset/packet/ShortValues.h"
 #include "kivtools/Ascii.h"
 
 namespace kiv::packet {
@@ -19,7 +20,6 @@ using store::Cell;
 
 namespace {
 
-constexpr auto kDayZero = std::chrono::sys_days{std::chrono::December / 30 / 1899};
 constexpr std::uint64_t kPerUnit = Currency::kPerUnit;
 
 void Put(Cell& cell, std::int64_t element) noexcept {
@@ -125,7 +125,7 @@ struct Decimal {
   bool hasGroups = false;
 };
 
-bool AreDigits(std::string_view text) noexcept {
+bool AreAllDigits(std::string_view text) noexcept {
   return std::ranges::all_of(text, ascii::IsDigit<char>);
 }
 
@@ -137,11 +137,11 @@ bool AreGroups(std::string_view whole, char group) noexcept {
   }
   for (std::size_t at = first; at < whole.size(); at += 4) {
     const std::string_view digits = whole.substr(at + 1, 3);
-    if (whole[at] != group || digits.size() != 3 || !AreDigits(digits)) {
+    if (whole[at] != group || digits.size() != 3 || !AreAllDigits(digits)) {
       return false;
     }
   }
-  return AreDigits(whole.substr(0, first));
+  return AreAllDigits(whole.substr(0, first));
 }
 
 std::optional<Decimal> TakeApart(std::string_view text, NumberForm form) noexcept {
@@ -162,57 +162,11 @@ std::optional<Decimal> TakeApart(std::string_view text, NumberForm form) noexcep
   decimal.hasLeadingZeros = decimal.whole.size() > 1 && decimal.whole[0] == '0';
   if (end < text.size()) {
     decimal.decimals = text.substr(end + 1);
-    if (text[end] != form.point || decimal.decimals.empty() || !AreDigits(decimal.decimals)) {
+    if (text[end] != form.point || decimal.decimals.empty() || !AreAllDigits(decimal.decimals)) {
       return std::nullopt;
     }
   }
   return decimal;
-}
-
-/// A number that is not too long to be taken at one go: digits, and so many of them behind the point.
-struct ShortDecimal {
-  std::uint64_t digits = 0;
-  unsigned decimals = 0;
-  bool isNegative = false;
-};
-
-/// False where the text is longer or is anything but "-12.34" or a part of it; then it may still be a number.
-bool ReadShort(std::string_view text, std::size_t most, char point, ShortDecimal& decimal) noexcept {
-  const char* at = text.data();
-  const char* const end = at + text.size();
-  decimal.isNegative = !text.empty() && *at == '-';
-  at += decimal.isNegative ? 1 : 0;
-  if (static_cast<std::size_t>(end - at) > most) {
-    return false;
-  }
-  const auto take = [&] {
-    const char* const first = at;
-    for (unsigned digit = 0; at < end && (digit = static_cast<unsigned>(*at - '0')) <= 9; ++at) {
-      decimal.digits = decimal.digits * 10 + digit;
-    }
-    return at - first;
-  };
-  if (take() == 0) {
-    return false;
-  }
-  if (at < end && *at == point) {
-    ++at;
-    decimal.decimals = static_cast<unsigned>(take());
-    return at == end && decimal.decimals > 0;
-  }
-  return at == end;
-}
-
-constexpr std::array<std::uint64_t, 16> kPowersOfTen = [] {
-  std::array<std::uint64_t, 16> powers{1};
-  for (std::size_t i = 1; i < powers.size(); ++i) {
-    powers[i] = powers[i - 1] * 10;
-  }
-  return powers;
-}();
-
-std::int64_t Signed(std::uint64_t size, bool isNegative) noexcept {
-  return static_cast<std::int64_t>(isNegative ? 0 - size : size);
 }
 
 /// The digits as a number, times a power of ten that has `zeros` of them; false where it does not fit.
@@ -262,24 +216,11 @@ bool FitsInteger(FieldType type, const Cell& cell) noexcept {
 }
 
 bool ReadIntegerOf(FieldType type, std::string_view text, Cell& cell, NumberForm form) noexcept {
-  constexpr std::size_t kMost = 18;
-  ShortDecimal number;
-  if (ReadShort(text, kMost, form.point, number) && number.decimals == 0) {
-    Put(cell, Signed(number.digits, number.isNegative));
-    return FitsInteger(type, cell);
-  }
   const auto decimal = TakeApart(text, form);
   return decimal && ReadInteger(*decimal, cell) && FitsInteger(type, cell);
 }
 
 bool ReadAmountOf(std::string_view text, Cell& cell, NumberForm form) noexcept {
-  constexpr std::size_t kMost = 14;
-  constexpr unsigned kDecimals = 4;
-  ShortDecimal number;
-  if (ReadShort(text, kMost, form.point, number) && number.decimals <= kDecimals) {
-    Put(cell, Signed(number.digits * kPowersOfTen[kDecimals - number.decimals], number.isNegative));
-    return true;
-  }
   const auto decimal = TakeApart(text, form);
   return decimal && ReadAmount(*decimal, cell);
 }
@@ -295,16 +236,6 @@ bool ReadPlainDouble(const char* first, const char* last, Cell& cell) noexcept {
 }
 
 bool ReadDouble(std::string_view text, Cell& cell, NumberForm form) noexcept {
-  // Fifteen digits and a power of ten are exact as doubles, so that their quotient is the nearest one to the number; a
-  // sixteenth takes the place of the point, and nothing is divided.
-  constexpr std::size_t kMost = 16;
-  ShortDecimal number;
-  if (ReadShort(text, kMost, form.point, number)) {
-    const auto size = static_cast<double>(static_cast<std::int64_t>(number.digits)) /
-                      static_cast<double>(static_cast<std::int64_t>(kPowersOfTen[number.decimals]));
-    Put(cell, std::bit_cast<std::int64_t>(number.isNegative && size != 0 ? -size : size));
-    return true;
-  }
   if (form.point == '.') {
     return ReadPlainDouble(text.data(), text.data() + text.size(), cell);
   }
@@ -332,27 +263,6 @@ int Digits(std::string_view text, std::size_t from, std::size_t count) noexcept 
     number = number * 10 + (text[i] - '0');
   }
   return number;
-}
-
-/// 2026-01-31 or 31.01.2026.
-bool ReadDay(std::string_view text, std::int64_t& day) noexcept {
-  if (text.size() != 10) {
-    return false;
-  }
-  const bool isIso = text[4] == '-' && text[7] == '-';
-  if (!isIso && (text[2] != '.' || text[5] != '.')) {
-    return false;
-  }
-  const int year = Digits(text, isIso ? 0 : 6, 4);
-  const int month = Digits(text, isIso ? 5 : 3, 2);
-  const int dayOfMonth = Digits(text, isIso ? 8 : 0, 2);
-  if (year < 1 || dayOfMonth < 1 || dayOfMonth > DaysInMonth(year, month)) {
-    return false;
-  }
-  const std::chrono::year_month_day date{std::chrono::year{year}, std::chrono::month{static_cast<unsigned>(month)},
-                                         std::chrono::day{static_cast<unsigned>(dayOfMonth)}};
-  day = (std::chrono::sys_days{date} - kDayZero).count();
-  return true;
 }
 
 /// 14:30:05, with milliseconds behind a point or without, or 14:30.
@@ -459,6 +369,10 @@ char* WriteValue(char* out, FieldType type, const Cell& cell, char point) noexce
 }
 
 bool ReadValue(FieldType type, std::string_view text, Cell& cell, NumberForm form) noexcept {
+  if (ReadShortValue(type, text, form.point, cell.bits)) {
+    cell.isNull = false;
+    return true;
+  }
   switch (type) {
     case FieldType::Int16:
     case FieldType::Int32:
@@ -469,8 +383,6 @@ bool ReadValue(FieldType type, std::string_view text, Cell& cell, NumberForm for
       return ReadAmountOf(text, cell, form);
     case FieldType::Double:
       return ReadDouble(text, cell, form);
-    case FieldType::Date:
-      return PutRead(text, cell, ReadDay);
     case FieldType::Time:
       return PutRead(text, cell, ReadTime);
     case FieldType::DateTime:

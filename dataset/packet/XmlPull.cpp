@@ -60,16 +60,16 @@ char* SkipBlanks(char* at) noexcept {
   return at;
 }
 
-/// Whether 64 bytes are ASCII that may be in XML. There is no way out of the loop, so that many are looked at together.
+/// Whether 64 bytes are ASCII that may be in XML. There is no way out of the loop, so that many are looked at together;
+/// what is no ASCII is below a blank where bytes have a sign.
 bool AreAllowedAscii(const char* bytes) noexcept {
-  unsigned char all = 0;
-  unsigned char least = 0xFF;
+  unsigned char wrong = 0;
   for (std::size_t i = 0; i < 64; ++i) {
-    const auto byte = static_cast<unsigned char>(bytes[i]);
-    all |= byte;
-    least = std::min(least, byte == '\t' || byte == '\n' || byte == '\r' ? static_cast<unsigned char>(' ') : byte);
+    const auto byte = static_cast<signed char>(bytes[i]);
+    const bool isBlank = byte == '\t' || byte == '\n' || byte == '\r';
+    wrong |= byte < ' ' && !isBlank ? std::uint8_t{0xFF} : std::uint8_t{0};
   }
-  return all < 0x80 && least >= ' ';
+  return wrong == 0;
 }
 
 std::uint64_t CountLines(std::string_view text) noexcept {

@@ -286,9 +286,8 @@ void BlockLoader::FindTargets() {
 }
 
 void BlockLoader::PutBytes(std::size_t field, std::string_view bytes) {
-  Cell cell{.bytes = bytes, .isNull = false};
-  store_->InternBytes(field, cell);
-  PutElement(targets_[field], cell.bits);
+  const bool isText = TraitsOf(contents_.columns[field].type).storage == Storage::Texts;
+  PutElement(targets_[field], isText ? store_->InternText(field, bytes) : contents_.large.Add(bytes));
 }
 
 void BlockLoader::PutNull(std::size_t field) {

@@ -80,6 +80,8 @@ class BlockLoader {
       std::memcpy(target.more + std::size_t{PlaceInBlock(contents_.rowCount)} * 8, &cell.more, 8);
     }
   }
+  /// The same where the type has elements of at most eight bytes.
+  void PutFixed(std::size_t field, std::uint64_t bits) noexcept { PutElement(targets_[field], bits); }
   void PutBytes(std::size_t field, std::string_view bytes);
   void PutNull(std::size_t field);
   void EndRow(StoredState state = StoredState::Unmodified) noexcept {

@@ -60,6 +60,9 @@ TEST(ValueText, IsReadAndWrittenInOneForm) {
       {FieldType::Currency, "1.00001", "-", "-"},
       {FieldType::Currency, "1.", "-", "-"},
       {FieldType::Currency, ".5", "-", "-"},
+      {FieldType::Currency, "1234567.", "-", "-"},
+      {FieldType::Currency, "1.2.3", "-", "-"},
+      {FieldType::Currency, "12345.67.8", "-", "-"},
       {FieldType::Currency, "922337203685477.5807", "922337203685477.5807", "-"},
       {FieldType::Currency, "922337203685477.5808", "-", "-"},
       {FieldType::Currency, "-922337203685477.5808", "-922337203685477.5808", "-"},
@@ -83,6 +86,7 @@ TEST(ValueText, IsReadAndWrittenInOneForm) {
       {FieldType::Date, "2024-1-01", "-", "-"},
       {FieldType::Date, "2024/01/01", "-", "-"},
       {FieldType::Date, "2024-01-00", "-", "-"},
+      {FieldType::Date, "2024-0:-01", "-", "-"},
       {FieldType::Time, "14:05", "14:05:00", "14:05:00"},
       {FieldType::Time, "23:59:59.9", "23:59:59.900", "23:59:59.900"},
       {FieldType::Time, "23:59:59.", "-", "-"},
@@ -170,6 +174,16 @@ TEST(ValueText, NumbersOfEveryLengthAreThoseOfTheStandardLibrary) {
       ASSERT_EQ(packet::ReadValue(FieldType::Currency, text, cell, form), isAmount) << text;
       ASSERT_TRUE(!isAmount || static_cast<std::int64_t>(cell.bits) == amount) << text;
       std::ranges::replace(text, '.', ',');
+    }
+    // A byte beside the digits in the place of one.
+    std::ranges::replace(text, ',', '.');
+    std::size_t place = 0;
+    while (text[place = static_cast<std::size_t>(random() % text.size())] < '0') {
+    }
+    text[place] = "/:\xB0 "[random() % 4U];
+    for (const FieldType type : {FieldType::Int64, FieldType::Currency, FieldType::Double}) {
+      Cell cell;
+      ASSERT_FALSE(packet::ReadValue(type, text, cell)) << text;
     }
   }
 }

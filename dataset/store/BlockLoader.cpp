@@ -271,23 +271,18 @@ void BlockLoader::EndBlock() {
   blockRows_ = 0;
 }
 
-void BlockLoader::FindTargets() {
+void BlockLoader::ReachRow() {
   const std::uint32_t row = contents_.rowCount;
   if (row >= kMostRows) {
     throw Error(contents_.owner + ": nu mai incape niciun rand");
   }
-  store_->MakeLoadedRowWritable(row);
-  targets_.clear();
-  for (Column& column : contents_.columns) {
-    std::byte* const more = column.type == FieldType::Guid ? column.more.WritableBlock(row) : nullptr;
-    targets_.push_back({column.values.WritableBlock(row), more, column.values.ElementWidth()});
-  }
-  targetsEnd_ = store_->loadEnd_;
+  store_->newRows_.Reach(contents_.columns, row);
+  rowsEnd_ = store_->newRows_.End();
 }
 
 void BlockLoader::PutBytes(std::size_t field, std::string_view bytes) {
   const bool isText = TraitsOf(contents_.columns[field].type).storage == Storage::Texts;
-  PutElement(targets_[field], isText ? store_->InternText(field, bytes) : contents_.large.Add(bytes));
+  PutFixed(field, isText ? store_->InternText(field, bytes) : contents_.large.Add(bytes));
 }
 
 void BlockLoader::PutNull(std::size_t field) {

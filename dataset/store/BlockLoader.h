@@ -68,20 +68,16 @@ class BlockLoader {
   /// The same value by value, for readers that have checked them and the nulls too. Each field gets a value or a null
   /// between BeginRow() and EndRow(); fixed values of a row that is not ended are overwritten by the next one.
   void BeginRow() {
-    if (contents_.rowCount >= targetsEnd_) {
-      FindTargets();
+    if (contents_.rowCount >= rowsEnd_) {
+      ReachRow();
     }
   }
   /// Puts a value of fixed width.
-  void PutFixed(std::size_t field, const Cell& cell) noexcept {
-    const Target& target = targets_[field];
-    PutElement(target, cell.bits);
-    if (target.more != nullptr) {
-      std::memcpy(target.more + std::size_t{PlaceInBlock(contents_.rowCount)} * 8, &cell.more, 8);
-    }
-  }
+  void PutFixed(std::size_t field, const Cell& cell) noexcept { store_->newRows_.Put(field, contents_.rowCount, cell); }
   /// The same where the type has elements of at most eight bytes.
-  void PutFixed(std::size_t field, std::uint64_t bits) noexcept { PutElement(targets_[field], bits); }
+  void PutFixed(std::size_t field, std::uint64_t bits) noexcept {
+    store_->newRows_.PutBits(field, contents_.rowCount, bits);
+  }
   void PutBytes(std::size_t field, std::string_view bytes);
   void PutNull(std::size_t field);
   void EndRow(StoredState state = StoredState::Unmodified) noexcept {
@@ -114,39 +110,7 @@ class BlockLoader {
   }
 
  private:
-  /// Where the values of a field in the block of the next row go.
-  struct Target {
-    std::byte* elements;
-    std::byte* more;  // the second halves of a Guid, null elsewhere
-    Plane::Width width;
-  };
-  void FindTargets();
-  void PutElement(const Target& target, std::uint64_t bits) noexcept {
-    const std::size_t place = PlaceInBlock(contents_.rowCount);
-    const auto put = [&]<class Element>(Element element) {
-      std::memcpy(target.elements + place * sizeof element, &element, sizeof element);
-    };
-    switch (target.width) {
-      case Plane::Width::Bit: {
-        std::byte& eight = target.elements[place / 8];
-        const std::byte mask{static_cast<std::uint8_t>(1U << (place % 8))};
-        eight = bits != 0 ? eight | mask : eight & ~mask;
-        break;
-      }
-      case Plane::Width::One:
-        put(static_cast<std::uint8_t>(bits));
-        break;
-      case Plane::Width::Two:
-        put(static_cast<std::uint16_t>(bits));
-        break;
-      case Plane::Width::Four:
-        put(static_cast<std::uint32_t>(bits));
-        break;
-      case Plane::Width::Eight:
-        put(bits);
-        break;
-    }
-  }
+  void ReachRow();
   [[noreturn]] void Refuse(std::size_t field, std::uint32_t row, TextView why) const;
   void CheckColumn(std::size_t field, std::uint32_t first, std::uint32_t rows);
   void ClearNulls(std::size_t field, std::uint32_t first, std::uint32_t rows);
@@ -165,8 +129,7 @@ class BlockLoader {
   Contents& contents_;
   Purpose purpose_;
   std::uint32_t blockRows_ = 0;
-  std::vector<Target> targets_;  // by field, for the rows before targetsEnd_
-  std::uint32_t targetsEnd_ = 0;
+  std::uint32_t rowsEnd_ = 0;                             // of the rows that have been reached
   std::vector<bool> isPut_;                               // by field: texts were put one by one
   Plane isNew_{Plane::Width::Bit, Plane::Filled::Zeros};  // the row's first record is its insertion
   std::vector<OldValue> checked_;

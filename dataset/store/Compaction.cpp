@@ -105,6 +105,7 @@ void Store::Compact() {
   textSeed_ = compacted.textSeed_;
   keys_.TakeOver(compacted.keys_);
   appendEnd_ = 0;
+  newRows_.Forget();
   if (followers_ != nullptr) {
     followers_->Renumbered(compactor.Numbers());
   }

@@ -18,10 +18,17 @@ void HashIndex::Grow(Segment& segment, std::uint32_t lines) {
     line->tags.fill(0);
     line->numbers.fill(kNone);
   }
+  // Counted beside the lines: to look into a line that has just been written to would be to wait for it.
+  const auto counts = std::make_unique<std::uint8_t[]>(lines);
   for (std::uint32_t at = 0; at < segment.Capacity() / kInLine; ++at) {
     const Line& line = segment.lines[at];
     for (std::uint32_t place = 0; place < kInLine && line.numbers[place] != kNone; ++place) {
-      grown.Put(line.tags[place], line.numbers[place]);
+      std::uint32_t to = grown.Home(line.tags[place]);
+      while (counts[to] == kInLine) {
+        to = grown.Next(to);
+      }
+      grown.lines[to].tags[counts[to]] = line.tags[place];
+      grown.lines[to].numbers[counts[to]++] = line.numbers[place];
     }
   }
   segment = std::move(grown);

@@ -219,7 +219,7 @@ std::shared_ptr<const Contents> Store::CopyContents() {
   // They read other datasets, which are no part of what stays as it is.
   copy->calculated = nullptr;
   appendEnd_ = 0;
-  loadEnd_ = 0;
+  newRows_.Forget();
   return copy;
 }
 

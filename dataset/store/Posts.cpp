@@ -26,10 +26,6 @@ void Store::BeginEdit() {
   keys_.Repair();
 }
 
-void Store::ProposeDefaults() {
-  proposed_.assign(defaults_.begin(), defaults_.end());
-}
-
 void Store::CheckRequired() const {
   for (const std::uint16_t field : required_) {
     if (proposed_[field].isNull) {
@@ -93,32 +89,11 @@ bool Store::ChangesKey() const noexcept {
 
 // What is made room for.
 
-void Store::MakeRowWritable(std::uint32_t row) {
-  if (row < appendEnd_) {
-    return;
-  }
-  for (Column& column : contents_.columns) {
-    column.values.MakeWritable(row);
-    if (column.type == FieldType::Guid) {
-      column.more.MakeWritable(row);
-    }
-  }
-  contents_.states.MakeWritable(row);
-  contents_.heads.MakeWritable(row);
-  std::uint32_t end = std::min(contents_.heads.WritableEnd(row), contents_.states.WritableEnd(row));
-  for (const Column& column : contents_.columns) {
-    end = std::min(end, column.values.WritableEnd(row));
-    if (column.type == FieldType::Guid) {
-      end = std::min(end, column.more.WritableEnd(row));
-    }
-  }
-  appendEnd_ = end;
-}
-
 void Store::MakeRoomForInsert(std::uint32_t row, const KeyPlace& place) {
-  MakeRowWritable(row);
-  for (std::size_t i = 0; i < proposed_.size(); ++i) {
-    contents_.columns[i].nulls.MakeWritableFor(row, !proposed_[i].isNull);
+  if (row >= appendEnd_) {
+    contents_.states.MakeWritable(row);
+    contents_.heads.MakeWritable(row);
+    appendEnd_ = std::min(contents_.heads.WritableEnd(row), contents_.states.WritableEnd(row));
   }
   contents_.log.MakeRoom(0);
   if (keys_.Exists()) {
@@ -190,15 +165,7 @@ std::uint32_t Store::Insert(std::span<const FieldValue> values) {
   if (row == kMostRows) {
     throw Error(contents_.owner + ": nu mai incape niciun rand");
   }
-  ProposeDefaults();
-  for (const FieldValue& value : values) {
-    const std::size_t field = DatasetView::Resolve(contents_, value.field);
-    MakeCellIn(proposed_[field], contents_.schemaData->fields[field], value.value, contents_.owner);
-    if (keys_.IsLoneField(field)) {
-      // Its place comes from memory while the rest of the row is checked.
-      keys_.Prefetch(keys_.TagOf({&proposed_[field], 1}));
-    }
-  }
+  Propose(values);
   const std::int64_t next = NumberAutoIncs();
   CheckRequired();
   KeyPlace place;
@@ -206,36 +173,27 @@ std::uint32_t Store::Insert(std::span<const FieldValue> values) {
     place.key = ProposedKey();
     place.tag = keys_.TagOf(place.key);
   }
-  for (std::size_t i = 0; i < proposed_.size(); ++i) {
-    Intern(i, proposed_[i]);
-  }
+  // All that can be done without the key's place is done while that comes from memory.
+  PutProposed(row);
+  MakeRoomForInsert(row, place);
   if (keys_.Exists()) {
     RefuseKeyOfAnother(place, row);
   }
-  AskListeners(ChangeKind::Insert, row);
-  MakeRoomForInsert(row, place);
-  PrepareFollowers(1);
-  if (recorder_ != nullptr) {
-    changes_.clear();
-    for (std::size_t i = 0; i < proposed_.size(); ++i) {
-      changes_.push_back({static_cast<std::uint16_t>(i), proposed_[i]});
-    }
-    Announce({Edit::Kind::Insert, row, changes_});
+  if (!listeners_.empty()) {
+    AskListeners(ChangeKind::Insert, row);
+    // One of them may have taken a snapshot, which shares the room that was there.
+    MakeRoomForInsert(row, place);
   }
+  PrepareFollowers(1);
+  AnnounceInsert(row);
 
   const RowChange change{row, false, true, {}};
   TellBefore(change);
-  for (std::size_t i = 0; i < proposed_.size(); ++i) {
-    contents_.columns[i].Store(row, proposed_[i]);
-  }
-  contents_.states.Put(row, AsByte(StoredState::Gone));
-  contents_.heads.Put(row, std::uint32_t{0});
-  ++contents_.counts[AsByte(StoredState::Gone)];
+  contents_.states.Put(row, AsByte(StoredState::Inserted));
+  ++contents_.counts[AsByte(StoredState::Inserted)];
   ++contents_.rowCount;
   contents_.nextTemporary = next;
-  payload_.clear();
-  Record(row, ChangeKind::Insert, 0);
-  SetState(row, StoredState::Inserted);
+  contents_.heads.Put(row, contents_.log.Append({row, Log::kNone, 0, 0, ChangeKind::Insert, 0, 0}, {}) + 1);
   if (keys_.Exists()) {
     keys_.Insert(place.tag, place.key, row);
   }
@@ -244,6 +202,37 @@ std::uint32_t Store::Insert(std::span<const FieldValue> values) {
   TellDone();
   TellOf(ChangeKind::Insert, row);
   return row;
+}
+
+/// Takes the values of a new row, and those that fields have where nothing is said.
+void Store::Propose(std::span<const FieldValue> values) {
+  proposed_.assign(defaults_.begin(), defaults_.end());
+  for (const FieldValue& value : values) {
+    const std::size_t field = DatasetView::Resolve(contents_, value.field);
+    MakeCellIn(proposed_[field], contents_.schemaData->fields[field], value.value, contents_.owner);
+    if (keys_.IsLoneField(field)) {
+      keys_.Prefetch(keys_.TagOf({&proposed_[field], 1}));
+    }
+  }
+}
+
+void Store::PutProposed(std::uint32_t row) {
+  newRows_.Reach(contents_.columns, row);
+  for (std::size_t i = 0; i < proposed_.size(); ++i) {
+    Intern(i, proposed_[i]);
+    PutNew(i, row, proposed_[i]);
+  }
+}
+
+void Store::AnnounceInsert(std::uint32_t row) {
+  if (recorder_ == nullptr) {
+    return;
+  }
+  changes_.clear();
+  for (std::size_t i = 0; i < proposed_.size(); ++i) {
+    changes_.push_back({static_cast<std::uint16_t>(i), proposed_[i]});
+  }
+  Announce({Edit::Kind::Insert, row, changes_});
 }
 
 std::int64_t Store::NumberAutoIncs() {

@@ -15,7 +15,6 @@ RowLoader::RowLoader(Store& store)
   }
   store_.isLoading_ = true;
   store_.pendingRows_ = 0;
-  store_.loadEnd_ = 0;
 }
 
 RowLoader::~RowLoader() {
@@ -35,7 +34,7 @@ void RowLoader::Add(std::span<const ValueView> values) {
     AppendDecimal(message, values.size());
     throw Error(row >= kMostRows ? contents_.owner + ": nu mai incape niciun rand" : message);
   }
-  store_.MakeLoadedRowWritable(row);
+  store_.newRows_.Reach(contents_.columns, row);
   for (std::size_t i = 0; i < values.size(); ++i) {
     const FieldDef& field = contents_.schemaData->fields[i];
     Cell cell;
@@ -44,8 +43,7 @@ void RowLoader::Add(std::span<const ValueView> values) {
       throw Error(contents_.owner + ": campul " + Quoted(field.name) + " trebuie completat");
     }
     store_.Intern(i, cell);
-    contents_.columns[i].nulls.MakeWritableFor(row, !cell.isNull);
-    contents_.columns[i].Store(row, cell);
+    store_.PutNew(i, row, cell);
   }
   for (const std::uint16_t field : store_.autoIncs_) {
     nextTemporary_ = std::min(nextTemporary_, Store::BelowOf(contents_.columns[field].Load(row)));

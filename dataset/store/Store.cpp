@@ -154,20 +154,4 @@ void Store::DropDictionary(std::size_t field) {
   dictionaries_[field].Clear();
 }
 
-void Store::MakeLoadedRowWritable(std::uint32_t row) {
-  if (row < loadEnd_) {
-    return;
-  }
-  std::uint32_t end = kMostRows;
-  for (Column& column : contents_.columns) {
-    column.values.MakeWritable(row);
-    end = std::min(end, column.values.WritableEnd(row));
-    if (column.type == FieldType::Guid) {
-      column.more.MakeWritable(row);
-      end = std::min(end, column.more.WritableEnd(row));
-    }
-  }
-  loadEnd_ = end;
-}
-
 }  // namespace kiv::store

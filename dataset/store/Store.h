@@ -12,6 +12,7 @@
 #include "dataset/store/Followers.h"
 #include "dataset/store/HashIndex.h"
 #include "dataset/store/KeyIndex.h"
+#include "dataset/store/NewRows.h"
 #include "kivtools/dataset/Dataset.h"
 
 namespace kiv::store {
@@ -90,7 +91,7 @@ class Store {
   void CheckMayEdit() const;
   void BeginEdit();
   [[nodiscard]] std::uint32_t RequireRow(std::uint32_t row) const;
-  void ProposeDefaults();
+  void Propose(std::span<const FieldValue> values);
   std::int64_t NumberAutoIncs();
   void CheckRequired() const;
   std::span<const Cell> ProposedKey();
@@ -111,9 +112,16 @@ class Store {
   [[nodiscard]] std::uint32_t TextTag(std::string_view bytes) const noexcept;
   std::uint32_t FindOrAddEntry(std::size_t field, std::string_view bytes);
   void DropDictionary(std::size_t field);
-  void MakeRowWritable(std::uint32_t row);
-  /// Of a row behind the last one that a loader puts down: its values, not its nulls.
-  void MakeLoadedRowWritable(std::uint32_t row);
+  /// Writes a value of a new row, its bytes interned.
+  void PutNew(std::size_t field, std::uint32_t row, const Cell& cell) {
+    newRows_.Put(field, row, cell);
+    Plane& nulls = contents_.columns[field].nulls;
+    if (cell.isNull || nulls.Has(row)) {
+      nulls.MakeWritable(row);
+      nulls.PutBit(row, cell.isNull);
+    }
+  }
+  void PutProposed(std::uint32_t row);
   void MakeRoomForInsert(std::uint32_t row, const KeyPlace& place);
   void MakeRoomForUpdate(std::uint32_t row);
   void MakeRoomForUndo(std::uint32_t records);
@@ -152,6 +160,7 @@ class Store {
       recorder_->Record(edit);
     }
   }
+  void AnnounceInsert(std::uint32_t row);
   void SetState(std::uint32_t row, StoredState state) noexcept;
   void MakeShadow(std::uint32_t row) noexcept;
   /// Stands in the place of the next temporary number when there is none left.
@@ -183,12 +192,11 @@ class Store {
   /// Not side by side: those of many fields would be one large allocation.
   std::deque<HashIndex> dictionaries_;  // one a field, unused where the field has no texts
   std::uint64_t textSeed_;
-  /// Rows before this one have writable elements in every column, unless a snapshot has been taken since.
+  NewRows newRows_;
+  /// Rows before this one have writable states and heads, unless a snapshot has been taken since.
   std::uint32_t appendEnd_ = 0;
   /// Rows beyond the last that a loader has put down and not yet handed over.
   std::uint32_t pendingRows_ = 0;
-  /// As appendEnd_, for the columns alone.
-  std::uint32_t loadEnd_ = 0;
   bool isLoading_ = false;
   std::vector<Cell> defaults_;
   std::vector<std::uint16_t> required_;

@@ -243,6 +243,9 @@ class Recorder : public DatasetListener {
       throw Error("fara 13");
     }
     asked += std::to_string(static_cast<int>(proposal.Kind()));
+    if (whenAsked) {
+      whenAsked();
+    }
   }
   void Changed(const ChangeNotice& notice) noexcept override {
     told += notice.kind ? std::to_string(static_cast<int>(*notice.kind)) + "@" +
@@ -257,6 +260,7 @@ class Recorder : public DatasetListener {
     }
   }
   bool refuses = false;
+  std::function<void()> whenAsked;
   std::function<void()> whenTold;
   std::string asked;
   std::string told;
@@ -325,6 +329,27 @@ TEST(Snapshot, StaysAsItWas) {
   EXPECT_EQ(Show(before), shown);
   EXPECT_EQ(before.GetCurrency(kAlfa, sum), 10_lei);
   EXPECT_EQ(before.RowCount(), 8993U);
+}
+
+TEST(Snapshot, TakenByAListenerHoldsNothingOfWhatIsProposed) {
+  Dataset lines = Loaded();
+  Dataset same = Loaded();
+  std::vector<std::pair<Snapshot, std::string>> taken;
+  Recorder recorder;
+  recorder.whenAsked = [&] { taken.emplace_back(lines.TakeSnapshot(), Show(lines)); };
+  lines.AddListener(recorder);
+  for (Dataset* const each : {&lines, &same}) {
+    for (int i = 10; i < 90; ++i) {
+      each->Insert({{"id", i}, {"partener", "p"}, {"nota", i % 3 == 0 ? ValueView(Null{}) : ValueView(i)}});
+      each->Set(RowId{static_cast<std::uint32_t>(i) / 2 - 5}, "suma", Currency::FromRaw(i));
+    }
+  }
+  lines.RemoveListener(recorder);
+  EXPECT_EQ(taken.size(), 160U);
+  for (const auto& [snapshot, shown] : taken) {
+    ASSERT_EQ(Show(snapshot), shown);
+  }
+  EXPECT_EQ(Show(lines), Show(same));
 }
 
 }  // namespace

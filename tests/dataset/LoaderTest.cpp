@@ -51,10 +51,20 @@ TEST(Loader, WithoutItsEndNothingIsAdded) {
   }
   EXPECT_EQ(lines.RowCount(), 0U);
   EXPECT_EQ(lines.Find(-7), std::nullopt);
-  // What the loader left behind is not seen in the rows that take its place.
-  const RowId row = lines.Insert({{"nume", "c"}, {"v", 3}});
-  EXPECT_EQ(lines.GetInt64(row, "id"), -1);
-  EXPECT_EQ(lines.GetInt64(row, "v"), 3);
+  {
+    Loader loader(lines);
+    for (int i = 0; i < 20'000; ++i) {
+      loader.Add({i, "n", Null{}});
+    }
+  }
+  // What loaders and refused rows left behind is not seen in the rows that take its place.
+  for (std::uint32_t i = 0; i < 9'000; ++i) {
+    const RowId row = lines.Insert({{"nume", "c"}, {"v", 3}});
+    ASSERT_EQ(row, RowId{i});
+    ASSERT_EQ(lines.GetInt64(row, "id"), -1 - static_cast<std::int64_t>(i));
+    ASSERT_EQ(lines.Get(row, "v"), Value(std::int64_t{3}));
+    ASSERT_THROW(lines.Insert({{"id", -1}, {"nume", "d"}}), Error);
+  }
 }
 
 TEST(Loader, TakesNoKeyThatARollBackWouldGiveAnotherRow) {

@@ -91,8 +91,7 @@ void AggregateState::ParseFigure(const Contents& contents, TextView what, const 
                                                           ? isNumeric
                                                           : kind_ != Kind::Bytes && kind_ != Kind::Boolean);
   if (!isAllowed) {
-    Refuse(open.span.to,
-           store::Quoted(name.text) + " nu primeste o valoare de tip " + Text(store::TraitsOf(TypeOf(kind_)).name));
+    Refuse(open.span.to, store::Quoted(name.text) + " nu primeste o valoare de tip " + Text(NameOf(kind_)));
   }
   evaluator_.emplace(tree_);
 }

@@ -70,8 +70,7 @@ class Arguments {
     const Node& argument = tree_.nodes[places_[index]];
     if (argument.kind != Kind::Null && std::ranges::find(kinds, argument.kind) == kinds.end()) {
       Refuse(argument.span.from, "functia " + Text(TraitsOf(call_.function).name) + " nu primeste o valoare de tip " +
-                                     store::TraitsOf(TypeOf(argument.kind)).name + ": " +
-                                     Quoted(tree_.TextOf(argument.span)));
+                                     Text(NameOf(argument.kind)) + ": " + Quoted(tree_.TextOf(argument.span)));
     }
     return argument.kind == Kind::Null ? *kinds.begin() : argument.kind;
   }

@@ -63,6 +63,9 @@ constexpr FieldType TypeOf(Kind kind) noexcept {
   return kTypes[static_cast<std::size_t>(kind)];
 }
 
+/// What messages call it: that of a Text and of a Memo is "Text".
+TextView NameOf(Kind kind) noexcept;
+
 constexpr bool IsNumber(Kind kind) noexcept {
   return kind == Kind::Integer || kind == Kind::Currency || kind == Kind::Double;
 }

@@ -11,14 +11,15 @@
 #include "platform/Clock.h"
 
 namespace kiv::query {
-namespace {
-
-using store::Cell;
-using store::Quoted;
 
 TextView NameOf(Kind kind) noexcept {
   return kind == Kind::Null ? "null" : kind == Kind::Text ? "Text" : store::TraitsOf(TypeOf(kind)).name;
 }
+
+namespace {
+
+using store::Cell;
+using store::Quoted;
 
 TextView SignOf(Op op) noexcept {
   switch (op) {

@@ -233,7 +233,7 @@ TEST(Aggregates, RefuseWhatIsNoFigure) {
       {"sum(*)", 4, "\"*\" nu are sens aici"},
       {"sum(c))", 5, "\")\" nu are sens aici"},
       {"sum(x)", 4, "campul \"x\" nu exista"},
-      {"sum(g)", 4, "\"sum\" nu primeste o valoare de tip Memo"},
+      {"sum(g)", 4, "\"sum\" nu primeste o valoare de tip Text"},
       {"max(c > 1)", 4, "\"max\" nu primeste o valoare de tip Boolean"},
   };
   for (const auto& [what, position, message] : kCases) {

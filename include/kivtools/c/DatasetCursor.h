@@ -1,7 +1,7 @@
 /**
  * @file
  * Cursors: places among the rows of a dataset, in an order of their own. See kivtools/dataset/Cursor.h for what they do
- * and for what becomes of them when rows change. A cursor says which row it stands on; KivDatasetText and its like read
+ * and for what becomes of them when rows change. A cursor says which row it stands on; KivDatasetGetText and its like read
  * that row, KivDatasetSetText, KivDatasetPost and KivDatasetDelete edit it. A cursor may outlive its dataset; it is of
  * no use then.
  */

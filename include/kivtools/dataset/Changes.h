@@ -51,8 +51,9 @@ struct ChangeRecord {
 /// its memory with the dataset and stays as it is whatever happens to that; different threads may read it.
 ///
 ///     const Delta delta = linii.Changes().MakeDelta();
-///     for (std::uint32_t ticket = 0; ticket < delta.Count(); ++ticket) Send(delta.Kind(ticket), delta.Current(ticket,
-///     0));
+///     for (std::uint32_t ticket = 0; ticket < delta.Count(); ++ticket) {
+///       if (delta.IsChanged(ticket, 2)) Send(delta.Row(ticket), delta.Current(ticket, 2));
+///     }
 class Delta {
  public:
   /// A random number of this delta, by which a receiver knows it again when it is sent twice.

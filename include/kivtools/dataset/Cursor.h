@@ -120,7 +120,8 @@ class Cursor {
   /// fields of the order; an empty list sets no limit. In descending order `from` is the greater. The cursor stays on
   /// its row, or stands before the first if that is outside. Throws as LocateNearest.
   ///
-  ///     cursor.OrderBy("data"); cursor.SetRange({EncodeDate(2026, 1, 1)}, {EncodeDate(2026, 1, 31)});
+  ///     cursor.OrderBy("data");
+  ///     cursor.SetRange({DateTime::Encode(2026, 1, 1)}, {DateTime::Encode(2026, 1, 31)});   // January
   KIV_API void SetRange(std::initializer_list<ValueView> from, std::initializer_list<ValueView> to);
   /// The same from values collected at run time.
   KIV_API void SetRange(std::span<const ValueView> from, std::span<const ValueView> to);

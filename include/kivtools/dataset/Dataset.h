@@ -332,7 +332,7 @@ class Dataset : public DatasetView {
   /// The row with that key, in the order of the key's fields; empty where there is none. Throws Error where the dataset
   /// has no key or another count of key fields, and as Insert does for a value that a key field cannot hold.
   ///
-  ///     linii.Find({17})   // the row whose id is 17
+  ///     facturi.Find({2026, "A17"})   // the row whose year is 2026 and whose number is "A17"
   [[nodiscard]] KIV_API std::optional<RowId> Find(std::initializer_list<ValueView> key) const;
   /// The same from values collected at run time.
   [[nodiscard]] KIV_API std::optional<RowId> Find(std::span<const ValueView> key) const;

@@ -33,8 +33,9 @@ class Loader {
   KIV_API void Add(std::span<const ValueView> values);
   /// The same from a list. Example: `loader.Add({17, "Alfa", 5_lei});`
   void Add(std::initializer_list<ValueView> values) { Add(std::span(values.begin(), values.size())); }
-  /// Makes the rows part of the dataset. Throws Error, naming the key, where two rows have the same; no row is added
-  /// then. The loader is of no more use afterwards.
+  /// Makes the rows part of the dataset. Throws Error, naming the key, where two rows have the same, also where they
+  /// would after a roll-back: it has to be able to bring a deleted row back. No row is added then. The loader is of no
+  /// more use afterwards.
   KIV_API void Finish();
 
  private:

@@ -76,6 +76,7 @@ class CsvReader {
   void Take(const CsvRecords& records, std::size_t column, Cell& cell);
   bool TakeValue(std::size_t column, std::string_view text, Cell& cell);
   bool TakeText(std::size_t column, std::string_view text, Cell& cell);
+  [[nodiscard]] std::size_t RefusedColumn(std::span<const Cell> cells) const;
   [[nodiscard]] Text Shown(std::string_view text) const { return isUtf8_ ? packet::ShownPiece(text) : Quoted(text); }
 
   Text operation_;
@@ -209,7 +210,7 @@ Dataset CsvReader::Load(CsvRecords& records, TextView name) {
     try {
       loader.AddRow(cells);
     } catch (const Error& error) {
-      records.Refuse(0, error.what());
+      records.Refuse(RefusedColumn(cells), error.what());
     }
   }
   return Dataset(Finish(loader, places));
@@ -228,6 +229,24 @@ std::unique_ptr<store::Store> CsvReader::Finish(store::BlockLoader& loader, cons
     place.column = static_cast<std::uint64_t>(std::ranges::find_if(fields_, IsKey) - fields_.begin()) + 1;
     packet::RefuseText(operation_, place, error.what());
   }
+}
+
+/// The column, from 1, of the first value that its field refuses; 0 where each is taken and the row is refused.
+std::size_t CsvReader::RefusedColumn(std::span<const Cell> cells) const {
+  for (std::size_t i = 0; i < cells.size(); ++i) {
+    if (cells[i].isNull) {
+      if (IsKey(fields_[i]) || Has(fields_[i].flags, kRequired)) {
+        return i + 1;
+      }
+      continue;
+    }
+    try {
+      CheckCell(fields_[i], cells[i], {});
+    } catch (const Error&) {
+      return i + 1;
+    }
+  }
+  return 0;
 }
 
 void CsvReader::Take(const CsvRecords& records, std::size_t column, Cell& cell) {

@@ -41,6 +41,7 @@ DataFile::DataFile(const Library& library, const std::filesystem::path& path, co
       break;
     case DataFormat::Csv:
       LoadCsv(name, form);
+      isText_ = true;
       break;
   }
   ReadFields();
@@ -167,6 +168,18 @@ DataFile::Shown DataFile::RowValue(std::uint32_t row, std::size_t field) const {
 
 void DataFile::TakeBackChanges() {
   Check(KIVTOOLS_ENTRY(KivDatasetCancelChanges)(dataset_.get()));
+}
+
+bool DataFile::HasValues(std::size_t field) const {
+  auto* const next = KIVTOOLS_ENTRY(KivDatasetNextRow);
+  auto* const isNull = KIVTOOLS_ENTRY(KivDatasetIsNull);
+  std::uint32_t row = KIV_NO_ROW;
+  while (next(dataset_.get(), row, &row) == 1) {
+    if (isNull(dataset_.get(), row, field) == 0) {
+      return true;
+    }
+  }
+  return false;
 }
 
 std::optional<std::size_t> DataFile::FindField(const std::string& name) const {

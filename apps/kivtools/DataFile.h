@@ -69,6 +69,8 @@ class DataFile {
   /// Loads the file. Throws DamagedFile and LibraryError.
   DataFile(const Library& library, const std::filesystem::path& path, const DataForm& form = {});
 
+  /// Whether it is one of comma-separated values, which do not say their types.
+  [[nodiscard]] bool IsText() const noexcept { return isText_; }
   [[nodiscard]] bool IsDelta() const noexcept { return dataset_ == nullptr; }
   [[nodiscard]] const std::string& Name() const noexcept { return name_; }
   [[nodiscard]] const std::vector<Field>& Fields() const noexcept { return fields_; }
@@ -90,6 +92,8 @@ class DataFile {
 
   /// Makes the rows what they were before all changes.
   void TakeBackChanges();
+  /// Whether a row of a dataset has a value in that field.
+  [[nodiscard]] bool HasValues(std::size_t field) const;
   /// The place of the field of that name, case apart; nothing where there is none.
   [[nodiscard]] std::optional<std::size_t> FindField(const std::string& name) const;
   /// Which rows of a dataset are wanted, and what of them. An empty text filters nothing and orders by nothing.
@@ -127,6 +131,7 @@ class DataFile {
   const Library& library_;
   std::unique_ptr<KivDataset, decltype(KivDatasetFree)*> dataset_;
   std::unique_ptr<KivDelta, decltype(KivDeltaFree)*> delta_;
+  bool isText_ = false;
   std::string name_;
   std::vector<Field> fields_;
   std::uint64_t replayed_ = 0;

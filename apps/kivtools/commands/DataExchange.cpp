@@ -1,6 +1,9 @@
 // "kivtools data convert" and "data diff": files of data from one form into another, and what has changed in them.
 #include <algorithm>
 #include <array>
+#include <optional>
+#include <utility>
+#include <vector>
 
 #include "apps/kivtools/DataFile.h"
 #include "apps/kivtools/Shown.h"
@@ -128,6 +131,35 @@ int RunConvert(Session& session, const Arguments& arguments) {
   return kDone;
 }
 
+/// What a column is in two files of which at least one is a text, whose types were found out from its values alone: the
+/// type of a file that knows it, of the text that has values at all, or the narrowest that holds both.
+std::int32_t CommonType(const DataFile& before, std::size_t field, const DataFile& after, std::size_t other) {
+  const std::int32_t left = before.Fields()[field].type;
+  const std::int32_t right = after.Fields()[other].type;
+  if (!before.IsText() || !after.IsText()) {
+    return before.IsText() ? right : left;
+  }
+  if (!before.HasValues(field) || !after.HasValues(other)) {
+    return before.HasValues(field) ? left : right;
+  }
+  const auto either = [&](std::int32_t type) { return left == type || right == type; };
+  return either(KIV_FIELD_WIDE_TEXT)                             ? KIV_FIELD_WIDE_TEXT
+         : either(KIV_FIELD_INT64) && either(KIV_FIELD_CURRENCY) ? KIV_FIELD_CURRENCY
+                                                                 : KIV_FIELD_TEXT;
+}
+
+/// The columns of texts that are of another type in the other file, and what they are to be read as.
+std::vector<DataForm::Column> DifferingColumns(const DataFile& before, const DataFile& after) {
+  std::vector<DataForm::Column> columns;
+  for (std::size_t i = 0; i < before.Fields().size(); ++i) {
+    const DataFile::Field& field = before.Fields()[i];
+    if (const auto other = after.FindField(field.name); other && after.Fields()[*other].type != field.type) {
+      columns.push_back({field.name, CommonType(before, i, after, *other)});
+    }
+  }
+  return columns;
+}
+
 int RunDiff(Session& session, const Arguments& arguments) {
   const std::optional<std::string> out = arguments.ValueOf("out");
   if (!out) {
@@ -138,10 +170,19 @@ int RunDiff(Session& session, const Arguments& arguments) {
   for (std::string_view rest = fields; !rest.empty();) {
     key.emplace_back(TakePart(rest, ','));
   }
-  const DataForm form = FormOf(arguments);
-  const DataFile before = Load(session, arguments.Values()[1], form);
-  const DataFile after = Load(session, arguments.Values()[2], form);
-  const std::size_t rows = before.SaveDifference(after, key, PathFromUtf8(*out));
+  DataForm form = FormOf(arguments);
+  std::optional<DataFile> before(Load(session, arguments.Values()[1], form));
+  std::optional<DataFile> after(Load(session, arguments.Values()[2], form));
+  if (const auto columns = DifferingColumns(*before, *after); !columns.empty()) {
+    form.columns.insert(form.columns.end(), columns.begin(), columns.end());
+    for (const auto& [file, name] :
+         {std::pair(&before, &arguments.Values()[1]), std::pair(&after, &arguments.Values()[2])}) {
+      if ((*file)->IsText()) {
+        file->emplace(session.Lib(), PathFromUtf8(*name), form);
+      }
+    }
+  }
+  const std::size_t rows = before->SaveDifference(*after, key, PathFromUtf8(*out));
   session.out.Write(Say({"{0}: {1} changed\n", "{0}: {1} modificat\n"}, ShownName(*out),
                         Counted(rows, {{"row has", "rând s-a"}, {"rows have", "rânduri s-au"}})));
   return kDone;

@@ -16,17 +16,7 @@ std::size_t ChangeLog::Count() const noexcept {
 }
 
 void ChangeLog::ForEach(const std::function<void(const ChangeRecord&)>& callback) const {
-  const Contents& contents = store_->GetContents();
-  for (std::uint32_t at = contents.log.First(); at != Log::kNone; at = contents.log.Next(at)) {
-    const Log::Header header = contents.log.HeaderAt(at);
-    ChangeRecord record{header.kind, static_cast<RowId>(header.row), {}};
-    for (store::RecordReader old(contents.log, at, *contents.schemaData); old.Next();) {
-      const std::size_t field = old.Field();
-      record.fields.push_back(
-          {field, store::ValueOf(contents.columns[field].type, contents.Resolve(field, old.Old()))});
-    }
-    callback(record);
-  }
+  store_->ForEachChange(callback);
 }
 
 Mark ChangeLog::SetMark() {

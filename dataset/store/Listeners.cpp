@@ -61,6 +61,19 @@ std::span<const std::uint16_t> Store::ChangedFields() noexcept {
   return changedFields_;
 }
 
+void Store::ForEachChange(const std::function<void(const ChangeRecord&)>& callback) {
+  const Calling calling(isAsking_);
+  for (std::uint32_t at = contents_.log.First(); at != Log::kNone; at = contents_.log.Next(at)) {
+    const Log::Header header = contents_.log.HeaderAt(at);
+    ChangeRecord record{header.kind, static_cast<RowId>(header.row), {}};
+    for (RecordReader old(contents_.log, at, *contents_.schemaData); old.Next();) {
+      const std::size_t field = old.Field();
+      record.fields.push_back({field, ValueOf(contents_.columns[field].type, contents_.Resolve(field, old.Old()))});
+    }
+    callback(record);
+  }
+}
+
 void Store::RemoveListener(DatasetListener& listener) noexcept {
   std::ranges::replace(listeners_, &listener, nullptr);
   if (!isAsking_) {

@@ -73,6 +73,8 @@ class Store {
   void RemoveListener(DatasetListener& listener) noexcept;
   void BeginUpdate() noexcept { ++updateDepth_; }
   void EndUpdate() noexcept;
+  /// Calls back for each record of the log, oldest first; what the callback edits is refused.
+  void ForEachChange(const std::function<void(const ChangeRecord&)>& callback);
   /// The value that a field is about to get, for a Proposal.
   [[nodiscard]] bool IsProposed(ChangeKind kind, std::size_t field) const noexcept;
   [[nodiscard]] Cell Proposed(ChangeKind kind, std::uint32_t row, std::size_t field) const noexcept;

@@ -2,6 +2,7 @@
 #include <new>
 #include <optional>
 
+#include "dataset/store/Cell.h"
 #include "dataset/store/SchemaData.h"
 #include "package/c/DatasetKinds.h"
 
@@ -83,6 +84,17 @@ KivStatus KivSchemaAddField(KivSchema* schema, const char* name, size_t length, 
     fields.emplace_back(kiv::Text(KIV_TEXT(name, length)), static_cast<kiv::FieldType>(type), size,
                         static_cast<kiv::FieldFlags>(flags % KIV_FLAG_NO_CASE));
     fields.back().collation = static_cast<kiv::Collation>(flags / KIV_FLAG_NO_CASE);
+  });
+}
+
+KivStatus KivSchemaSetDefault(KivSchema* schema, size_t field, const KivFieldValue* value) {
+  return Run([=] {
+    auto& fields = KIV_REQUIRED(schema).fields;
+    const GivenValues given(value, 1, "value");
+    if (field >= fields.size()) {
+      throw ArgumentError("field: valoare necunoscuta");
+    }
+    fields[field].defaultValue = kiv::store::OwnedValue(given.All().front());
   });
 }
 
@@ -270,6 +282,30 @@ KivLength KivDatasetGetBytes(const KivDataset* dataset, uint32_t row, size_t fie
 
 KivLength KivDatasetChangeCount(const KivDataset* dataset) {
   return GiveLength([=] { return KIV_REQUIRED(dataset).View().ChangeCount(); });
+}
+
+KivStatus KivDatasetForEachChange(KivDataset* dataset, KivChangeVisitor visitor, void* context) {
+  return Run([=] {
+    kiv::Dataset& walked = KIV_REQUIRED(dataset).Own();
+    if (visitor == nullptr) {
+      throw ArgumentError("visitor: pointer nul");
+    }
+    std::vector<std::uint16_t> fields;
+    std::vector<KivFieldValue> before;
+    walked.Changes().ForEach([&](const kiv::ChangeRecord& change) {
+      fields.clear();
+      before.clear();
+      for (const kiv::ChangeRecord::Field& field : change.fields) {
+        fields.push_back(static_cast<std::uint16_t>(field.index));
+        before.push_back(FieldValueOf(field.before));
+      }
+      const KivChangeRecord told{static_cast<std::int32_t>(change.kind), static_cast<std::uint32_t>(change.row),
+                                 fields.data(), before.data(), fields.size()};
+      if (visitor(context, &told) != KIV_OK) {
+        throw HostFailure("visitor: parcurgerea a fost oprita");
+      }
+    });
+  });
 }
 
 KivStatus KivDatasetSetMark(KivDataset* dataset, size_t* mark) {

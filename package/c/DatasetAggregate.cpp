@@ -39,6 +39,19 @@ KivStatus KivAggregateNew(KivDataset* dataset, const char* what, size_t length, 
   });
 }
 
+KivStatus KivAggregateNewWith(KivDataset* dataset, const char* what, size_t length, const char* groupBy,
+                              size_t groupByLength, const char* names, size_t namesLength, const KivFieldValue* values,
+                              size_t count, KivAggregate** aggregate) {
+  return Run([=] {
+    kiv::Dataset& rows = KIV_REQUIRED(dataset).Own();
+    const kiv::TextView figure = KIV_TEXT(what, length);
+    const kiv::TextView fields = KIV_TEXT(groupBy, groupByLength);
+    const kiv::TextView given = KIV_TEXT(names, namesLength);
+    KivAggregate*& made = KIV_REQUIRED(aggregate);
+    made = new KivAggregate{{rows, figure, fields, ParametersOf(given, values, count)}, {}, {}};
+  });
+}
+
 void KivAggregateFree(KivAggregate* aggregate) {
   delete aggregate;
 }

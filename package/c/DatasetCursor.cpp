@@ -72,6 +72,15 @@ KivStatus KivCursorFilter(KivCursor* cursor, const char* condition, size_t lengt
   });
 }
 
+KivStatus KivCursorFilterWith(KivCursor* cursor, const char* condition, size_t length, const char* names,
+                              size_t namesLength, const KivFieldValue* values, size_t count) {
+  return Run([=] {
+    const kiv::TextView wanted = KIV_TEXT(condition, length);
+    const kiv::TextView given = KIV_TEXT(names, namesLength);
+    KIV_REQUIRED(cursor).cursor.Filter(wanted, ParametersOf(given, values, count));
+  });
+}
+
 KivStatus KivCursorSetRange(KivCursor* cursor, const KivFieldValue* from, size_t fromCount, const KivFieldValue* to,
                             size_t toCount) {
   return Run([=] {

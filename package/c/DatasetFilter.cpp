@@ -21,28 +21,6 @@ using namespace kiv::c;
 
 namespace {
 
-/// The names between the commas, each with its value.
-kiv::FilterParameters ParametersOf(kiv::TextView names, const KivFieldValue* values, std::size_t count) {
-  kiv::FilterParameters parameters;
-  if (count == 0 && names.empty()) {
-    return parameters;
-  }
-  const GivenValues given(values, count, "values");
-  for (const kiv::ValueView& value : given.All()) {
-    const std::size_t comma = names.find(',');
-    const kiv::TextView name = kiv::Trim(names.substr(0, comma));
-    if (name.empty()) {
-      throw ArgumentError("names: lipseste numele unui parametru");
-    }
-    parameters.push_back({kiv::Text(name), kiv::store::OwnedValue(value)});
-    names = comma == kiv::TextView::npos ? kiv::TextView() : names.substr(comma + 1);
-  }
-  if (!names.empty()) {
-    throw ArgumentError("names: un parametru nu are valoare");
-  }
-  return parameters;
-}
-
 kiv::TextView NameOf(const kiv::DatasetView& rows, std::size_t field) {
   return kiv::query::FieldAt(rows.GetContents(), rows.FieldAt(field).Index()).name;
 }

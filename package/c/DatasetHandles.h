@@ -9,6 +9,7 @@
 
 #include "kivtools/c/DatasetPackets.h"
 #include "kivtools/dataset/Dataset.h"
+#include "kivtools/dataset/Filter.h"
 #include "kivtools/dataset/Loader.h"
 #include "kivtools/dataset/Packet.h"
 #include "package/c/Abi.h"
@@ -109,6 +110,10 @@ class GivenValues {
   std::list<WideText> wides_;
   std::vector<ValueView> views_;
 };
+
+/// What stands for the names of a filter, between commas, each with its value. Throws ArgumentError for a name without
+/// a value and for a value without a name.
+FilterParameters ParametersOf(TextView names, const KivFieldValue* values, std::size_t count);
 
 }  // namespace kiv::c
 

@@ -160,6 +160,17 @@ KivStatus KivDatasetFieldInfo(const KivDataset* dataset, size_t field, int32_t* 
   return Run([=] { GiveField(FieldOf(KIV_REQUIRED(dataset).View(), field), type, size, flags); });
 }
 
+KivAnswer KivDatasetFieldDefault(const KivDataset* dataset, size_t field, KivFieldValue* value) {
+  return GiveAnswer([=] {
+    const auto fields = KIV_REQUIRED(dataset).View().GetSchema().Fields();
+    KivFieldValue& result = KIV_REQUIRED(value);
+    if (field >= fields.size()) {
+      throw ArgumentError("field: valoare necunoscuta");
+    }
+    return GiveValue(fields[field].defaultValue, result);
+  });
+}
+
 KivLength KivDatasetCountOf(const KivDataset* dataset, int32_t state) {
   return GiveLength([=] {
     if (state < KIV_ROW_UNMODIFIED || state > KIV_ROW_DELETED) {

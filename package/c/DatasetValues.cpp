@@ -2,6 +2,8 @@
 #include <array>
 #include <bit>
 
+#include "core/Trim.h"
+#include "dataset/store/Cell.h"
 #include "package/c/DatasetHandles.h"
 
 using namespace kiv::c;
@@ -91,6 +93,27 @@ ValueView GivenValues::ViewOf(const KivFieldValue& value, const char* name) {
     default:
       throw ArgumentError(Text(name) + ": valoare necunoscuta");
   }
+}
+
+FilterParameters ParametersOf(TextView names, const KivFieldValue* values, std::size_t count) {
+  FilterParameters parameters;
+  if (count == 0 && names.empty()) {
+    return parameters;
+  }
+  const GivenValues given(values, count, "values");
+  for (const ValueView& value : given.All()) {
+    const std::size_t comma = names.find(',');
+    const TextView name = Trim(names.substr(0, comma));
+    if (name.empty()) {
+      throw ArgumentError("names: lipseste numele unui parametru");
+    }
+    parameters.push_back({Text(name), store::OwnedValue(value)});
+    names = comma == TextView::npos ? TextView() : names.substr(comma + 1);
+  }
+  if (!names.empty()) {
+    throw ArgumentError("names: un parametru nu are valoare");
+  }
+  return parameters;
 }
 
 void DatasetCallbacks::BeforePost(const Proposal& proposal) {

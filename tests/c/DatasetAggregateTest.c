@@ -40,6 +40,9 @@ void DatasetAggregateTest(void) {
   EXPECT(KivAggregateGroupValue(sum, 2, &value) == -KIV_ERROR_LIST_INDEX);
   EXPECT(KivAggregateGroupKey(sum, 0, 1, &value) == -KIV_ERROR_LIST_INDEX);
   KivAggregateFree(names);
+  EXPECT(KivAggregateNewWith(lines, "count(nume || :p)", KIV_ZERO_ENDED, NULL, 0, "p", 1, &key, 1, &names) == KIV_OK);
+  EXPECT(KivAggregateGet(names, NULL, 0, &value) == 1 && value.integer == 3);
+  KivAggregateFree(names);
 
   EXPECT(KivAggregateNew(lines, "sum(nume)", KIV_ZERO_ENDED, NULL, 0, &names) == -KIV_ERROR_FILTER);
   EXPECT(KivLastErrorPlace(NULL, &offset) == 1 && offset == 4);

@@ -62,6 +62,9 @@ void DatasetCursorTest(void) {
   EXPECT(KivCursorGoToRow(cursor, 1) == 0 && KivCursorGoToRow(cursor, 3) == 1);
   EXPECT(KivCursorFilter(cursor, "id < 13", KIV_ZERO_ENDED) == KIV_OK && KivCursorCount(cursor) == 2);
   EXPECT(KivCursorFilter(cursor, "id <", KIV_ZERO_ENDED) < 0 && KivCursorCount(cursor) == 2);
+  EXPECT(KivCursorFilterWith(cursor, "nume = :cine", KIV_ZERO_ENDED, "cine", 4, &beta, 1) == KIV_OK);
+  EXPECT(KivCursorCount(cursor) == 1 && KivCursorFilterWith(cursor, "nume = :cine", 12, "cine", 4, NULL, 0) < 0);
+  EXPECT(LastMessageIs("KivCursorFilterWith: values: pointer nul"));
   EXPECT(KivCursorFilter(cursor, "", 0) == KIV_OK && KivCursorCount(cursor) == 3);
   EXPECT(KivCursorGoTo(cursor, 3) == -KIV_ERROR_LIST_INDEX && KivCursorGoTo(cursor, 1) == KIV_OK);
   EXPECT(KivDatasetDelete(partners, 2) == KIV_OK && KivCursorRow(cursor, &row) == 1 && row == 0);

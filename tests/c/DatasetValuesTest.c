@@ -65,6 +65,32 @@ static void LoadsAndFinds(KivDataset* invoices) {
   EXPECT(KivDatasetFind(invoices, values, 2, &row) == -KIV_ERROR_ARGUMENT);
 }
 
+static KivDataset* walked;
+static int visits;
+
+static KivStatus Visit(void* context, const KivChangeRecord* change) {
+  EXPECT(context == &visits && change->row == 0 && KivDatasetRowCount(walked) == 1);
+  EXPECT(change->kind == KIV_CHANGE_UPDATE && change->count == 1 && change->fields[0] == 2);
+  EXPECT(change->before[0].kind == KIV_VALUE_WIDE_TEXT && change->before[0].size == 1);
+  EXPECT(KivDatasetDelete(walked, 0) == -KIV_ERROR_GENERAL && KivDatasetAcceptChanges(walked) == -KIV_ERROR_GENERAL);
+  return ++visits == 2 ? 1 : KIV_OK;
+}
+
+static void WalksChanges(KivDataset* invoices) {
+  const uint16_t wide[] = {'a', 'b'};
+  int length;
+  walked = invoices;
+  EXPECT(KivDatasetForEachChange(invoices, NULL, NULL) == -KIV_ERROR_ARGUMENT);
+  EXPECT(KivDatasetForEachChange(invoices, Visit, &visits) == KIV_OK && visits == 0);
+  for (length = 1; length >= 0; --length) {
+    EXPECT(KivDatasetSetWideText(invoices, 0, 2, wide + length, 1) == KIV_OK);
+    EXPECT(KivDatasetPost(invoices, NULL) == KIV_OK);
+  }
+  EXPECT(KivDatasetForEachChange(invoices, Visit, &visits) == -KIV_ERROR_GENERAL && visits == 2);
+  EXPECT(LastMessageIs("KivDatasetForEachChange: visitor: parcurgerea a fost oprita"));
+  EXPECT(KivDatasetCancelChanges(invoices) == KIV_OK);
+}
+
 static void TellsListeners(KivDataset* invoices) {
   const uint16_t wide[] = {0x21B, 0x21B};
   size_t listener = 9;
@@ -91,13 +117,23 @@ void DatasetValuesTest(void) {
   uint16_t units[4];
   uint32_t row = 0;
   int32_t number = 0;
+  KivFieldValue standard;
   EXPECT(KivSchemaAddField(schema, "an", 2, KIV_FIELD_INT16, 0, KIV_FLAG_KEY) == KIV_OK);
   EXPECT(KivSchemaAddField(schema, "numar", 5, KIV_FIELD_INT32, 0, KIV_FLAG_KEY) == KIV_OK);
   EXPECT(KivSchemaAddField(schema, "lat", 3, KIV_FIELD_WIDE_TEXT, 0, 0) == KIV_OK);
+  standard = Units(KIV_VALUE_TEXT, "x", 1);
+  EXPECT(KivSchemaSetDefault(schema, 2, &standard) == KIV_OK);
+  EXPECT(KivDatasetNew("facturi", KIV_ZERO_ENDED, schema, &invoices) == -KIV_ERROR_CAST);
+  standard = Units(KIV_VALUE_WIDE_TEXT, u"\x219", KIV_ZERO_ENDED);
+  EXPECT(KivSchemaSetDefault(schema, 3, &standard) == -KIV_ERROR_ARGUMENT);
+  EXPECT(KivSchemaSetDefault(schema, 2, &standard) == KIV_OK);
   EXPECT(KivDatasetNew("facturi", KIV_ZERO_ENDED, schema, &invoices) == KIV_OK);
+  EXPECT(KivDatasetFieldDefault(invoices, 1, &standard) == 0 && KivDatasetFieldDefault(invoices, 3, &standard) < 0);
+  EXPECT(KivDatasetFieldDefault(invoices, 2, &standard) == 1 && ((const uint16_t*)standard.units)[0] == 0x219);
   KivSchemaFree(schema);
   LoadsAndFinds(invoices);
   TellsListeners(invoices);
+  WalksChanges(invoices);
 
   EXPECT(KivDatasetTakeSnapshot(invoices, &before) == KIV_OK && KivDatasetDelete(invoices, 0) == KIV_OK);
   KivDatasetFree(invoices);

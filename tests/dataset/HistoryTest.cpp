@@ -150,6 +150,7 @@ TEST(History, TellsWhatWasBefore) {
       log += " " + std::to_string(index) + "=" + (std::holds_alternative<Null>(before) ? "null" : "v");
     }
     log += ";";
+    EXPECT_THROW(lines.Changes().AcceptChanges(), Error) << "the record that is told would be gone";
   });
   EXPECT_EQ(log, "1@0 1=v 2=v;1@0 2=null;2@0;");
 }

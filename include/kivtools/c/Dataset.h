@@ -109,6 +109,19 @@ typedef KivStatus (*KivDatasetBeforePost)(void* context, const KivProposal* prop
  * the dataset, not edit it. */
 typedef void (*KivDatasetChanged)(void* context, int32_t kind, uint32_t row, const uint16_t* fields, size_t count);
 
+/** A change as the log remembers it: what it did, to which row, and of an update the fields that it changed with what
+ * they held before, in the same order. */
+typedef struct KivChangeRecord {
+  int32_t kind;
+  uint32_t row;
+  const uint16_t* fields;
+  const KivFieldValue* before;
+  size_t count;
+} KivChangeRecord;
+
+/** Told of a change of the log; anything but KIV_OK ends the walk. May read the dataset, not edit it. */
+typedef KivStatus (*KivChangeVisitor)(void* context, const KivChangeRecord* change);
+
 /** Makes an empty list of fields. Free it with KivSchemaFree. Null where there is no memory. */
 KIV_API KivSchema* KivSchemaNew(void);
 /** Frees a list of fields; null is ignored. Example: KivSchemaFree(schema); */
@@ -116,6 +129,10 @@ KIV_API void KivSchemaFree(KivSchema* schema);
 /** Adds a field. Example: 0 for `KivSchemaAddField(schema, "suma", KIV_ZERO_ENDED, KIV_FIELD_CURRENCY, 0, 0)`. */
 KIV_API KivStatus KivSchemaAddField(KivSchema* schema, const char* name, size_t length, int32_t type, int32_t size,
                                     int32_t flags);
+
+/** Sets what a new row gets in a field, by its place in the list, where nothing is given; the value is copied, and
+ * KivDatasetNew fails for one that the field cannot hold. Example: 0 for the field 1 and 100000 ten-thousandths. */
+KIV_API KivStatus KivSchemaSetDefault(KivSchema* schema, size_t field, const KivFieldValue* value);
 
 /** Makes an empty dataset and stores its address. Example: fails for a schema without fields. */
 KIV_API KivStatus KivDatasetNew(const char* name, size_t length, const KivSchema* schema, KivDataset** dataset);
@@ -233,6 +250,9 @@ KIV_API KivLength KivDatasetGetBytes(const KivDataset* dataset, uint32_t row, si
 
 /** How many changes the log remembers. Example: 3. */
 KIV_API KivLength KivDatasetChangeCount(const KivDataset* dataset);
+/** Tells the function of each change that the log remembers, oldest first. Fails with KIV_ERROR_GENERAL where the
+ * function ends it. Example: 0 after KivDatasetChangeCount calls. */
+KIV_API KivStatus KivDatasetForEachChange(KivDataset* dataset, KivChangeVisitor visitor, void* context);
 /** Notes the present point of the history and stores its number. Example: 0. */
 KIV_API KivStatus KivDatasetSetMark(KivDataset* dataset, size_t* mark);
 /** Takes back every change since the mark. Fails for a mark that has ended. Example: 0. */

@@ -23,6 +23,11 @@ typedef struct KivAggregate KivAggregate;
  * "count(*)" by "partener". */
 KIV_API KivStatus KivAggregateNew(KivDataset* dataset, const char* what, size_t length, const char* groupBy,
                                   size_t groupByLength, KivAggregate** aggregate);
+/** The same for a figure with parameters: `names` are theirs, without colons and with commas between them, `values` has
+ * one for each. Example: 0 for "sum(suma * :cota)" with "cota" and 2100 ten-thousandths. */
+KIV_API KivStatus KivAggregateNewWith(KivDataset* dataset, const char* what, size_t length, const char* groupBy,
+                                      size_t groupByLength, const char* names, size_t namesLength,
+                                      const KivFieldValue* values, size_t count, KivAggregate** aggregate);
 /** Frees an aggregate; null is ignored. Example: KivAggregateFree(aggregate); */
 KIV_API void KivAggregateFree(KivAggregate* aggregate);
 /** The figure of the group with that key, of which there are none where rows are not grouped: 1 and the value, 0 for

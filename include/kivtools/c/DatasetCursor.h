@@ -1,9 +1,9 @@
 /**
  * @file
  * Cursors: places among the rows of a dataset, in an order of their own. See kivtools/dataset/Cursor.h for what they do
- * and for what becomes of them when rows change. A cursor says which row it stands on; KivDatasetGetText and its like read
- * that row, KivDatasetSetText, KivDatasetPost and KivDatasetDelete edit it. A cursor may outlive its dataset; it is of
- * no use then.
+ * and for what becomes of them when rows change. A cursor says which row it stands on; KivDatasetGetText and its like
+ * read that row, KivDatasetSetText, KivDatasetPost and KivDatasetDelete edit it. A cursor may outlive its dataset; it
+ * is of no use then.
  */
 #ifndef KIVTOOLS_C_DATASETCURSOR_H
 #define KIVTOOLS_C_DATASETCURSOR_H
@@ -30,6 +30,10 @@ KIV_API KivLength KivCursorOrder(const KivCursor* cursor, char* buffer, size_t c
 /** Leaves only the rows that pass a condition; all of them for an empty text.
  * Example: KivCursorFilter(cursor, "suma > 1000", KIV_ZERO_ENDED); */
 KIV_API KivStatus KivCursorFilter(KivCursor* cursor, const char* condition, size_t length);
+/** The same for a condition with parameters: `names` are theirs, without colons and with commas between them, `values`
+ * has one for each. Example: 0 for "partener = :cine" with "cine" and a text, whatever stands in it. */
+KIV_API KivStatus KivCursorFilterWith(KivCursor* cursor, const char* condition, size_t length, const char* names,
+                                      size_t namesLength, const KivFieldValue* values, size_t count);
 /** Leaves only the rows between two lists of values of the first fields of the order; an empty list sets no limit.
  * Example: fails for more values than the order has fields. */
 KIV_API KivStatus KivCursorSetRange(KivCursor* cursor, const KivFieldValue* from, size_t fromCount,

@@ -88,6 +88,9 @@ KIV_API KivLength KivDatasetFieldName(const KivDataset* dataset, size_t field, c
 /** Stores type, size and flags of a field, unless a pointer is null. Example: KIV_FIELD_CURRENCY, 0, 0. */
 KIV_API KivStatus KivDatasetFieldInfo(const KivDataset* dataset, size_t field, int32_t* type, int32_t* size,
                                       int32_t* flags);
+/** What a new row gets in a field where nothing is given: 1 and the value, 0 for null. Texts stay as long as the
+ * dataset. Example: 1 and 100000 ten-thousandths. */
+KIV_API KivAnswer KivDatasetFieldDefault(const KivDataset* dataset, size_t field, KivFieldValue* value);
 /** How many rows have that state, KIV_ROW_.... Example: 1 for KIV_ROW_DELETED. */
 KIV_API KivLength KivDatasetCountOf(const KivDataset* dataset, int32_t state);
 /** The value of a row for people, as UTF-8; empty for null. Example: "1234.5600", "2026-03-05". */

@@ -106,7 +106,10 @@ class ChangeLog {
  public:
   /// How many changes are remembered.
   [[nodiscard]] KIV_API std::size_t Count() const noexcept;
-  /// Calls back for each change, oldest first. The callback may not edit the dataset.
+  /// Calls back for each change, oldest first. The callback may read the dataset, not edit it: an edit from within
+  /// throws Error.
+  ///
+  ///     linii.Changes().ForEach([&](const ChangeRecord& change) { Print(change.kind, change.row); });
   KIV_API void ForEach(const std::function<void(const ChangeRecord&)>& callback) const;
 
   /// Notes the present point of the history.

@@ -14,6 +14,7 @@
 extern "C" {
 #endif
 
+/** A place among the rows of a dataset. */
 typedef struct KivCursor KivCursor;
 
 /** Makes a cursor before the first row and stores its address. Example: fails for a snapshot. */

@@ -8,9 +8,10 @@
 /// The binary packet, version 1. Little-endian, written and read in one pass, without seeking.
 ///
 ///     header   magic, version, kind, identity of the file, checksum: 32 bytes
-///     TABL     number, parent, name, counts of rows and records, next temporary number, fields; of a delta its
-///     identity meta     the host's own notes BLOB     values of memos and blobs in pieces, numbered in the order in
-///     which they end TEXT     dictionary entries of one field; their codes count from 0 over all chunks of the field
+///     TABL     number, parent, name, counts of rows and records, next temporary number, fields; identity of a delta
+///     meta     the host's own notes
+///     BLOB     values of memos and blobs in pieces, numbered in the order in which they end
+///     TEXT     dictionary entries of one field; their codes count from 0 over all chunks of the field
 ///     ROWS     up to 8,192 rows: states and columns in sections, spread over as many chunks as they need
 ///     LOGR     records of the change log, oldest first
 ///     DONE     number of chunks, number of rows, and the checksum of all checksums

@@ -16,9 +16,9 @@ namespace kiv::store {
 /// is of no use then. Counts are the reader's to check: what it asks for is allocated.
 ///
 ///     BlockLoader loader("linii", schema);
-///     loader.AddEntry(city, "Iasi");                   // dictionary texts and large values before the rows that use
-///     them loader.BeginBlock(rows);                         // 8,192 rows; fewer in the last block only
-///     std::memcpy(loader.Values(suma).data(), ...);    // elements as Contents.h describes them, straight into place
+///     loader.AddEntry(city, "Iasi");                   // dictionary texts and large values, before their rows
+///     loader.BeginBlock(rows);                         // 8,192 rows; fewer in the last block only
+///     std::memcpy(loader.Values(suma).data(), ...);    // elements as Contents.h describes them, into their place
 ///     loader.PutText(nume, 17, "Popescu");             // or text by text
 ///     loader.EndBlock();
 ///     loader.AddRecord(ChangeKind::Update, 5, old);    // the change log, oldest first

@@ -8,6 +8,13 @@
 /// UTF-16 and UTF-8 into each other, exactly.
 namespace kiv {
 
+/// Whether a character may be in XML at all.
+constexpr bool IsAllowedInXml(char32_t character) noexcept {
+  return character >= 0x20 ? character != 0xFFFE && character != 0xFFFF && (character < 0xD800 || character > 0xDFFF) &&
+                                 character <= 0x10FFFF
+                           : character == '\t' || character == '\n' || character == '\r';
+}
+
 /// Appends a character as UTF-8.
 inline void AppendUtf8(std::string& utf8, char32_t character) {
   const auto follow = [&](unsigned shift) { utf8 += static_cast<char>(0x80U | (character >> shift & 0x3FU)); };

@@ -20,6 +20,11 @@ inline constexpr NumberForm kRomanianNumbers{',', '.'};
 /// The most that WriteValue writes.
 inline constexpr std::size_t kMostValueText = 48;
 
+/// Whether a "-" stands before that digit of a Guid.
+constexpr bool HasDash(unsigned digit) noexcept {
+  return digit == 8 || digit == 12 || digit == 16 || digit == 20;
+}
+
 /// Writes a value that is there and of fixed width; returns the end. Example: 1234.5 of a Currency is "1234.5".
 char* WriteValue(char* out, FieldType type, const store::Cell& cell, char point = '.') noexcept;
 

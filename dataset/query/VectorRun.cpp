@@ -1,68 +1,14 @@
 #include "dataset/query/VectorRun.h"
 
 #include <algorithm>
-#include <bit>
+#include <cstring>
+
+#include "dataset/query/RowBits.h"
 
 namespace kiv::query {
 namespace {
 
 using store::Cell;
-
-template <class Combine>
-Bits Combined(const Bits& left, const Bits& right, Combine combine) noexcept {
-  Bits result;
-  for (std::size_t i = 0; i < kWords; ++i) {
-    result[i] = combine(left[i], right[i]);
-  }
-  return result;
-}
-
-Bits Both(const Bits& left, const Bits& right) noexcept {
-  return Combined(left, right, [](std::uint64_t l, std::uint64_t r) { return l & r; });
-}
-Bits Either(const Bits& left, const Bits& right) noexcept {
-  return Combined(left, right, [](std::uint64_t l, std::uint64_t r) { return l | r; });
-}
-Bits Without(const Bits& left, const Bits& right) noexcept {
-  return Combined(left, right, [](std::uint64_t l, std::uint64_t r) { return l & ~r; });
-}
-
-bool IsEmpty(const Bits& bits) noexcept {
-  return std::ranges::all_of(bits, [](std::uint64_t word) { return word == 0; });
-}
-
-Bits FirstRows(std::size_t count) noexcept {
-  Bits bits{};
-  for (std::size_t word = 0; word * 64 < count; ++word) {
-    const std::size_t left = count - word * 64;
-    bits[word] = left >= 64 ? ~std::uint64_t{0} : (std::uint64_t{1} << left) - 1;
-  }
-  return bits;
-}
-
-bool IsSet(const Bits& bits, std::size_t row) noexcept {
-  return (bits[row / 64] >> (row % 64) & 1U) != 0;
-}
-void Set(Bits& bits, std::size_t row) noexcept {
-  bits[row / 64] |= std::uint64_t{1} << (row % 64);
-}
-
-/// Calls back with each row whose bit is set, in order, as long as it gives true.
-template <class Callback>
-bool ForEach(const Bits& bits, Callback callback) {
-  for (std::size_t word = 0; word < kWords; ++word) {
-    for (std::uint64_t left = bits[word]; left != 0; left &= left - 1) {
-      if (!callback(word * 64 + static_cast<std::size_t>(std::countr_zero(left)))) {
-        return false;
-      }
-    }
-  }
-  return true;
-}
-
-bool IsSet(const std::vector<std::uint32_t>& entries, std::uint32_t code) noexcept {
-  return (entries[code / 32] >> (code % 32) & 1U) != 0;
-}
 
 void PutTruth(Condition& out, std::size_t row, const Cell& cell) noexcept {
   if (!cell.isNull) {
@@ -86,38 +32,6 @@ VectorRun::VectorRun(const Tree& tree, const store::Contents& contents, const Ke
       JudgeEntries(step.detail, step.place);
     }
   }
-}
-
-void VectorRun::JudgeEntries(std::uint32_t step, Place place) {
-  const store::Column& column = contents_.columns[plan_.entryFields[step]];
-  EntryTruth& truth = entries_[step];
-  const std::uint32_t count = column.texts.EntryCount();
-  const std::size_t words = count / 32 + 1;
-  truth.truth.resize(words);
-  truth.falsity.resize(words);
-  truth.faulty.resize(words);
-  const Cell* result = nullptr;
-  std::uint32_t trueOnes = 0;
-  std::uint32_t falseOnes = 0;
-  for (std::uint32_t code = 0; code < count; ++code) {
-    const Cell text{.bytes = column.texts.Read(code, contents_.large), .isNull = false};
-    const std::uint32_t bit = std::uint32_t{1} << (code % 32);
-    if (!evaluator_.EvaluateFor(place, text, result)) {
-      truth.faulty[code / 32] |= bit;
-      truth.hasFaults = true;
-    } else if (!result->isNull && result->bits != 0) {
-      truth.truth[code / 32] |= bit;
-      truth.first = trueOnes++ == 0 ? static_cast<std::int32_t>(code) : truth.first;
-      truth.last = static_cast<std::int32_t>(code);
-    } else if (!result->isNull) {
-      truth.falsity[code / 32] |= bit;
-      ++falseOnes;
-    }
-  }
-  truth.nullIsFaulty = !evaluator_.EvaluateFor(place, Cell(), result);
-  truth.ofNull = truth.nullIsFaulty ? Cell() : *result;
-  truth.isRange = trueOnes + falseOnes == count && !truth.nullIsFaulty &&
-                  truth.last - truth.first + 1 == static_cast<std::int32_t>(trueOnes);
 }
 
 void VectorRun::Begin(std::uint32_t first) {
@@ -248,11 +162,6 @@ Bits VectorRun::NotNull(const store::Column& column) const noexcept {
   return Without(FirstRows(count_), BitsOf(column.nulls));
 }
 
-template <class Element>
-const Element* VectorRun::ElementsOf(const store::Column& column) const noexcept {
-  return reinterpret_cast<const Element*>(column.values.BlockAt(first_)) + store::PlaceInBlock(first_);
-}
-
 void VectorRun::RunField(const Step& step) {
   const store::Column& column = contents_.columns[tree_.nodes[step.place].detail];
   const Bits valid = NotNull(column);
@@ -316,37 +225,6 @@ void VectorRun::RunRanges(const Step& step) {
   if (condition.isNegated) {
     std::swap(out.truth, out.falsity);
   }
-}
-
-bool VectorRun::RunEntries(const Step& step) {
-  const EntryTruth& truth = entries_[step.detail];
-  const store::Column& column = contents_.columns[plan_.entryFields[step.detail]];
-  Condition& out = conditions_[step.out];
-  const Bits valid = NotNull(column);
-  const Bits nulls = Without(FirstRows(count_), valid);
-  if (truth.isRange) {
-    InRange(column, {.low = truth.first, .high = truth.last, .isEmpty = truth.last < truth.first}, out.truth);
-    out.truth = Both(out.truth, valid);
-    out.falsity = Without(valid, out.truth);
-  } else {
-    out = {};
-    const auto* const codes = ElementsOf<std::uint32_t>(column);
-    ForEach(valid, [&](std::size_t row) {
-      const std::uint64_t bit = std::uint64_t{1} << (row % 64);
-      out.truth[row / 64] |= IsSet(truth.truth, codes[row]) ? bit : 0;
-      out.falsity[row / 64] |= IsSet(truth.falsity, codes[row]) ? bit : 0;
-      return true;
-    });
-    const Bits active = Both(valid, masks_.back().active);
-    if (truth.hasFaults && !ForEach(active, [&](std::size_t row) { return !IsSet(truth.faulty, codes[row]); })) {
-      return false;
-    }
-  }
-  if (!truth.ofNull.isNull) {
-    Bits& ofNull = truth.ofNull.bits != 0 ? out.truth : out.falsity;
-    ofNull = Either(ofNull, nulls);
-  }
-  return !truth.nullIsFaulty || IsEmpty(Both(nulls, masks_.back().active));
 }
 
 void VectorRun::RunGuard(const Step& step, std::size_t& next) {

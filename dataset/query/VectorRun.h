@@ -74,7 +74,9 @@ class VectorRun {
   [[nodiscard]] Bits NotNull(const store::Column& column) const noexcept;
   [[nodiscard]] Bits BitsOf(const store::Plane& plane) const noexcept;
   template <class Element>
-  [[nodiscard]] const Element* ElementsOf(const store::Column& column) const noexcept;
+  [[nodiscard]] const Element* ElementsOf(const store::Column& column) const noexcept {
+    return reinterpret_cast<const Element*>(column.values.BlockAt(first_)) + store::PlaceInBlock(first_);
+  }
   void InRange(const store::Column& column, const Range& range, Bits& in) const;
   [[nodiscard]] store::Cell CellAt(Place place, std::size_t row) const noexcept;
   [[nodiscard]] const Condition& ConditionOf(const Node& node, std::size_t operand) const noexcept {
